@@ -1,0 +1,1 @@
+// Keeps the window library linkable while it has no widgets of its own.

@@ -14,6 +14,12 @@ struct ListItem {
     QString tag;
     QString subText;
     QString subIconKey;
+
+    static ListItem withText(const QString& text) {
+        ListItem item;
+        item.text = text;
+        return item;
+    }
 };
 
 // The items of a list view, 1-based as scripts and commands see them. The

@@ -1,0 +1,26 @@
+#include "statistics/NameFormat.h"
+#include "statistics/UserNames.h"
+
+#include <gtest/gtest.h>
+
+TEST(NameFormat, HexPadsToTheWidthButNeverCuts) {
+    EXPECT_EQ(FormatHex(3, 2), QStringLiteral("0x03"));
+    EXPECT_EQ(FormatHex(0x100, 2), QStringLiteral("0x100"));
+    EXPECT_EQ(FormatHex(0xabcdef, 8), QStringLiteral("0x00ABCDEF"));
+}
+
+TEST(NameFormat, AppendWithSeparatorStartsWithoutOne) {
+    QString target;
+    AppendWithSeparator(target, QStringLiteral("Operator"), QStringLiteral(" + "));
+    AppendWithSeparator(target, QStringLiteral("Speaker"), QStringLiteral(" + "));
+    EXPECT_EQ(target, QStringLiteral("Operator + Speaker"));
+}
+
+TEST(UserNames, RealmNamesReduceToTheAccount) {
+    EXPECT_EQ(ConvertUsername(QStringLiteral("Hero*bob"), false, -1), QStringLiteral("bob"));
+    EXPECT_EQ(ConvertUsername(QStringLiteral("*bob"), false, -1), QStringLiteral("bob"));
+    EXPECT_EQ(ConvertUsername(QStringLiteral("a*b*c"), false, -1), QStringLiteral("b*c"));
+    EXPECT_EQ(ConvertUsername(QStringLiteral("bob"), false, -1), QStringLiteral("bob"));
+    EXPECT_EQ(ConvertUsername(QStringLiteral("bob"), true, -1), QStringLiteral("*bob"));
+    EXPECT_EQ(ConvertUsername(QStringLiteral("Hero*bob"), true, -1), QStringLiteral("*bob"));
+}

@@ -1,0 +1,878 @@
+#include "config/RegistryWrapper.h"
+
+#include "config/Folders.h"
+#include "platform/Cp1252.h"
+
+#include <QCoreApplication>
+#include <QFile>
+
+#include <algorithm>
+#include <array>
+#include <fcntl.h>
+#include <sqlite3.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+struct Root {
+    QLatin1StringView shortForm;
+    QLatin1StringView longForm;
+};
+
+// The order matters: long forms are replaced in this order.
+constexpr std::array<Root, 7> kRoots = {{
+    {QLatin1StringView("HKCU"), QLatin1StringView("HKEY_CURRENT_USER")},
+    {QLatin1StringView("HKLM"), QLatin1StringView("HKEY_LOCAL_MACHINE")},
+    {QLatin1StringView("HKCR"), QLatin1StringView("HKEY_CLASSES_ROOT")},
+    {QLatin1StringView("HKUS"), QLatin1StringView("HKEY_USERS")},
+    {QLatin1StringView("HKPD"), QLatin1StringView("HKEY_PERFORMANCE_DATA")},
+    {QLatin1StringView("HKDD"), QLatin1StringView("HKEY_DYN_DATA")},
+    {QLatin1StringView("HKCC"), QLatin1StringView("HKEY_CURRENT_CONFIG")},
+}};
+constexpr int kCurrentUser = 0;
+constexpr int kLocalMachine = 1;
+
+constexpr qsizetype kMaxName = 255;
+constexpr qsizetype kMaxStringRead = 255;
+
+// DeleteKey answers like the registry call it stands for.
+constexpr int kErrorGeneric = 1;
+constexpr int kErrorNotFound = 2;
+constexpr int kErrorAccessDenied = 5;
+
+constexpr int kBusyTimeoutMs = 5000;
+
+const char* const kSchema = R"sql(
+CREATE TABLE IF NOT EXISTS keys(
+    id      INTEGER PRIMARY KEY,
+    parent  INTEGER,
+    path    TEXT NOT NULL UNIQUE,
+    name    TEXT NOT NULL,
+    display TEXT NOT NULL
+);
+CREATE INDEX IF NOT EXISTS keys_by_parent ON keys(parent, path);
+CREATE TABLE IF NOT EXISTS vals(
+    id    INTEGER PRIMARY KEY,
+    key   INTEGER NOT NULL,
+    lname TEXT NOT NULL,
+    name  TEXT NOT NULL,
+    type  INTEGER NOT NULL,
+    data  BLOB NOT NULL,
+    UNIQUE(key, lname)
+);
+)sql";
+
+bool isAscii(QStringView text) {
+    for (QChar c : text) {
+        if (c.unicode() >= 0x80)
+            return false;
+    }
+    return true;
+}
+
+// The store keeps 8-bit text: what the code page cannot hold does not survive.
+QString storeText(const QString& text) {
+    if (isAscii(text))
+        return text;
+    return cp1252::decode(cp1252::encode(text));
+}
+
+QString lookupName(const QString& name) {
+    return storeText(name).toLower();
+}
+
+QString trimBlanks(QStringView text) {
+    qsizetype start = 0;
+    qsizetype end = text.size();
+    while (start < end && text[start] == u' ')
+        ++start;
+    while (end > start && text[end - 1] == u' ')
+        --end;
+    return text.mid(start, end - start).toString();
+}
+
+void bindText(sqlite3_stmt* stmt, int index, const QString& text) {
+    sqlite3_bind_text16(stmt, index, text.utf16(), static_cast<int>(text.size() * 2),
+                        SQLITE_TRANSIENT);
+}
+
+QString columnText(sqlite3_stmt* stmt, int column) {
+    const auto* data = static_cast<const char16_t*>(sqlite3_column_text16(stmt, column));
+    const int bytes = sqlite3_column_bytes16(stmt, column);
+    return QString::fromUtf16(data, bytes / 2);
+}
+
+QByteArray columnBlob(sqlite3_stmt* stmt, int column) {
+    const void* data = sqlite3_column_blob(stmt, column);
+    const int size = sqlite3_column_bytes(stmt, column);
+    return QByteArray(static_cast<const char*>(data), size);
+}
+
+// Resets a shared statement when the operation that borrowed it is done.
+class Use {
+public:
+    explicit Use(sqlite3_stmt* stmt) : stmt_(stmt) {}
+    ~Use() {
+        if (stmt_) {
+            sqlite3_reset(stmt_);
+            sqlite3_clear_bindings(stmt_);
+        }
+    }
+    Use(const Use&) = delete;
+    Use& operator=(const Use&) = delete;
+    sqlite3_stmt* operator->() const { return stmt_; }
+    operator sqlite3_stmt*() const { return stmt_; }
+    explicit operator bool() const { return stmt_ != nullptr; }
+
+private:
+    sqlite3_stmt* stmt_;
+};
+
+bool isHexDigit(QChar c) {
+    const char16_t u = c.unicode();
+    return (u >= '0' && u <= '9') || (u >= 'A' && u <= 'F') || (u >= 'a' && u <= 'f');
+}
+
+bool allHexDigits(QStringView text) {
+    return std::all_of(text.begin(), text.end(), isHexDigit);
+}
+
+// The data of a "dword:" line: one to eight hex digits, FFFFFFFF being -1.
+bool parseDword(QStringView hex, qint32& out) {
+    if (hex.isEmpty() || hex.size() > 8 || !allHexDigits(hex))
+        return false;
+    out = static_cast<qint32>(hex.toUInt(nullptr, 16));
+    return true;
+}
+
+} // namespace
+
+struct RegistryWrapper::KeyPath {
+    int root = -1;
+    QStringList names;
+    QString lookup;
+
+    bool valid() const { return root >= 0; }
+    bool writable() const { return root >= 0 && root != kLocalMachine; }
+    bool isRoot() const { return names.isEmpty(); }
+};
+
+struct RegistryWrapper::Value {
+    QString name;
+    int type = 0;
+    QByteArray data;
+    qint32 dword = 0;
+};
+
+// One write is one transaction; an operation made of several writes nests
+// them in a savepoint, so a failed step undoes only its own part.
+class RegistryWrapper::Transaction {
+public:
+    explicit Transaction(RegistryWrapper& store) : store_(store) {
+        if (!store_.db_)
+            return;
+        if (store_.transactionDepth_ == 0)
+            active_ = store_.step(store_.begin_);
+        else
+            active_ = store_.exec("SAVEPOINT nested");
+        if (active_)
+            ++store_.transactionDepth_;
+    }
+    ~Transaction() {
+        if (active_)
+            finish(false);
+    }
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+
+    bool active() const { return active_; }
+
+    bool commit() { return active_ && finish(true); }
+
+private:
+    bool finish(bool keep) {
+        active_ = false;
+        const bool outer = --store_.transactionDepth_ == 0;
+        if (outer) {
+            if (keep && store_.step(store_.commit_))
+                return true;
+            store_.step(store_.rollback_);
+            return false;
+        }
+        if (keep)
+            return store_.exec("RELEASE nested");
+        store_.exec("ROLLBACK TO nested");
+        store_.exec("RELEASE nested");
+        return false;
+    }
+
+    RegistryWrapper& store_;
+    bool active_ = false;
+};
+
+RegistryWrapper& RegistryWrapper::instance() {
+    static RegistryWrapper store(defaultStoreFile());
+    return store;
+}
+
+QString RegistryWrapper::defaultStoreFile() {
+    return GetSettingsPath() + QStringLiteral("settings.sqlite");
+}
+
+RegistryWrapper::RegistryWrapper(const QString& file) : file_(file) {
+    const QByteArray path = QFile::encodeName(file);
+    if (file != QLatin1StringView(":memory:")) {
+        // Passwords and product keys live here: the file is the user's alone.
+        const int fd = ::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+        if (fd >= 0) {
+            ::fchmod(fd, 0600);
+            ::close(fd);
+        }
+    }
+    if (sqlite3_open_v2(path.constData(), &db_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
+                        nullptr) != SQLITE_OK) {
+        close();
+        return;
+    }
+    sqlite3_busy_timeout(db_, kBusyTimeoutMs);
+    bool ok = exec("PRAGMA journal_mode=WAL") && exec("PRAGMA synchronous=FULL") &&
+              exec("BEGIN IMMEDIATE") && exec(kSchema);
+    for (const Root& root : kRoots) {
+        if (!ok)
+            break;
+        const QString sql = QStringLiteral("INSERT OR IGNORE INTO keys(parent, path, name, "
+                                           "display) VALUES(NULL, '%1', '%2', '%2')")
+                                .arg(QString(root.shortForm).toLower(), root.shortForm);
+        ok = exec(sql.toUtf8().constData());
+    }
+    ok = ok && exec("COMMIT");
+    if (ok) {
+        findKey_ = prepare("SELECT id, display FROM keys WHERE path = ?1");
+        insertKey_ = prepare("INSERT INTO keys(parent, path, name, display) VALUES(?1, ?2, ?3, ?4)");
+        deleteKey_ = prepare("DELETE FROM keys WHERE id = ?1");
+        childKeys_ = prepare("SELECT id, name, display FROM keys WHERE parent = ?1 ORDER BY path");
+        anyChild_ = prepare("SELECT 1 FROM keys WHERE parent = ?1 LIMIT 1");
+        readValue_ = prepare("SELECT v.type, v.data FROM vals v JOIN keys k ON v.key = k.id "
+                             "WHERE k.path = ?1 AND v.lname = ?2");
+        writeValue_ = prepare("INSERT INTO vals(key, lname, name, type, data) "
+                              "VALUES(?1, ?2, ?3, ?4, ?5) ON CONFLICT(key, lname) "
+                              "DO UPDATE SET type = excluded.type, data = excluded.data");
+        deleteValue_ = prepare("DELETE FROM vals WHERE key = ?1 AND lname = ?2");
+        deleteValues_ = prepare("DELETE FROM vals WHERE key = ?1");
+        listValues_ = prepare("SELECT name, type, data FROM vals WHERE key = ?1 ORDER BY id");
+        begin_ = prepare("BEGIN IMMEDIATE");
+        commit_ = prepare("COMMIT");
+        rollback_ = prepare("ROLLBACK");
+        ok = findKey_ && insertKey_ && deleteKey_ && childKeys_ && anyChild_ && readValue_ &&
+             writeValue_ && deleteValue_ && deleteValues_ && listValues_ && begin_ && commit_ &&
+             rollback_;
+    }
+    if (!ok)
+        close();
+}
+
+RegistryWrapper::~RegistryWrapper() {
+    close();
+}
+
+void RegistryWrapper::close() {
+    for (sqlite3_stmt** stmt :
+         {&findKey_, &insertKey_, &deleteKey_, &childKeys_, &anyChild_, &readValue_, &writeValue_,
+          &deleteValue_, &deleteValues_, &listValues_, &begin_, &commit_, &rollback_}) {
+        sqlite3_finalize(*stmt);
+        *stmt = nullptr;
+    }
+    if (db_)
+        sqlite3_close(db_);
+    db_ = nullptr;
+}
+
+bool RegistryWrapper::exec(const char* sql) {
+    return db_ && sqlite3_exec(db_, sql, nullptr, nullptr, nullptr) == SQLITE_OK;
+}
+
+sqlite3_stmt* RegistryWrapper::prepare(const char* sql) {
+    sqlite3_stmt* stmt = nullptr;
+    if (sqlite3_prepare_v3(db_, sql, -1, SQLITE_PREPARE_PERSISTENT, &stmt, nullptr) != SQLITE_OK)
+        return nullptr;
+    return stmt;
+}
+
+bool RegistryWrapper::step(sqlite3_stmt* stmt) {
+    const int rc = sqlite3_step(stmt);
+    sqlite3_reset(stmt);
+    return rc == SQLITE_DONE || rc == SQLITE_ROW;
+}
+
+// Path grammar: long root forms become short ones wherever they stand, the
+// root is the first four characters, and empty elements are ignored.
+RegistryWrapper::KeyPath RegistryWrapper::splitKeyPath(const QString& path) {
+    QString text = path;
+    for (const Root& root : kRoots) {
+        if (text.contains(root.longForm, Qt::CaseInsensitive))
+            text.replace(root.longForm, root.shortForm, Qt::CaseInsensitive);
+    }
+    const qsizetype slash = text.indexOf(u'\\');
+    const QString rootText = (slash < 0 ? text : text.left(4)).toUpper();
+    KeyPath key;
+    for (int i = 0; i < int(kRoots.size()); ++i) {
+        if (rootText == kRoots[i].shortForm)
+            key.root = i;
+    }
+    if (key.root < 0)
+        return key;
+    if (slash >= 0)
+        key.names = text.mid(slash + 1).split(u'\\', Qt::SkipEmptyParts);
+    key.lookup = QString(kRoots[key.root].shortForm).toLower();
+    for (QString& name : key.names) {
+        name = storeText(name);
+        key.lookup += u'\\';
+        key.lookup += name.toLower();
+    }
+    return key;
+}
+
+RegistryWrapper::KeyPath RegistryWrapper::belowCurrentUser(const QString& subPath) {
+    KeyPath key;
+    key.root = kCurrentUser;
+    key.names = subPath.split(u'\\', Qt::SkipEmptyParts);
+    key.lookup = QString(kRoots[kCurrentUser].shortForm).toLower();
+    for (QString& name : key.names) {
+        name = storeText(name);
+        key.lookup += u'\\';
+        key.lookup += name.toLower();
+    }
+    return key;
+}
+
+qint64 RegistryWrapper::keyId(const KeyPath& key, QString* display) {
+    if (!key.valid() || !db_)
+        return -1;
+    Use stmt(findKey_);
+    bindText(stmt, 1, key.lookup);
+    if (sqlite3_step(stmt) != SQLITE_ROW)
+        return -1;
+    if (display)
+        *display = columnText(stmt, 1);
+    return sqlite3_column_int64(stmt, 0);
+}
+
+// Creates the key and its missing parents; -1 on failure.
+qint64 RegistryWrapper::ensureKey(const KeyPath& key) {
+    if (!key.writable())
+        return -1;
+    qint64 id = keyId(key);
+    if (id >= 0)
+        return id;
+    Transaction transaction(*this);
+    if (!transaction.active())
+        return -1;
+    KeyPath prefix;
+    prefix.root = key.root;
+    prefix.lookup = QString(kRoots[key.root].shortForm).toLower();
+    QString display = kRoots[key.root].shortForm;
+    id = keyId(prefix);
+    for (const QString& name : key.names) {
+        if (name.size() > kMaxName)
+            return -1;
+        prefix.lookup += u'\\';
+        prefix.lookup += name.toLower();
+        display += u'\\';
+        display += name;
+        const qint64 existing = keyId(prefix);
+        if (existing >= 0) {
+            id = existing;
+            continue;
+        }
+        Use insert(insertKey_);
+        sqlite3_bind_int64(insert, 1, id);
+        bindText(insert, 2, prefix.lookup);
+        bindText(insert, 3, name);
+        bindText(insert, 4, display);
+        if (sqlite3_step(insert) != SQLITE_DONE)
+            return -1;
+        id = sqlite3_last_insert_rowid(db_);
+    }
+    return transaction.commit() ? id : -1;
+}
+
+bool RegistryWrapper::hasSubkeys(qint64 id) {
+    Use stmt(anyChild_);
+    sqlite3_bind_int64(stmt, 1, id);
+    return sqlite3_step(stmt) == SQLITE_ROW;
+}
+
+bool RegistryWrapper::removeKey(qint64 id) {
+    Transaction transaction(*this);
+    {
+        Use values(deleteValues_);
+        sqlite3_bind_int64(values, 1, id);
+        if (sqlite3_step(values) != SQLITE_DONE)
+            return false;
+    }
+    {
+        Use key(deleteKey_);
+        sqlite3_bind_int64(key, 1, id);
+        if (sqlite3_step(key) != SQLITE_DONE)
+            return false;
+    }
+    return transaction.commit();
+}
+
+QList<RegistryWrapper::Child> RegistryWrapper::children(qint64 id) {
+    QList<Child> result;
+    Use stmt(childKeys_);
+    sqlite3_bind_int64(stmt, 1, id);
+    while (sqlite3_step(stmt) == SQLITE_ROW)
+        result.append({sqlite3_column_int64(stmt, 0), columnText(stmt, 1), columnText(stmt, 2)});
+    return result;
+}
+
+QList<RegistryWrapper::Value> RegistryWrapper::values(qint64 id) {
+    QList<Value> result;
+    Use stmt(listValues_);
+    sqlite3_bind_int64(stmt, 1, id);
+    while (sqlite3_step(stmt) == SQLITE_ROW) {
+        Value value;
+        value.name = columnText(stmt, 0);
+        value.type = sqlite3_column_int(stmt, 1);
+        if (value.type == TypeDword)
+            value.dword = sqlite3_column_int(stmt, 2);
+        else
+            value.data = columnBlob(stmt, 2);
+        result.append(value);
+    }
+    return result;
+}
+
+bool RegistryWrapper::readValue(const KeyPath& key, const QString& name, Value& out) {
+    if (!key.valid() || !db_)
+        return false;
+    Use stmt(readValue_);
+    bindText(stmt, 1, key.lookup);
+    bindText(stmt, 2, lookupName(name));
+    if (sqlite3_step(stmt) != SQLITE_ROW)
+        return false;
+    out.type = sqlite3_column_int(stmt, 0);
+    if (out.type == TypeDword)
+        out.dword = sqlite3_column_int(stmt, 1);
+    else
+        out.data = columnBlob(stmt, 1);
+    return true;
+}
+
+int RegistryWrapper::writeValue(const QString& path, const QString& name, int type,
+                                const QByteArray& data, qint32 dword) {
+    const KeyPath key = splitKeyPath(path);
+    if (!key.writable() || !db_ || name.size() > kMaxName)
+        return 0;
+    Transaction transaction(*this);
+    qint64 id = keyId(key);
+    if (id < 0) {
+        if (!createKeyIfDoesntExists_)
+            return 0;
+        id = ensureKey(key);
+        if (id < 0)
+            return 0;
+    }
+    const QString stored = storeText(name);
+    {
+        Use stmt(writeValue_);
+        sqlite3_bind_int64(stmt, 1, id);
+        bindText(stmt, 2, stored.toLower());
+        bindText(stmt, 3, stored);
+        sqlite3_bind_int(stmt, 4, type);
+        if (type == TypeDword)
+            sqlite3_bind_int(stmt, 5, dword);
+        else
+            sqlite3_bind_blob(stmt, 5, data.constData(), static_cast<int>(data.size()),
+                              SQLITE_TRANSIENT);
+        if (sqlite3_step(stmt) != SQLITE_DONE)
+            return 0;
+    }
+    return transaction.commit() ? 1 : 0;
+}
+
+int RegistryWrapper::CreateKey(const QString& path) {
+    return ensureKey(splitKeyPath(path)) >= 0 ? 1 : 0;
+}
+
+int RegistryWrapper::KillKey(const QString& path) {
+    const KeyPath key = splitKeyPath(path);
+    const qint64 id = keyId(key);
+    if (id < 0)
+        return 0;
+    if (!key.isRoot() && !hasSubkeys(id))
+        removeKey(id);
+    return 1;
+}
+
+int RegistryWrapper::DeleteKey(const QString& subPath) {
+    const KeyPath key = belowCurrentUser(subPath);
+    if (key.isRoot())
+        return kErrorAccessDenied;
+    const qint64 id = keyId(key);
+    if (id < 0)
+        return kErrorNotFound;
+    if (hasSubkeys(id))
+        return kErrorAccessDenied;
+    return removeKey(id) ? 0 : kErrorGeneric;
+}
+
+bool RegistryWrapper::KeyExists(const QString& path) {
+    return keyId(splitKeyPath(path)) >= 0;
+}
+
+bool RegistryWrapper::HaveSubkey(const QString& path) {
+    const qint64 id = keyId(splitKeyPath(path));
+    return id >= 0 && hasSubkeys(id);
+}
+
+int RegistryWrapper::EnumKeys(const QString& path, QStringList& names) {
+    names = QStringList{QString()};
+    const qint64 id = keyId(splitKeyPath(path));
+    if (id < 0)
+        return -1;
+    const QList<Child> list = children(id);
+    if (list.isEmpty())
+        return 0;
+    names.clear();
+    for (const Child& child : list)
+        names.append(child.name);
+    return int(names.size());
+}
+
+// Copies the dword values, then the string values, of Parent\Source into a
+// new Parent\Target; binary values stay behind. Refuses a source that has
+// subkeys and a target that exists.
+bool RegistryWrapper::copyKey(const QString& parent, const QString& sourceName,
+                              const QString& targetName) {
+    const QString base = parent + u'\\';
+    const KeyPath source = splitKeyPath(base + sourceName);
+    const KeyPath target = splitKeyPath(base + targetName);
+    const qint64 sourceId = keyId(source);
+    if (sourceId < 0 || keyId(target) >= 0 || hasSubkeys(sourceId))
+        return false;
+    Transaction transaction(*this);
+    const qint64 targetId = ensureKey(target);
+    if (targetId < 0)
+        return false;
+    const QList<Value> list = values(sourceId);
+    for (int type : {int(TypeDword), int(TypeString)}) {
+        for (const Value& value : list) {
+            if (value.type != type)
+                continue;
+            Use stmt(writeValue_);
+            sqlite3_bind_int64(stmt, 1, targetId);
+            bindText(stmt, 2, value.name.toLower());
+            bindText(stmt, 3, value.name);
+            sqlite3_bind_int(stmt, 4, type);
+            if (type == TypeDword)
+                sqlite3_bind_int(stmt, 5, value.dword);
+            else
+                sqlite3_bind_blob(stmt, 5, value.data.constData(), int(value.data.size()),
+                                  SQLITE_TRANSIENT);
+            if (sqlite3_step(stmt) != SQLITE_DONE)
+                return false;
+        }
+    }
+    return transaction.commit();
+}
+
+bool RegistryWrapper::RenameKey(const QString& parent, const QString& oldName,
+                                const QString& newName) {
+    if (lookupName(oldName) == lookupName(newName))
+        return true;
+    Transaction transaction(*this);
+    if (!copyKey(parent, oldName, newName))
+        return false;
+    // Profiles live below HKCU; the old key goes by its path below that root.
+    DeleteKey(parent.mid(5) + u'\\' + oldName);
+    return transaction.commit();
+}
+
+bool RegistryWrapper::CloneKey(const QString& parent, const QString& sourceName,
+                               const QString& targetName) {
+    if (lookupName(sourceName) == lookupName(targetName))
+        return false;
+    return copyKey(parent, sourceName, targetName);
+}
+
+int RegistryWrapper::WriteSTRING(const QString& path, const QString& name, const QString& value) {
+    const QString valueName = name == u"@" ? QString() : name;
+    return writeValue(path, valueName, TypeString, cp1252::encode(value), 0);
+}
+
+QString RegistryWrapper::ReadSTRING(const QString& path, const QString& name,
+                                    const QString& defaultValue, bool defaultIfEmpty) {
+    Value value;
+    if (!readValue(splitKeyPath(path), name, value) || value.type != TypeString)
+        return defaultValue;
+    // The value is fetched into a 255-byte buffer that also holds the end mark.
+    QByteArray& bytes = value.data;
+    if (bytes.size() > kMaxStringRead)
+        return defaultValue;
+    if (bytes.size() == kMaxStringRead)
+        bytes.chop(1);
+    const qsizetype nul = bytes.indexOf('\0');
+    if (nul >= 0)
+        bytes.truncate(nul);
+    qsizetype start = 0;
+    while (start < bytes.size() && bytes[start] == ' ')
+        ++start;
+    if (start == bytes.size() && defaultIfEmpty)
+        return defaultValue;
+    return cp1252::decode(QByteArrayView(bytes).sliced(start));
+}
+
+int RegistryWrapper::WriteDWORD(const QString& path, const QString& name, qint32 value) {
+    return writeValue(path, name, TypeDword, {}, value);
+}
+
+qint32 RegistryWrapper::ReadDWORD(const QString& path, const QString& name, qint32 defaultValue) {
+    Value value;
+    if (!readValue(splitKeyPath(path), name, value) || value.type != TypeDword)
+        return defaultValue;
+    return value.dword;
+}
+
+int RegistryWrapper::WriteBinary(const QString& path, const QString& name,
+                                 const QString& hexText) {
+    bool ok = false;
+    const QByteArray bytes = StrToBin(hexText, &ok);
+    if (!ok)
+        return 0;
+    return writeValue(path, name, TypeBinary, bytes, 0);
+}
+
+QString RegistryWrapper::ReadBinary(const QString& path, const QString& name,
+                                    const QString& defaultValue) {
+    Value value;
+    if (!readValue(splitKeyPath(path), name, value) || value.type != TypeBinary)
+        return defaultValue;
+    return trimBlanks(BinToStr(value.data));
+}
+
+int RegistryWrapper::KillValue(const QString& path, const QString& name) {
+    const KeyPath key = splitKeyPath(path);
+    const qint64 id = keyId(key);
+    if (id < 0)
+        return 0;
+    Transaction transaction(*this);
+    {
+        Use stmt(deleteValue_);
+        sqlite3_bind_int64(stmt, 1, id);
+        bindText(stmt, 2, lookupName(name));
+        sqlite3_step(stmt);
+    }
+    transaction.commit();
+    return 1;
+}
+
+bool RegistryWrapper::ValueExists(const QString& path, const QString& name) {
+    Value value;
+    return readValue(splitKeyPath(path), name, value);
+}
+
+int RegistryWrapper::EnumValues(const QString& path, QStringList& names, QStringList& values,
+                                int type) {
+    names = QStringList{QString()};
+    values = QStringList{QString()};
+    const KeyPath key = splitKeyPath(path);
+    const qint64 id = keyId(key);
+    if (id < 0)
+        return -1;
+    int count = 0;
+    for (const Value& value : this->values(id)) {
+        if (type != TypeAny && value.type != type)
+            continue;
+        if (count > 0) {
+            names.append(QString());
+            values.append(QString());
+        }
+        names[count] = trimBlanks(value.name);
+        switch (value.type) {
+        case TypeString:
+            values[count] = ReadSTRING(path, value.name);
+            break;
+        case TypeDword:
+            values[count] = QString::number(value.dword);
+            break;
+        case TypeBinary:
+            values[count] = trimBlanks(BinToStr(QByteArrayView(value.data).first(std::min(value.data.size(), kMaxStringRead))));
+            break;
+        default:
+            break;
+        }
+        ++count;
+    }
+    return count;
+}
+
+bool RegistryWrapper::exportSection(qint64 id, const QString& display, QIODevice& file,
+                                    bool recursive,
+                                    const std::function<void(const QString&)>& progress) {
+    const qsizetype rootLength = display.indexOf(u'\\') < 0 ? display.size() : 4;
+    QString header = display.mid(rootLength);
+    for (const Root& root : kRoots) {
+        if (display.left(rootLength) == root.shortForm)
+            header.prepend(root.longForm);
+    }
+    if (progress) {
+        progress(header);
+        if (QCoreApplication::instance())
+            QCoreApplication::processEvents();
+    }
+    const QList<Value> list = values(id);
+    QString defaultText;
+    QString strings;
+    QString binaries;
+    QString dwords;
+    for (const Value& value : list) {
+        const QString name = u'"' + value.name + u'"';
+        if (value.type == TypeString) {
+            if (value.name.isEmpty())
+                defaultText = cp1252::decode(value.data);
+            else
+                strings += name + QStringLiteral("=\"") + cp1252::decode(value.data) + QStringLiteral("\"\r\n");
+        } else if (value.type == TypeBinary) {
+            QString hex = BinToStr(value.data);
+            hex.chop(1);
+            binaries += name + QStringLiteral("=hex:") + hex.replace(u' ', u',') +
+                        QStringLiteral("\r\n");
+        } else if (value.type == TypeDword) {
+            dwords += name + QStringLiteral("=dword:") +
+                      QStringLiteral("%1").arg(quint32(value.dword), 8, 16, QLatin1Char('0')).toUpper() +
+                      QStringLiteral("\r\n");
+        }
+    }
+    const QString section = u'[' + header + QStringLiteral("]\r\n@=\"") + defaultText + QStringLiteral("\"\r\n") + strings +
+                            binaries + dwords + QStringLiteral("\r\n");
+    const QByteArray bytes = cp1252::encode(section);
+    if (file.write(bytes) != bytes.size())
+        return false;
+    if (!recursive)
+        return true;
+    for (const Child& child : children(id)) {
+        if (!exportSection(child.id, child.display, file, recursive, progress))
+            return false;
+    }
+    return true;
+}
+
+bool RegistryWrapper::ExportToReg(const QString& path, const QString& fileName, bool recursive,
+                                  const std::function<void(const QString&)>& progress) {
+    if (QFile::exists(fileName))
+        return false;
+    QString display;
+    const qint64 id = keyId(splitKeyPath(path), &display);
+    if (id < 0)
+        return false;
+    QFile file(fileName);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
+        return false;
+    if (file.write("REGEDIT4\r\n\r\n") < 0)
+        return false;
+    return exportSection(id, display, file, recursive, progress) && file.flush();
+}
+
+bool RegistryWrapper::ImportFromReg(const QString& fileName) {
+    createKeyIfDoesntExists_ = true;
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    return ImportRegText(file.readAll());
+}
+
+bool RegistryWrapper::ImportRegText(QByteArrayView text) {
+    createKeyIfDoesntExists_ = true;
+    const QStringList lines = cp1252::decode(text).split(QStringLiteral("\r\n"));
+    if (lines.first().toUpper() != u"REGEDIT4")
+        return false;
+    const auto clean = [](const QString& line) { return trimBlanks(line).remove(u'"'); };
+    // A file applies as far as it is good: what came before a bad line stays.
+    Transaction transaction(*this);
+    qsizetype i = 1;
+    while (i < lines.size()) {
+        const QString line = clean(lines[i++]);
+        if (!line.startsWith(u'['))
+            continue;
+        const QString key = line.mid(1, line.size() - 2);
+        if (key.startsWith(u'-')) {
+            KillKey(key.mid(1));
+            continue;
+        }
+        for (; i < lines.size(); ++i) {
+            const QString valueLine = clean(lines[i]);
+            if (valueLine.startsWith(u'['))
+                break;
+            if (valueLine.isEmpty() || valueLine.startsWith(u';') || !valueLine.contains(u'='))
+                continue;
+            const QStringList parts = valueLine.split(u'=');
+            const QString& name = parts[0];
+            const QString data = trimBlanks(parts[1]);
+            if (data == u"-") {
+                KillValue(key, name);
+            } else if (data.left(4).compare(u"hex:", Qt::CaseInsensitive) == 0) {
+                bool ok = false;
+                const QByteArray bytes = StrToBin(data.mid(4).replace(u',', u' '), &ok);
+                if (!ok) {
+                    transaction.commit();
+                    return false;
+                }
+                writeValue(key, name, TypeBinary, bytes, 0);
+            } else if (data.left(6).compare(u"dword:", Qt::CaseInsensitive) == 0) {
+                qint32 number = 0;
+                if (!parseDword(QStringView(data).mid(6), number)) {
+                    transaction.commit();
+                    return false;
+                }
+                WriteDWORD(key, name, number);
+            } else {
+                WriteSTRING(key, name, data);
+                if (data.isEmpty() && name == u"@")
+                    KillValue(key, QString());
+            }
+        }
+    }
+    transaction.commit();
+    return true;
+}
+
+QString RegistryWrapper::BinToStr(QByteArrayView bytes) {
+    static constexpr char kDigits[] = "0123456789ABCDEF";
+    QString text;
+    text.reserve(bytes.size() * 3);
+    for (char byte : bytes) {
+        const auto value = static_cast<unsigned char>(byte);
+        text += QLatin1Char(kDigits[value >> 4]);
+        text += QLatin1Char(kDigits[value & 0xF]);
+        text += u' ';
+    }
+    return text;
+}
+
+QByteArray RegistryWrapper::StrToBin(const QString& hexText, bool* ok) {
+    QString digits = hexText;
+    digits.remove(u' ');
+    QByteArray bytes;
+    bytes.reserve(digits.size() / 2 + 1);
+    const bool valid = allHexDigits(digits);
+    if (ok)
+        *ok = valid;
+    if (!valid)
+        return {};
+    // Pairs from the left; an odd last digit stands alone.
+    for (qsizetype i = 0; i < digits.size(); i += 2)
+        bytes.append(static_cast<char>(QStringView(digits).mid(i, 2).toUInt(nullptr, 16)));
+    return bytes;
+}
+
+bool RegistryWrapper::isBinValid(const QString& hexText) {
+    QString digits = hexText;
+    digits.remove(u' ');
+    if (digits.isEmpty())
+        return false;
+    return allHexDigits(digits);
+}

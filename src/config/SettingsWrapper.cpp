@@ -1,0 +1,272 @@
+#include "config/SettingsWrapper.h"
+
+#include "config/Folders.h"
+#include "config/IniFile.h"
+#include "config/RegistryWrapper.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+
+#include <algorithm>
+
+namespace {
+
+bool isOneOf(qint32 value, std::initializer_list<qint32> allowed) {
+    return std::find(allowed.begin(), allowed.end(), value) != allowed.end();
+}
+
+// One argument of an Exec line: quoted, with the characters the desktop
+// entry format reserves escaped, then escaped again as a string value.
+QString execArgument(QString argument) {
+    QString quoted;
+    for (QChar c : argument) {
+        if (c == u'"' || c == u'`' || c == u'$' || c == u'\\')
+            quoted += u'\\';
+        quoted += c;
+    }
+    quoted.replace(u'\\', QStringLiteral("\\\\"));
+    quoted.replace(u'%', QStringLiteral("%%"));
+    return u'"' + quoted + u'"';
+}
+
+} // namespace
+
+SettingsWrapper& SettingsWrapper::instance() {
+    static SettingsWrapper settings(RegistryWrapper::instance());
+    return settings;
+}
+
+SettingsWrapper::SettingsWrapper(RegistryWrapper& store, QObject* parent)
+    : QObject(parent), store_(store) {}
+
+const QString& SettingsWrapper::RootKey() {
+    static const QString key = QStringLiteral("HKCU\\Software\\Corvantide4\\");
+    return key;
+}
+
+const QString& SettingsWrapper::SettingsKey() {
+    static const QString key = RootKey() + QStringLiteral("Settings");
+    return key;
+}
+
+// United States West and East, Asia, Europe.
+const QStringList& SettingsWrapper::Gateways() {
+    static const QStringList servers = {
+        QStringLiteral("uswest.battle.net"),
+        QStringLiteral("useast.battle.net"),
+        QStringLiteral("asia.battle.net"),
+        QStringLiteral("europe.battle.net"),
+    };
+    return servers;
+}
+
+// Public BNLS servers by name, then the local ones by name and by address
+// (the sandbox answers on 127.0.0.1).
+const QStringList& SettingsWrapper::BnlsServers() {
+    static const QStringList servers = {
+        QStringLiteral("jbls.davnit.net"),
+        QStringLiteral("bnls.bnetdocs.org"),
+        QStringLiteral("hdx.jbls.org"),
+        QStringLiteral("jbls.org"),
+        QStringLiteral("phix.no-ip.org"),
+        QStringLiteral("bnls.mattkv.net"),
+        QStringLiteral("pyro.no-ip.biz"),
+        QStringLiteral("bnls.valhallalegends.com"),
+        QStringLiteral("jbls.codespeak.org"),
+        QStringLiteral("bnls.ostrelund.net"),
+        QStringLiteral("bnls-us.ostrelund.net"),
+        QStringLiteral("bnls-eu.ostrelund.net"),
+        QStringLiteral("bnls-asia.ostrelund.net"),
+        QStringLiteral("jbls.ostrelund.net"),
+        QStringLiteral("localhost"),
+        QStringLiteral("127.0.0.1"),
+        QStringLiteral("::1"),
+    };
+    return servers;
+}
+
+void SettingsWrapper::RecordBotDir() {
+    store_.setCreateKeyIfDoesntExists(true);
+    store_.WriteSTRING(RootKey(), QStringLiteral("BotDir"), GetProgramFolder());
+}
+
+QStringList SettingsWrapper::SeedStore() {
+    struct Seed {
+        QString key;
+        QString reported;
+        const QStringList* entries;
+    };
+    const Seed seeds[] = {
+        {QStringLiteral("Servers1"), QStringLiteral("Servers1"), &Gateways()},
+        {QStringLiteral("Servers2"), QStringLiteral("Servers2"), &BnlsServers()},
+        {QStringLiteral("Aliases"), QStringLiteral("Aliases"), nullptr},
+        {QStringLiteral("Databases"), QStringLiteral("Database"), nullptr},
+        {QStringLiteral("Groups"), QStringLiteral("Groups"), nullptr},
+        {QStringLiteral("History\\Channels"), QStringLiteral("History\\Channels"), nullptr},
+    };
+    QStringList created;
+    for (const Seed& seed : seeds) {
+        const QString path = RootKey() + seed.key;
+        if (store_.KeyExists(path))
+            continue;
+        store_.CreateKey(path);
+        if (seed.entries) {
+            for (const QString& entry : *seed.entries)
+                store_.CreateKey(path + u'\\' + entry);
+        }
+        created.append(seed.reported);
+    }
+    return created;
+}
+
+void SettingsWrapper::WriteBackStartupSettings() {
+    setAutoCQ(AutoCQ());
+    setMediaPlayer(MediaPlayer());
+    setLocked(Locked());
+    setHideBanUnban(HideBanUnban());
+    setTray(Tray());
+    setHideJoinLeave(HideJoinLeave());
+    setHideOfflineFriends(HideOfflineFriends());
+    setTabbed(Tabbed());
+    setEncryption(Encryption());
+    setDecryption(Decryption());
+    setDecodeUTF8(DecodeUTF8());
+    setVoidView(VoidView());
+    setWindowsStartup(WindowsStartup());
+    setHideChars(HideChars());
+    setWhisperPanel(WhisperPanel());
+    setIconDisp(IconDisp());
+    setTimeStamp(TimeStamp());
+    setColorDisp(ColorDisp());
+    setHideEmote(HideEmote());
+    setHidePresent(HidePresent());
+    setFloodMode(FloodMode());
+}
+
+void SettingsWrapper::setInstalledFonts(const QStringList& families) {
+    fonts_.clear();
+    for (const QString& family : families)
+        fonts_.insert(family.toLower());
+}
+
+bool SettingsWrapper::readBool(const QString& valueName, bool defaultValue) const {
+    return store_.ReadDWORD(SettingsKey(), valueName, defaultValue ? 1 : 0) != 0;
+}
+
+void SettingsWrapper::writeBool(const QString& valueName, bool on, const QString& property) {
+    store_.WriteDWORD(SettingsKey(), valueName, on ? 1 : 0);
+    Q_EMIT settingChanged(property);
+}
+
+qint32 SettingsWrapper::readDword(const QString& valueName, qint32 defaultValue) const {
+    return store_.ReadDWORD(SettingsKey(), valueName, defaultValue);
+}
+
+void SettingsWrapper::writeDword(const QString& valueName, qint32 value,
+                                 const QString& property) {
+    store_.WriteDWORD(SettingsKey(), valueName, value);
+    Q_EMIT settingChanged(property.isEmpty() ? valueName : property);
+}
+
+QString SettingsWrapper::readString(const QString& valueName, const QString& defaultValue) const {
+    return store_.ReadSTRING(SettingsKey(), valueName, defaultValue);
+}
+
+void SettingsWrapper::writeString(const QString& valueName, const QString& value,
+                                  const QString& property) {
+    store_.WriteSTRING(SettingsKey(), valueName, value);
+    Q_EMIT settingChanged(property.isEmpty() ? valueName : property);
+}
+
+qint32 SettingsWrapper::FloodMode() const {
+    const qint32 stored = readDword(QStringLiteral("FloodMode"), 1000);
+    return isOneOf(stored, {0, 500, 1000, 2000}) ? stored : 1000;
+}
+
+void SettingsWrapper::setFloodMode(qint32 milliseconds) {
+    writeDword(QStringLiteral("FloodMode"), milliseconds);
+}
+
+qint32 SettingsWrapper::Transparency() const {
+    const qint32 stored = readDword(QStringLiteral("Transparency"), 100);
+    return isOneOf(stored, {20, 40, 60, 80, 100}) ? stored : 100;
+}
+
+void SettingsWrapper::setTransparency(qint32 percent) {
+    writeDword(QStringLiteral("Transparency"),
+               isOneOf(percent, {20, 40, 60, 80, 100}) ? percent : 100);
+}
+
+QString SettingsWrapper::readFont(const QString& valueName, const QString& defaultValue) const {
+    const QString stored = readString(valueName, defaultValue);
+    if (fonts_.isEmpty() || fonts_.contains(stored.toLower()))
+        return stored;
+    return defaultValue;
+}
+
+QString SettingsWrapper::ChatFont() const {
+    const QString stored = readString(QStringLiteral("ChatFont"), QStringLiteral("Arial"));
+    const QString family = readFont(QStringLiteral("ChatFont"), QStringLiteral("Arial"));
+    // The views had the missing font: they get the default with its size again.
+    if (family != stored)
+        Q_EMIT settingChanged(QStringLiteral("ChatSize"));
+    return family;
+}
+
+void SettingsWrapper::setChatFont(const QString& family) {
+    writeString(QStringLiteral("ChatFont"), family);
+}
+
+QString SettingsWrapper::TextFont() const {
+    return readFont(QStringLiteral("TextFont"), QStringLiteral("Tahoma"));
+}
+
+void SettingsWrapper::setTextFont(const QString& family) {
+    writeString(QStringLiteral("TextFont"), family);
+}
+
+QString SettingsWrapper::ListFont() const {
+    return readFont(QStringLiteral("ListFont"), QStringLiteral("Tahoma"));
+}
+
+void SettingsWrapper::setListFont(const QString& family) {
+    writeString(QStringLiteral("ListFont"), family);
+}
+
+bool SettingsWrapper::WindowsStartup() const {
+    QFile file(AutostartFile());
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const IniFile entry = IniFile::parse(file.readAll());
+    const QString section = QStringLiteral("Desktop Entry");
+    const bool hidden = entry.value(section, u"Hidden").value_or(QString()) == u"true";
+    return !hidden && !entry.value(section, u"Exec").value_or(QString()).isEmpty();
+}
+
+void SettingsWrapper::setWindowsStartup(bool on) {
+    QString exec;
+    if (on) {
+        QStringList arguments;
+        for (const QString& argument : ProgramCommand())
+            arguments.append(execArgument(argument));
+        exec = arguments.join(u' ');
+    }
+    const QString text = QStringLiteral("[Desktop Entry]\n"
+                                        "Type=Application\n"
+                                        "Name=Corvantide\n"
+                                        "Comment=Battle.net chat bot\n"
+                                        "Exec=%1\n"
+                                        "Terminal=false\n"
+                                        "Hidden=%2\n")
+                             .arg(exec, on ? QStringLiteral("false") : QStringLiteral("true"));
+    const QString path = AutostartFile();
+    QDir().mkpath(QFileInfo(path).path());
+    QSaveFile file(path);
+    if (file.open(QIODevice::WriteOnly)) {
+        file.write(text.toUtf8());
+        file.commit();
+    }
+    Q_EMIT settingChanged(QStringLiteral("WindowsStartup"));
+}

@@ -1,0 +1,172 @@
+#pragma once
+
+#include <QObject>
+#include <QSet>
+#include <QString>
+#include <QStringList>
+
+class RegistryWrapper;
+
+// The program-wide settings under HKCU\Software\Corvantide4\Settings. A get
+// reads the store and a set writes it; nothing is kept here, so a change is in
+// force for the next read everywhere. Booleans are dword 0 or 1 and any value
+// but 0 reads true. A failed read gives the default and a failed write is
+// ignored.
+//
+// Every set announces the property's name through settingChanged, so that the
+// window can check its menu items, apply fonts and lay itself out again.
+class SettingsWrapper : public QObject {
+    Q_OBJECT
+
+public:
+    static SettingsWrapper& instance();
+    explicit SettingsWrapper(RegistryWrapper& store, QObject* parent = nullptr);
+
+    // "HKCU\Software\Corvantide4\" and its "Settings" key.
+    static const QString& RootKey();
+    static const QString& SettingsKey();
+
+    // The Battle.net gateways and BNLS servers offered when the lists are
+    // first made.
+    static const QStringList& Gateways();
+    static const QStringList& BnlsServers();
+
+    // Start-up: allows writes to create keys and records the program folder
+    // as BotDir.
+    void RecordBotDir();
+    // Start-up: makes sure the seeded keys exist, in order, filling the
+    // server lists when they are new. Returns the name of each key it had to
+    // create, as the console reports it ("Servers1", ..., "History\Channels").
+    QStringList SeedStore();
+    // Start-up: reads the settings the menus show and writes each straight
+    // back, so every one exists with at least its default.
+    void WriteBackStartupSettings();
+
+    // The font families of the host. Until the window supplies them every
+    // stored font name counts as installed.
+    void setInstalledFonts(const QStringList& families);
+
+#define CORVANTIDE_BOOL_SETTING(Name, ValueName, Default)                                          \
+    bool Name() const { return readBool(QStringLiteral(ValueName), Default); }                     \
+    void set##Name(bool on) { writeBool(QStringLiteral(ValueName), on, QStringLiteral(#Name)); }
+#define CORVANTIDE_DWORD_SETTING(Name, Default)                                                    \
+    qint32 Name() const { return readDword(QStringLiteral(#Name), Default); }                      \
+    void set##Name(qint32 value) { writeDword(QStringLiteral(#Name), value); }
+#define CORVANTIDE_STRING_SETTING(Name, Default)                                                   \
+    QString Name() const { return readString(QStringLiteral(#Name), QStringLiteral(Default)); }    \
+    void set##Name(const QString& value) { writeString(QStringLiteral(#Name), value); }
+
+    // Connection.
+    CORVANTIDE_BOOL_SETTING(RequestNews, "RequestNews", false)
+    CORVANTIDE_BOOL_SETTING(RequestKeys, "RequestKeys", true)
+    CORVANTIDE_BOOL_SETTING(ShowConnectTime, "ShowConnectTime", true)
+    CORVANTIDE_BOOL_SETTING(ShowAdvanced, "ShowAdvanced", false)
+    CORVANTIDE_BOOL_SETTING(LocalHashing, "LocalHashing", false)
+    CORVANTIDE_STRING_SETTING(PathD2DV, "")
+    CORVANTIDE_STRING_SETTING(PathD2XP, "")
+    CORVANTIDE_STRING_SETTING(PathWAR3, "")
+    CORVANTIDE_STRING_SETTING(PathSTAR, "")
+
+    // Chat display.
+    CORVANTIDE_BOOL_SETTING(HideBanUnban, "HideBanUnban", false)
+    CORVANTIDE_BOOL_SETTING(HideEmote, "HideEmote", false)
+    CORVANTIDE_BOOL_SETTING(HideJoinLeave, "HideJoinLeave", false)
+    CORVANTIDE_BOOL_SETTING(HidePresent, "HidePresent", false)
+    CORVANTIDE_BOOL_SETTING(HideOfflineFriends, "HideOfflineFriends", true)
+    CORVANTIDE_BOOL_SETTING(HideChars, "HideChars", true)
+    CORVANTIDE_BOOL_SETTING(VoidView, "VoidView", true)
+    CORVANTIDE_BOOL_SETTING(DecodeUTF8, "DecodeUTF8", true)
+    CORVANTIDE_BOOL_SETTING(Decryption, "Decryption", false)
+    CORVANTIDE_BOOL_SETTING(Encryption, "Encryption", false)
+    CORVANTIDE_BOOL_SETTING(RemoveProfanity, "RemoveProfanity", true)
+    CORVANTIDE_BOOL_SETTING(ImproveProfanity, "ImproveProfanity", false)
+    CORVANTIDE_BOOL_SETTING(AutoCQ, "AutoCQ", true)
+    CORVANTIDE_DWORD_SETTING(ColorDisp, 0)
+    CORVANTIDE_BOOL_SETTING(TimeStamp, "TimeStamp", true)
+    CORVANTIDE_BOOL_SETTING(Locked, "Locked", false)
+    CORVANTIDE_BOOL_SETTING(LockWindow, "Locked", false)
+    CORVANTIDE_BOOL_SETTING(WhisperPanel, "WhisperPanel", false)
+    CORVANTIDE_BOOL_SETTING(Logging, "Logging", false)
+    CORVANTIDE_BOOL_SETTING(HtmlLogging, "HtmlLogging", false)
+    CORVANTIDE_BOOL_SETTING(Tabbed, "Tabbed", true)
+
+    // Flood filter interval in milliseconds: 0, 500, 1000 or 2000.
+    qint32 FloodMode() const;
+    void setFloodMode(qint32 milliseconds);
+
+    // Icons.
+    CORVANTIDE_DWORD_SETTING(IconDisp, 1)
+    CORVANTIDE_BOOL_SETTING(IconDraw, "IconDraw", false)
+
+    // Fonts. A stored family the host lacks reads as the default.
+    QString ChatFont() const;
+    void setChatFont(const QString& family);
+    CORVANTIDE_DWORD_SETTING(ChatSize, 8)
+    QString TextFont() const;
+    void setTextFont(const QString& family);
+    CORVANTIDE_DWORD_SETTING(TextSize, 10)
+    QString ListFont() const;
+    void setListFont(const QString& family);
+    CORVANTIDE_DWORD_SETTING(ListSize, 8)
+
+    // Media.
+    CORVANTIDE_STRING_SETTING(MediaPlayer, "Winamp")
+    CORVANTIDE_STRING_SETTING(WinampDir, "")
+    CORVANTIDE_STRING_SETTING(WmpDir, "")
+    CORVANTIDE_STRING_SETTING(FoobarDir, "")
+    CORVANTIDE_STRING_SETTING(iTunesDir, "")
+
+    // Window.
+    CORVANTIDE_BOOL_SETTING(Tray, "Tray", true)
+    CORVANTIDE_BOOL_SETTING(Sidebar, "Sidebar", true)
+    // Window opacity in percent: 20, 40, 60, 80 or 100.
+    qint32 Transparency() const;
+    void setTransparency(qint32 percent);
+    // Start with the desktop session: an XDG autostart entry, not a value of
+    // the store. Off keeps the entry, marked hidden.
+    bool WindowsStartup() const;
+    void setWindowsStartup(bool on);
+    CORVANTIDE_STRING_SETTING(ThemeID, "Default.theme")
+    CORVANTIDE_STRING_SETTING(ThemeFile, "Default")
+
+    // Window flashing; Flash is the master switch.
+    CORVANTIDE_BOOL_SETTING(Flash, "FlashEnabled", false)
+    CORVANTIDE_BOOL_SETTING(FlashTalk, "FlashTalk", false)
+    CORVANTIDE_BOOL_SETTING(FlashEmote, "FlashEmote", false)
+    CORVANTIDE_BOOL_SETTING(FlashWhisper, "FlashWhisper", false)
+    CORVANTIDE_BOOL_SETTING(FlashBan, "FlashBan", false)
+    CORVANTIDE_BOOL_SETTING(FlashFriendOn, "FlashFriendOn", false)
+    CORVANTIDE_BOOL_SETTING(FlashFriendOff, "FlashFriendOff", false)
+    CORVANTIDE_BOOL_SETTING(FlashFriendGame, "FlashFriendGame", false)
+
+    // Tray tips; Balloon is the master switch.
+    CORVANTIDE_BOOL_SETTING(Balloon, "BalloonEnabled", false)
+    CORVANTIDE_BOOL_SETTING(BalloonTalk, "BalloonTalk", false)
+    CORVANTIDE_BOOL_SETTING(BalloonEmote, "BalloonEmote", false)
+    CORVANTIDE_BOOL_SETTING(BalloonWhisper, "BalloonWhisper", false)
+    CORVANTIDE_BOOL_SETTING(BalloonBan, "BalloonBan", false)
+    CORVANTIDE_BOOL_SETTING(BalloonFriendOn, "BalloonFriendOn", false)
+    CORVANTIDE_BOOL_SETTING(BalloonFriendOff, "BalloonFriendOff", false)
+    CORVANTIDE_BOOL_SETTING(BalloonFriendGame, "BalloonFriendGame", false)
+
+#undef CORVANTIDE_BOOL_SETTING
+#undef CORVANTIDE_DWORD_SETTING
+#undef CORVANTIDE_STRING_SETTING
+
+Q_SIGNALS:
+    // A set of the property happened, or a fallback font asks for the
+    // property to be applied again.
+    void settingChanged(const QString& property) const;
+
+private:
+    bool readBool(const QString& valueName, bool defaultValue) const;
+    void writeBool(const QString& valueName, bool on, const QString& property);
+    qint32 readDword(const QString& valueName, qint32 defaultValue) const;
+    void writeDword(const QString& valueName, qint32 value, const QString& property = {});
+    QString readString(const QString& valueName, const QString& defaultValue) const;
+    void writeString(const QString& valueName, const QString& value, const QString& property = {});
+    QString readFont(const QString& valueName, const QString& defaultValue) const;
+
+    RegistryWrapper& store_;
+    QSet<QString> fonts_;
+};

@@ -61,7 +61,7 @@ void BotElement::ClearChannels() {
 
 void BotElement::ClearQueue() {
     Queue.clear();
-    WriteChat(m_index, {{CurrentTheme().status.Information, QStringLiteral("Cleared the queue.")}});
+    WriteChat(m_index, Status::Information, QStringLiteral("Cleared the queue."));
 }
 
 int BotElement::DelayCount() {

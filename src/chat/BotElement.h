@@ -3,6 +3,7 @@
 #include "chat/DelayedEvent.h"
 #include "chat/UserElement.h"
 #include "config/ConfigWrapper.h"
+#include "session/ConnectionWrapper.h"
 #include "session/StreamBuffer.h"
 
 #include <QString>
@@ -15,6 +16,7 @@
 // properties below carry side effects (clean-ups) or live elsewhere.
 class BotElement {
 public:
+    ConnectionWrapper Connection;
     qint32 ChannelFlags = 0;
     qint16 ProfileType = 0;
     qint32 RecordWins = 0;

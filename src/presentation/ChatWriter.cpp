@@ -1,6 +1,7 @@
 #include "presentation/ChatWriter.h"
 
 #include "platform/ChatDocument.h"
+#include "presentation/Theme.h"
 #include "session/SlotTable.h"
 
 namespace {
@@ -29,4 +30,27 @@ void WriteChat(int slot, const ColorLine& line) {
 
 void WriteChatView(ChatDocument& view, const ColorLine& line) {
     writeParts(view, line, false);
+}
+
+quint32 StatusColor(Status status) {
+    const StatusColors& c = CurrentTheme().status;
+    switch (status) {
+    case Status::Success:
+        return c.Success;
+    case Status::Information:
+        return c.Information;
+    case Status::Error:
+        return c.Error;
+    case Status::Failure:
+        return c.Failure;
+    case Status::Warning:
+        return c.Warning;
+    case Status::Neutral:
+        return c.Neutral;
+    }
+    return c.Information;
+}
+
+void WriteChat(int slot, Status status, const QString& text) {
+    WriteChat(slot, {{StatusColor(status), text}});
 }

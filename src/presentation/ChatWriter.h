@@ -21,5 +21,11 @@ constexpr int kChatViewLimit = 65535;
 // Writes a line of the program's own into the chat view of a slot (0 is the
 // console).
 void WriteChat(int slot, const ColorLine& line);
+// The theme's colours for lines the program writes itself.
+enum class Status { Success, Information, Error, Failure, Warning, Neutral };
+quint32 StatusColor(Status status);
+// A line of one part in a status colour.
+void WriteChat(int slot, Status status, const QString& text);
+
 // Writes the parts of a line into a view as they are, with no line end.
 void WriteChatView(ChatDocument& view, const ColorLine& line);

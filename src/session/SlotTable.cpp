@@ -3,7 +3,10 @@
 #include "chat/BotElement.h"
 #include "platform/ChatDocument.h"
 #include "platform/ListModel.h"
+#include "config/SettingsWrapper.h"
 #include "platform/SocketControl.h"
+#include "platform/TickCount.h"
+#include "presentation/ChatWriter.h"
 #include "session/LogonRecord.h"
 
 struct SlotTable::Slot {
@@ -42,9 +45,27 @@ SlotTable::~SlotTable() = default;
 int SlotTable::addSlot() {
     m_slots.push_back(std::make_unique<Slot>());
     const int index = highestIndex();
-    m_slots.back()->bot.setIndex(index);
+    Slot& s = *m_slots.back();
+    s.bot.setIndex(index);
+    wireSockets(s, index);
     Q_EMIT slotCreated(index);
     return index;
+}
+
+void SlotTable::wireSockets(Slot& s, int index) {
+    ConnectionWrapper& c = s.bot.Connection;
+    connect(&s.bnet, &SocketControl::connected, this, [&c, index] { c.wsBNET_Connect(index); });
+    connect(&s.bnet, &SocketControl::dataArrival, this,
+            [&c, index] { c.wsBNET_DataArrival(index); });
+    connect(&s.bnet, &SocketControl::closed, this, [&c, index] { c.wsBNET_Close(index); });
+    connect(&s.bnet, &SocketControl::error, this,
+            [&c, index](int number, const QString& text) { c.wsBNET_Error(index, number, text); });
+    connect(&s.bnls, &SocketControl::connected, this, [&c, index] { c.wsBNLS_Connect(index); });
+    connect(&s.bnls, &SocketControl::dataArrival, this,
+            [&c, index] { c.wsBNLS_DataArrival(index); });
+    connect(&s.bnls, &SocketControl::closed, this, [&c, index] { c.wsBNLS_Close(index); });
+    connect(&s.bnls, &SocketControl::error, this,
+            [&c, index](int number, const QString& text) { c.wsBNLS_Error(index, number, text); });
 }
 
 SlotTable::Slot& SlotTable::slot(int index) {
@@ -132,6 +153,41 @@ bool SlotTable::UnloadProfile(const QString& Name) {
     Q_EMIT slotUnloaded(index);
     DisplayProfiles();
     return true;
+}
+
+void SlotTable::connectTo(SocketControl& socket, const QString& server, quint16 defaultPort) {
+    QString host = server.trimmed();
+    quint16 port = defaultPort;
+    const qsizetype colon = host.lastIndexOf(u':');
+    if (colon > 0) {
+        bool ok = false;
+        const uint given = host.mid(colon + 1).toUInt(&ok);
+        if (ok && given > 0 && given <= 65535) {
+            port = quint16(given);
+            host.truncate(colon);
+        }
+    }
+    socket.Connect(host, port);
+}
+
+void SlotTable::ConnectBot(int Index) {
+    BotElement& b = bot(Index);
+    if (!b.Connection.ClearVariables(Index))
+        return;
+    b.LastConnect = GetTickCount();
+    const QString client = b.Config.Client().toUpper();
+    const bool localCapable = client == QLatin1String("D2DV") || client == QLatin1String("D2XP") ||
+                              client == QLatin1String("WAR3") || client == QLatin1String("W3XP");
+    if (SettingsWrapper::instance().LocalHashing() && localCapable) {
+        WriteChat(Index, Status::Information,
+                  QStringLiteral("[BNET] Connecting to Battle.net gateway.."));
+        bnet(Index).Close();
+        connectTo(bnet(Index), b.Config.Server(), 6112);
+    } else {
+        WriteChat(Index, Status::Information, QStringLiteral("[BNLS] Connecting to BNLS host.."));
+        bnls(Index).Close();
+        connectTo(bnls(Index), b.Config.ServerBNLS(), 9367);
+    }
 }
 
 void SlotTable::DisplayProfiles() {

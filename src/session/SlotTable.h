@@ -42,6 +42,10 @@ public:
     // False, after the warning, when no slot holds the profile.
     bool UnloadProfile(const QString& Name);
     void DisplayProfiles();
+    // Starts a connection of a slot, locally or through BNLS by its product.
+    void ConnectBot(int Index);
+    // Connects to "host" on the default port, or to "host:port".
+    static void connectTo(SocketControl& socket, const QString& server, quint16 defaultPort);
     // The slot holding a profile of that name, 0 if none.
     int findProfile(const QString& Name) const;
 
@@ -52,6 +56,7 @@ public:
     quint32 LastReconnect = 0;
 
     void notifyClanTag(int index) { Q_EMIT clanTagChanged(index); }
+    void notifyChannelList(int index) { Q_EMIT channelListChanged(index); }
 
 Q_SIGNALS:
     void slotCreated(int index);
@@ -60,6 +65,7 @@ Q_SIGNALS:
     void activeSlotChanged(int index);
     void profilesChanged();
     void clanTagChanged(int index);
+    void channelListChanged(int index);
     // A question or warning that the window shows as a box and a headless run
     // prints.
     void messageBox(const QString& title, const QString& text);
@@ -70,6 +76,7 @@ private:
     ~SlotTable() override;
     Slot& slot(int index);
     int addSlot();
+    void wireSockets(Slot& s, int index);
 
     std::vector<std::unique_ptr<Slot>> m_slots;
     int m_current = 0;

@@ -3,13 +3,17 @@
 namespace streamcutter {
 namespace {
 
-void runHandler(const Handlers& handlers, PacketReader& reader, quint8 id) {
+// False when the handler asked to stop with its frame kept.
+bool runHandler(const Handlers& handlers, PacketReader& reader, quint8 id) {
     try {
         handlers.frame(reader, id);
     } catch (const PacketReadError& e) {
         if (handlers.malformed)
             handlers.malformed(id, e.what());
+    } catch (const StopCutting&) {
+        return false;
     }
+    return true;
 }
 
 // Marks the buffer as being cut for the life of one cutting pass.
@@ -43,8 +47,8 @@ void CutBNCS(StreamBuffer& in, const Handlers& handlers) {
         if (marker != 0xFF) {
             if (handlers.badMarker)
                 handlers.badMarker(marker);
-        } else {
-            runHandler(handlers, reader, id);
+        } else if (!runHandler(handlers, reader, id)) {
+            return;
         }
         if (in.generation() == generation)
             in.consume(length);
@@ -64,7 +68,8 @@ void CutBNLS(StreamBuffer& in, const Handlers& handlers) {
         const quint32 generation = in.generation();
         reader.Skip(2);
         const quint8 id = reader.ReadBYTE();
-        runHandler(handlers, reader, id);
+        if (!runHandler(handlers, reader, id))
+            return;
         if (in.generation() == generation)
             in.consume(length);
     }

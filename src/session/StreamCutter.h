@@ -19,6 +19,10 @@ using BadMarkerHandler = std::function<void(quint8 marker)>;
 // A handler read past the end of its frame: the frame is dropped.
 using MalformedHandler = std::function<void(quint8 id, const char* what)>;
 
+// Thrown by a frame handler to end the data event at once, with its frame
+// left at the head of the stream for the next event to find again.
+struct StopCutting {};
+
 struct Handlers {
     FrameHandler frame;
     BadMarkerHandler badMarker;

@@ -1,3 +1,4 @@
+#include "common/SlotFixture.h"
 #include "statistics/NameFormat.h"
 #include "statistics/UserNames.h"
 
@@ -23,4 +24,16 @@ TEST(UserNames, RealmNamesReduceToTheAccount) {
     EXPECT_EQ(ConvertUsername(QStringLiteral("bob"), false, -1), QStringLiteral("bob"));
     EXPECT_EQ(ConvertUsername(QStringLiteral("bob"), true, -1), QStringLiteral("*bob"));
     EXPECT_EQ(ConvertUsername(QStringLiteral("Hero*bob"), true, -1), QStringLiteral("*bob"));
+}
+
+class UserNamesForProfiles : public SlotFixture {};
+
+TEST_F(UserNamesForProfiles, TheProfilesProductDecidesTheStarForm) {
+    const int star = SlotTable::instance().LoadProfile(QStringLiteral("names-star"));
+    const int diablo = SlotTable::instance().LoadProfile(QStringLiteral("names-diablo"));
+    Bots(star).Config.setClient(QStringLiteral("STAR"));
+    Bots(diablo).Config.setClient(QStringLiteral("d2xp"));
+    EXPECT_EQ(ConvertUsername(QStringLiteral("bob"), true, star), QStringLiteral("bob"));
+    EXPECT_EQ(ConvertUsername(QStringLiteral("Hero*bob"), true, star), QStringLiteral("bob"));
+    EXPECT_EQ(ConvertUsername(QStringLiteral("bob"), true, diablo), QStringLiteral("*bob"));
 }

@@ -1,6 +1,7 @@
 #include "app/HeadlessConsole.h"
 #include "config/Folders.h"
 #include "config/RegistryWrapper.h"
+#include "session/ShutdownSequence.h"
 #include "session/SlotTable.h"
 #include "session/StartupSequence.h"
 
@@ -98,6 +99,7 @@ int runHeadless(QCoreApplication& app, const Options& options) {
         QTimer::singleShot(0, &app, connectLoadedProfiles);
     console.startReading();
     const int code = app.exec();
+    ShutdownSequence().run();
     console.flush();
     return code;
 }

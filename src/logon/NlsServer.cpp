@@ -33,12 +33,10 @@ std::optional<NlsServerSession> NlsServerSession::start(std::string_view account
                                                         const NlsAccount& stored,
                                                         const nls::Number& clientKey,
                                                         BigNum secret) {
+    if (nls::isDegenerateKey(clientKey)) return std::nullopt;
     const BigNum& n = nls::modulus();
     BigNumContext ctx;
     const BigNum a = BigNum::fromLittleEndian(clientKey);
-    BigNum reduced;
-    BN_nnmod(reduced.get(), a.get(), n.get(), ctx.get());
-    if (reduced.isZero()) return std::nullopt;
 
     NlsServerSession session;
     session.salt_ = stored.salt;

@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 #include <QFile>
+#include <QStringTokenizer>
 
 #include <algorithm>
 #include <array>
@@ -41,7 +42,8 @@ constexpr int kErrorGeneric = 1;
 constexpr int kErrorNotFound = 2;
 constexpr int kErrorAccessDenied = 5;
 
-constexpr int kBusyTimeoutMs = 5000;
+// Another process holding the store lets go of it only when it ends.
+constexpr int kBusyTimeoutMs = 2000;
 
 const char* const kSchema = R"sql(
 CREATE TABLE IF NOT EXISTS keys(
@@ -97,6 +99,12 @@ void bindText(sqlite3_stmt* stmt, int index, const QString& text) {
                         SQLITE_TRANSIENT);
 }
 
+// For reads: the text outlives the statement's use, so it is not copied.
+void bindLookup(sqlite3_stmt* stmt, int index, const QString& text) {
+    sqlite3_bind_text16(stmt, index, text.utf16(), static_cast<int>(text.size() * 2),
+                        SQLITE_STATIC);
+}
+
 QString columnText(sqlite3_stmt* stmt, int column) {
     const auto* data = static_cast<const char16_t*>(sqlite3_column_text16(stmt, column));
     const int bytes = sqlite3_column_bytes16(stmt, column);
@@ -148,14 +156,32 @@ bool parseDword(QStringView hex, qint32& out) {
 
 } // namespace
 
+// A parsed path: the root, and the key's full name as it is stored (short
+// root, names in the code page, no empty elements) and as it is looked up.
 struct RegistryWrapper::KeyPath {
     int root = -1;
-    QStringList names;
+    int depth = 0;
+    QString display;
     QString lookup;
 
     bool valid() const { return root >= 0; }
     bool writable() const { return root >= 0 && root != kLocalMachine; }
-    bool isRoot() const { return names.isEmpty(); }
+    bool isRoot() const { return depth == 0; }
+
+    static KeyPath below(int root, QStringView subPath) {
+        KeyPath key;
+        key.root = root;
+        key.display = kRoots[root].shortForm;
+        key.display.reserve(4 + subPath.size());
+        for (QStringView name : QStringTokenizer(subPath, u'\\', Qt::SkipEmptyParts)) {
+            key.display += u'\\';
+            key.display += name;
+            ++key.depth;
+        }
+        key.display = storeText(key.display);
+        key.lookup = key.display.toLower();
+        return key;
+    }
 };
 
 struct RegistryWrapper::Value {
@@ -236,8 +262,10 @@ RegistryWrapper::RegistryWrapper(const QString& file) : file_(file) {
         return;
     }
     sqlite3_busy_timeout(db_, kBusyTimeoutMs);
-    bool ok = exec("PRAGMA journal_mode=WAL") && exec("PRAGMA synchronous=FULL") &&
-              exec("BEGIN IMMEDIATE") && exec(kSchema);
+    // The running program owns the store: holding the lock spares every read
+    // the file-lock calls that would otherwise cost more than the read.
+    bool ok = exec("PRAGMA locking_mode=EXCLUSIVE") && exec("PRAGMA journal_mode=WAL") &&
+              exec("PRAGMA synchronous=FULL") && exec("BEGIN IMMEDIATE") && exec(kSchema);
     for (const Root& root : kRoots) {
         if (!ok)
             break;
@@ -309,48 +337,28 @@ bool RegistryWrapper::step(sqlite3_stmt* stmt) {
 // root is the first four characters, and empty elements are ignored.
 RegistryWrapper::KeyPath RegistryWrapper::splitKeyPath(const QString& path) {
     QString text = path;
-    for (const Root& root : kRoots) {
-        if (text.contains(root.longForm, Qt::CaseInsensitive))
+    if (text.contains(QLatin1StringView("HKEY_"), Qt::CaseInsensitive)) {
+        for (const Root& root : kRoots)
             text.replace(root.longForm, root.shortForm, Qt::CaseInsensitive);
     }
     const qsizetype slash = text.indexOf(u'\\');
-    const QString rootText = (slash < 0 ? text : text.left(4)).toUpper();
-    KeyPath key;
+    const QStringView rootText = slash < 0 ? QStringView(text) : QStringView(text).left(4);
     for (int i = 0; i < int(kRoots.size()); ++i) {
-        if (rootText == kRoots[i].shortForm)
-            key.root = i;
+        if (rootText.compare(kRoots[i].shortForm, Qt::CaseInsensitive) == 0)
+            return KeyPath::below(i, slash < 0 ? QStringView() : QStringView(text).sliced(slash + 1));
     }
-    if (key.root < 0)
-        return key;
-    if (slash >= 0)
-        key.names = text.mid(slash + 1).split(u'\\', Qt::SkipEmptyParts);
-    key.lookup = QString(kRoots[key.root].shortForm).toLower();
-    for (QString& name : key.names) {
-        name = storeText(name);
-        key.lookup += u'\\';
-        key.lookup += name.toLower();
-    }
-    return key;
+    return {};
 }
 
 RegistryWrapper::KeyPath RegistryWrapper::belowCurrentUser(const QString& subPath) {
-    KeyPath key;
-    key.root = kCurrentUser;
-    key.names = subPath.split(u'\\', Qt::SkipEmptyParts);
-    key.lookup = QString(kRoots[kCurrentUser].shortForm).toLower();
-    for (QString& name : key.names) {
-        name = storeText(name);
-        key.lookup += u'\\';
-        key.lookup += name.toLower();
-    }
-    return key;
+    return KeyPath::below(kCurrentUser, subPath);
 }
 
 qint64 RegistryWrapper::keyId(const KeyPath& key, QString* display) {
     if (!key.valid() || !db_)
         return -1;
     Use stmt(findKey_);
-    bindText(stmt, 1, key.lookup);
+    bindLookup(stmt, 1, key.lookup);
     if (sqlite3_step(stmt) != SQLITE_ROW)
         return -1;
     if (display)
@@ -368,18 +376,17 @@ qint64 RegistryWrapper::ensureKey(const KeyPath& key) {
     Transaction transaction(*this);
     if (!transaction.active())
         return -1;
-    KeyPath prefix;
-    prefix.root = key.root;
-    prefix.lookup = QString(kRoots[key.root].shortForm).toLower();
-    QString display = kRoots[key.root].shortForm;
+    // Walk down from the root, making each missing key on the way.
+    KeyPath prefix = KeyPath::below(key.root, {});
     id = keyId(prefix);
-    for (const QString& name : key.names) {
+    for (QStringView name :
+         QStringTokenizer(QStringView(key.display).sliced(prefix.display.size()), u'\\',
+                          Qt::SkipEmptyParts)) {
         if (name.size() > kMaxName)
             return -1;
-        prefix.lookup += u'\\';
-        prefix.lookup += name.toLower();
-        display += u'\\';
-        display += name;
+        prefix.display += u'\\';
+        prefix.display += name;
+        prefix.lookup = prefix.display.toLower();
         const qint64 existing = keyId(prefix);
         if (existing >= 0) {
             id = existing;
@@ -388,8 +395,8 @@ qint64 RegistryWrapper::ensureKey(const KeyPath& key) {
         Use insert(insertKey_);
         sqlite3_bind_int64(insert, 1, id);
         bindText(insert, 2, prefix.lookup);
-        bindText(insert, 3, name);
-        bindText(insert, 4, display);
+        bindText(insert, 3, name.toString());
+        bindText(insert, 4, prefix.display);
         if (sqlite3_step(insert) != SQLITE_DONE)
             return -1;
         id = sqlite3_last_insert_rowid(db_);
@@ -449,9 +456,10 @@ QList<RegistryWrapper::Value> RegistryWrapper::values(qint64 id) {
 bool RegistryWrapper::readValue(const KeyPath& key, const QString& name, Value& out) {
     if (!key.valid() || !db_)
         return false;
+    const QString valueName = lookupName(name);
     Use stmt(readValue_);
-    bindText(stmt, 1, key.lookup);
-    bindText(stmt, 2, lookupName(name));
+    bindLookup(stmt, 1, key.lookup);
+    bindLookup(stmt, 2, valueName);
     if (sqlite3_step(stmt) != SQLITE_ROW)
         return false;
     out.type = sqlite3_column_int(stmt, 0);

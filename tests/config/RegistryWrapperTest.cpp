@@ -401,6 +401,11 @@ TEST(StoreFile, SurvivesReopening) {
     }
     RegistryWrapper store(file);
     EXPECT_EQ(store.ReadSTRING(kKey, QStringLiteral("kept")), QStringLiteral("yes"));
+    // The running program owns its store; a second user of it gets defaults.
+    RegistryWrapper second(file);
+    EXPECT_FALSE(second.isOpen());
+    EXPECT_EQ(second.ReadSTRING(kKey, QStringLiteral("kept"), QStringLiteral("d")),
+              QStringLiteral("d"));
 
     // A file that is not a store gives an object that reads defaults.
     QFile junk(dir.filePath(QStringLiteral("junk.sqlite")));

@@ -6,7 +6,6 @@
 #include "config/SettingsWrapper.h"
 
 #include <QTemporaryDir>
-
 #include <benchmark/benchmark.h>
 
 namespace {
@@ -22,7 +21,8 @@ void fill(RegistryWrapper& store) {
         const QByteArray n = QByteArray::number(i);
         if (i % 2) {
             text += "[HKEY_CURRENT_USER\\Software\\Corvantide4\\Profiles\\Profile" + n +
-                    "]\r\n\"Account\"=\"account" + n + "\"\r\n\"Trigger\"=\".\"\r\n"
+                    "]\r\n\"Account\"=\"account" + n +
+                    "\"\r\n\"Trigger\"=\".\"\r\n"
                     "\"IdleTime\"=dword:00000005\r\n\r\n";
         } else {
             text += "[HKEY_CURRENT_USER\\Software\\Corvantide4\\Databases\\Main\\user" + n +

@@ -21,16 +21,14 @@ void walk(RegistryWrapper& store, const QString& key, int depth) {
         store.ReadBinary(key, name);
     }
     QStringList keys;
-    if (depth > 8 || store.EnumKeys(key, keys) <= 0)
-        return;
+    if (depth > 8 || store.EnumKeys(key, keys) <= 0) return;
     for (const QString& child : keys)
         walk(store, key + u'\\' + child, depth + 1);
 }
 
 void importRegistryText(QByteArrayView text) {
     RegistryWrapper store(QStringLiteral(":memory:"));
-    if (!store.isOpen())
-        std::abort();
+    if (!store.isOpen()) std::abort();
     store.ImportRegText(text);
     walk(store, QStringLiteral("HKCU"), 0);
 }
@@ -46,15 +44,13 @@ void readIni(QByteArrayView text) {
     // Writing a key and reading it back must agree, whatever the file held.
     file.setValue(QStringLiteral("Main"), QStringLiteral("Fuzz"), QStringLiteral("value"));
     const IniFile again = IniFile::parse(file.toBytes());
-    if (again.value(u"main", u"fuzz") != QStringLiteral("value"))
-        std::abort();
+    if (again.value(u"main", u"fuzz") != QStringLiteral("value")) std::abort();
 }
 
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    if (size == 0)
-        return 0;
+    if (size == 0) return 0;
     const QByteArrayView text(reinterpret_cast<const char*>(data) + 1, qsizetype(size - 1));
     if (data[0] & 1)
         readIni(text);

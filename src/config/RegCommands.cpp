@@ -8,8 +8,7 @@
 namespace {
 
 bool storeUsable(RegistryWrapper& store, QTextStream& err) {
-    if (store.isOpen())
-        return true;
+    if (store.isOpen()) return true;
     err << "Could not open the settings store " << store.fileName()
         << " (is Corvantide running?)\n";
     return false;
@@ -19,8 +18,7 @@ bool storeUsable(RegistryWrapper& store, QTextStream& err) {
 
 int ImportRegCommand(RegistryWrapper& store, const QString& file, QTextStream& out,
                      QTextStream& err) {
-    if (!storeUsable(store, err))
-        return 1;
+    if (!storeUsable(store, err)) return 1;
     if (!QFile::exists(file)) {
         err << "Could not import " << file << ": no such file\n";
         return 1;
@@ -37,8 +35,7 @@ int ImportRegCommand(RegistryWrapper& store, const QString& file, QTextStream& o
 
 int ExportRegCommand(RegistryWrapper& store, const QString& key, const QString& file,
                      QTextStream& out, QTextStream& err) {
-    if (!storeUsable(store, err))
-        return 1;
+    if (!storeUsable(store, err)) return 1;
     if (!store.KeyExists(key)) {
         err << "Could not export " << key << ": no such key\n";
         return 1;

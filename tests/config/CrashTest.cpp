@@ -5,7 +5,6 @@
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QTemporaryDir>
-
 #include <gtest/gtest.h>
 #include <random>
 #include <sqlite3.h>
@@ -53,8 +52,7 @@ bool write(RegistryWrapper& store, int n) {
              !store.KeyExists(kCrashKey + QStringLiteral("\\New%1").arg(n));
         break;
     }
-    if (ok)
-        return ::testing::AssertionSuccess();
+    if (ok) return ::testing::AssertionSuccess();
     return ::testing::AssertionFailure() << "write " << n << " was reported done but is lost";
 }
 
@@ -77,16 +75,14 @@ bool integrityOk(const QString& file) {
 
 int runStoreWriter(const char* file, int first) {
     RegistryWrapper store(QString::fromLocal8Bit(file));
-    if (!store.isOpen())
-        return 2;
+    if (!store.isOpen()) return 2;
     for (int n = first;; ++n) {
         if (!write(store, n)) {
             fprintf(stderr, "write %d failed\n", n);
             return 4;
         }
         const QByteArray line = QByteArray::number(n) + '\n';
-        if (::write(STDOUT_FILENO, line.constData(), line.size()) != line.size())
-            return 3;
+        if (::write(STDOUT_FILENO, line.constData(), line.size()) != line.size()) return 3;
     }
 }
 
@@ -122,8 +118,7 @@ TEST(StoreCrash, ReportedWritesSurviveKill) {
         // Only whole lines are writes the child lived to report.
         output.truncate(output.lastIndexOf('\n') + 1);
         for (const QByteArray& line : output.split('\n')) {
-            if (!line.isEmpty())
-                reported.append(line.toInt());
+            if (!line.isEmpty()) reported.append(line.toInt());
         }
         // Each child gets numbers of its own, also after a round that
         // reported nothing.

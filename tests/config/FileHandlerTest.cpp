@@ -1,11 +1,11 @@
-#include "QtPrinters.h"
 #include "config/FileHandler.h"
+
+#include "QtPrinters.h"
 #include "config/Folders.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
-
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -46,11 +46,13 @@ TEST_F(Files, ReadIniFollowsTheProfileFunctions) {
               "empty=\r\n"
               "dup=first\r\n"
               "DUP=second\r\n"
-              "long=" + QByteArray(300, 'x') + "\r\n"
-              "[  Spaced ]\r\n"
-              "a=1\r\n"
-              "[media]\r\n"
-              "itunesName=in a later section of the same name\r\n");
+              "long=" +
+                  QByteArray(300, 'x') +
+                  "\r\n"
+                  "[  Spaced ]\r\n"
+                  "a=1\r\n"
+                  "[media]\r\n"
+                  "itunesName=in a later section of the same name\r\n");
 
     EXPECT_EQ(read(QStringLiteral("MEDIA"), QStringLiteral("WinampName")),
               QStringLiteral("Winamp 5"));
@@ -139,8 +141,8 @@ TEST_F(Files, WriteIniKeepsTheRestOfTheFile) {
                          QStringLiteral("new")));
     EXPECT_TRUE(WriteIni(path("w.ini"), QStringLiteral("Main"), QStringLiteral("added"),
                          QStringLiteral("2")));
-    EXPECT_TRUE(WriteIni(path("w.ini"), QStringLiteral("Fresh"), QStringLiteral("k"),
-                         QStringLiteral("v")));
+    EXPECT_TRUE(
+        WriteIni(path("w.ini"), QStringLiteral("Fresh"), QStringLiteral("k"), QStringLiteral("v")));
     EXPECT_EQ(readFile(QStringLiteral("w.ini")),
               QByteArray("; my notes\r\n[Main]\r\nKey=new\r\nadded=2\r\n\r\n"
                          "[Other]\r\nx=1\r\n\r\n[Fresh]\r\nk=v\r\n"));
@@ -164,8 +166,8 @@ TEST_F(Files, ListFilesAndPathExists) {
     writeFile(QStringLiteral("A.INI"), "");
     writeFile(QStringLiteral("c.txt"), "");
     QDir(dir_.path()).mkdir(QStringLiteral("folder.ini"));
-    EXPECT_EQ(ListFiles(path("*.ini")), (QStringList{QStringLiteral("A.INI"),
-                                                     QStringLiteral("b.ini")}));
+    EXPECT_EQ(ListFiles(path("*.ini")),
+              (QStringList{QStringLiteral("A.INI"), QStringLiteral("b.ini")}));
 
     EXPECT_FALSE(PathExists(QString(), QString()));
     EXPECT_FALSE(PathExists(QString(), QStringLiteral("/no/where")));

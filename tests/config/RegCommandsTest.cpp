@@ -1,11 +1,11 @@
-#include "QtPrinters.h"
 #include "config/RegCommands.h"
+
+#include "QtPrinters.h"
 #include "config/RegistryWrapper.h"
 
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTextStream>
-
 #include <gtest/gtest.h>
 
 namespace {

@@ -1,9 +1,9 @@
-#include "QtPrinters.h"
 #include "config/RegistryWrapper.h"
+
+#include "QtPrinters.h"
 
 #include <QFile>
 #include <QTemporaryDir>
-
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -176,8 +176,8 @@ TEST_F(Store, EnumerationIsStableAndAlwaysHasASlot) {
     store_.WriteSTRING(kKey, QStringLiteral(" padded "), QStringLiteral("  text"));
     store_.WriteBinary(kKey, QStringLiteral("bin"), QString(600, u'A'));
     EXPECT_EQ(store_.EnumValues(kKey, names, values), 3);
-    EXPECT_EQ(names, (QStringList{QStringLiteral("z"), QStringLiteral("padded"),
-                                  QStringLiteral("bin")}));
+    EXPECT_EQ(names,
+              (QStringList{QStringLiteral("z"), QStringLiteral("padded"), QStringLiteral("bin")}));
     EXPECT_EQ(values[0], QStringLiteral("-1"));
     EXPECT_EQ(values[1], QStringLiteral("text"));
     EXPECT_EQ(values[2].size(), 255 * 3 - 1) << "binary data is listed up to 255 bytes";
@@ -324,7 +324,8 @@ TEST_F(Store, ExportImportRoundTrip) {
     RegistryWrapper other(path("other.sqlite"));
     ASSERT_TRUE(other.ImportFromReg(path("round.reg")));
     EXPECT_EQ(other.ReadSTRING(key, QString()), QStringLiteral("the default"));
-    EXPECT_EQ(other.ReadSTRING(key, QStringLiteral("Name")), QStringLiteral("\u00C9l\u00E8ve \u20AC"));
+    EXPECT_EQ(other.ReadSTRING(key, QStringLiteral("Name")),
+              QStringLiteral("\u00C9l\u00E8ve \u20AC"));
     EXPECT_EQ(other.ReadDWORD(key, QStringLiteral("Minus")), -1);
     EXPECT_EQ(other.ReadDWORD(key, QStringLiteral("Big")), 0x7FFFFFFF);
     EXPECT_EQ(other.ReadBinary(key, QStringLiteral("Bytes")), QStringLiteral("00 01 FE"));
@@ -369,8 +370,8 @@ TEST_F(Store, ImportLineRules) {
     EXPECT_EQ(store_.ReadBinary(key, QStringLiteral("Hex")), QStringLiteral("41 42"));
     EXPECT_EQ(store_.ReadDWORD(key, QStringLiteral("Num")), 42);
     EXPECT_FALSE(store_.KeyExists(QStringLiteral("HKCU\\Software\\Doomed")));
-    EXPECT_FALSE(store_.ValueExists(QStringLiteral("HKCU\\Software\\Doomed"),
-                                    QStringLiteral("Ignored")));
+    EXPECT_FALSE(
+        store_.ValueExists(QStringLiteral("HKCU\\Software\\Doomed"), QStringLiteral("Ignored")));
     EXPECT_EQ(store_.ReadDWORD(key + QStringLiteral("\\New"), QStringLiteral("Made")), 1);
 }
 
@@ -389,7 +390,8 @@ TEST_F(Store, ImportRefusalsAndStops) {
                                          "\"Later\"=dword:00000002\r\n");
     EXPECT_FALSE(store_.ImportFromReg(path("bad.reg")));
     EXPECT_EQ(store_.ReadDWORD(QStringLiteral("HKCU\\Software\\Bad"), QStringLiteral("First")), 1);
-    EXPECT_FALSE(store_.ValueExists(QStringLiteral("HKCU\\Software\\Bad"), QStringLiteral("Later")));
+    EXPECT_FALSE(
+        store_.ValueExists(QStringLiteral("HKCU\\Software\\Bad"), QStringLiteral("Later")));
 }
 
 TEST(StoreFile, SurvivesReopening) {

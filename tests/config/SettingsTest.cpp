@@ -8,7 +8,6 @@
 #include <QFile>
 #include <QSignalSpy>
 #include <QTemporaryDir>
-
 #include <gtest/gtest.h>
 
 namespace {
@@ -84,8 +83,8 @@ TEST_F(Settings, RangesAreEnforcedOnRead) {
     const auto storeDword = [&](const char* name, qint32 value) {
         store_.WriteDWORD(SettingsWrapper::SettingsKey(), QString::fromLatin1(name), value);
     };
-    for (const auto& [stored, read] : {std::pair{750, 1000}, {0, 0}, {500, 500}, {2000, 2000},
-                                       {-1, 1000}}) {
+    for (const auto& [stored, read] :
+         {std::pair{750, 1000}, {0, 0}, {500, 500}, {2000, 2000}, {-1, 1000}}) {
         storeDword("FloodMode", stored);
         EXPECT_EQ(settings_.FloodMode(), read) << "stored " << stored;
     }
@@ -177,17 +176,17 @@ TEST_F(Settings, StartupWritesSettingsBack) {
     settings_.WriteBackStartupSettings();
     QStringList names, values;
     store_.EnumValues(SettingsWrapper::SettingsKey(), names, values);
-    EXPECT_EQ(names, (QStringList{QStringLiteral("FloodMode"), QStringLiteral("AutoCQ"),
-                                  QStringLiteral("MediaPlayer"), QStringLiteral("Locked"),
-                                  QStringLiteral("HideBanUnban"), QStringLiteral("Tray"),
-                                  QStringLiteral("HideJoinLeave"),
-                                  QStringLiteral("HideOfflineFriends"), QStringLiteral("Tabbed"),
-                                  QStringLiteral("Encryption"), QStringLiteral("Decryption"),
-                                  QStringLiteral("DecodeUTF8"), QStringLiteral("VoidView"),
-                                  QStringLiteral("HideChars"), QStringLiteral("WhisperPanel"),
-                                  QStringLiteral("IconDisp"), QStringLiteral("TimeStamp"),
-                                  QStringLiteral("ColorDisp"), QStringLiteral("HideEmote"),
-                                  QStringLiteral("HidePresent")}));
+    EXPECT_EQ(names,
+              (QStringList{QStringLiteral("FloodMode"),     QStringLiteral("AutoCQ"),
+                           QStringLiteral("MediaPlayer"),   QStringLiteral("Locked"),
+                           QStringLiteral("HideBanUnban"),  QStringLiteral("Tray"),
+                           QStringLiteral("HideJoinLeave"), QStringLiteral("HideOfflineFriends"),
+                           QStringLiteral("Tabbed"),        QStringLiteral("Encryption"),
+                           QStringLiteral("Decryption"),    QStringLiteral("DecodeUTF8"),
+                           QStringLiteral("VoidView"),      QStringLiteral("HideChars"),
+                           QStringLiteral("WhisperPanel"),  QStringLiteral("IconDisp"),
+                           QStringLiteral("TimeStamp"),     QStringLiteral("ColorDisp"),
+                           QStringLiteral("HideEmote"),     QStringLiteral("HidePresent")}));
     EXPECT_EQ(storedDword("FloodMode"), 1000) << "the range holds in the store after start";
     EXPECT_EQ(storedDword("Tray"), 1);
     EXPECT_EQ(storedDword("HideBanUnban"), 0);

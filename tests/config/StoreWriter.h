@@ -5,4 +5,3 @@
 // once the write has returned.
 inline constexpr char kStoreWriterFlag[] = "--store-writer";
 int runStoreWriter(const char* file, int first);
-

@@ -3,7 +3,6 @@
 
 #include <QCoreApplication>
 #include <QTemporaryDir>
-
 #include <cstring>
 #include <gtest/gtest.h>
 

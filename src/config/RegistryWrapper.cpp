@@ -126,9 +126,7 @@ public:
     }
     Use(const Use&) = delete;
     Use& operator=(const Use&) = delete;
-    sqlite3_stmt* operator->() const { return stmt_; }
     operator sqlite3_stmt*() const { return stmt_; }
-    explicit operator bool() const { return stmt_ != nullptr; }
 
 private:
     sqlite3_stmt* stmt_;
@@ -675,10 +673,10 @@ int RegistryWrapper::EnumValues(const QString& path, QStringList& names, QString
 bool RegistryWrapper::exportSection(qint64 id, const QString& display, QIODevice& file,
                                     bool recursive,
                                     const std::function<void(const QString&)>& progress) {
-    const qsizetype rootLength = display.indexOf(u'\\') < 0 ? display.size() : 4;
-    QString header = display.mid(rootLength);
+    // Stored paths start with the short root; the file names the long one.
+    QString header = display.mid(4);
     for (const Root& root : kRoots) {
-        if (display.left(rootLength) == root.shortForm) header.prepend(root.longForm);
+        if (QStringView(display).left(4) == root.shortForm) header.prepend(root.longForm);
     }
     if (progress) {
         progress(header);

@@ -640,34 +640,27 @@ int RegistryWrapper::EnumValues(const QString& path, QStringList& names, QString
                                 int type) {
     names = QStringList{QString()};
     values = QStringList{QString()};
-    const KeyPath key = splitKeyPath(path);
-    const qint64 id = keyId(key);
+    const qint64 id = keyId(splitKeyPath(path));
     if (id < 0) return -1;
-    int count = 0;
+    QStringList foundNames;
+    QStringList foundValues;
     for (const Value& value : this->values(id)) {
         if (type != TypeAny && value.type != type) continue;
-        if (count > 0) {
-            names.append(QString());
-            values.append(QString());
-        }
-        names[count] = trimBlanks(value.name);
-        switch (value.type) {
-        case TypeString:
-            values[count] = stringRead(value.data, QString(), false);
-            break;
-        case TypeDword:
-            values[count] = QString::number(value.dword);
-            break;
-        case TypeBinary:
-            values[count] = trimBlanks(BinToStr(
+        QString text;
+        if (value.type == TypeString)
+            text = stringRead(value.data, QString(), false);
+        else if (value.type == TypeDword)
+            text = QString::number(value.dword);
+        else if (value.type == TypeBinary)
+            text = trimBlanks(BinToStr(
                 QByteArrayView(value.data).first(std::min(value.data.size(), kMaxStringRead))));
-            break;
-        default:
-            break;
-        }
-        ++count;
+        foundNames.append(trimBlanks(value.name));
+        foundValues.append(text);
     }
-    return count;
+    if (foundNames.isEmpty()) return 0;
+    names = foundNames;
+    values = foundValues;
+    return int(names.size());
 }
 
 bool RegistryWrapper::exportSection(qint64 id, const QString& display, QIODevice& file,

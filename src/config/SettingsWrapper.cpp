@@ -18,7 +18,7 @@ bool isOneOf(qint32 value, std::initializer_list<qint32> allowed) {
 
 // One argument of an Exec line: quoted, with the characters the desktop
 // entry format reserves escaped, then escaped again as a string value.
-QString execArgument(QString argument) {
+QString execArgument(const QString& argument) {
     QString quoted;
     for (QChar c : argument) {
         if (c == u'"' || c == u'`' || c == u'$' || c == u'\\') quoted += u'\\';

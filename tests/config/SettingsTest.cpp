@@ -30,22 +30,20 @@ protected:
     SettingsWrapper settings_{store_};
 };
 
+// The defaults that are not the empty value of their type.
 TEST_F(Settings, DefaultsOfAnEmptyStore) {
-    EXPECT_TRUE(settings_.RequestKeys());
-    EXPECT_FALSE(settings_.RequestNews());
-    EXPECT_TRUE(settings_.HideOfflineFriends());
-    EXPECT_TRUE(settings_.DecodeUTF8());
-    EXPECT_TRUE(settings_.RemoveProfanity());
-    EXPECT_TRUE(settings_.TimeStamp());
-    EXPECT_TRUE(settings_.Tray());
-    EXPECT_FALSE(settings_.Flash());
+    for (bool on : {settings_.RequestKeys(), settings_.ShowConnectTime(),
+                    settings_.HideOfflineFriends(), settings_.HideChars(), settings_.VoidView(),
+                    settings_.DecodeUTF8(), settings_.RemoveProfanity(), settings_.AutoCQ(),
+                    settings_.TimeStamp(), settings_.Tabbed(), settings_.Tray(),
+                    settings_.Sidebar()})
+        EXPECT_TRUE(on);
     EXPECT_EQ(settings_.FloodMode(), 1000);
     EXPECT_EQ(settings_.IconDisp(), 1);
-    EXPECT_EQ(settings_.ColorDisp(), 0);
     EXPECT_EQ(settings_.Transparency(), 100);
     EXPECT_EQ(settings_.ChatFont(), QStringLiteral("Arial"));
     EXPECT_EQ(settings_.ChatSize(), 8);
-    EXPECT_EQ(settings_.TextFont(), QStringLiteral("Tahoma"));
+    EXPECT_EQ(settings_.ListFont(), QStringLiteral("Tahoma"));
     EXPECT_EQ(settings_.TextSize(), 10);
     EXPECT_EQ(settings_.MediaPlayer(), QStringLiteral("Winamp"));
     EXPECT_EQ(settings_.ThemeID(), QStringLiteral("Default.theme"));

@@ -9,6 +9,7 @@ PACKAGES=(
     libsqlite3-dev libssl-dev
     libgtest-dev libgmock-dev libbenchmark-dev
     clang libclang-rt-14-dev
+    libxkbcommon-dev
     xvfb xauth dbus x11-utils
 )
 

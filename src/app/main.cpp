@@ -1,6 +1,119 @@
+#include "app/HeadlessConsole.h"
+#include "config/Folders.h"
+#include "config/RegistryWrapper.h"
+#include "session/ShutdownSequence.h"
+#include "session/SlotTable.h"
+#include "session/StartupSequence.h"
+
+#include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QTimer>
+
+#include <cstdio>
+#include <unistd.h>
+
+namespace {
+
+struct Options {
+    bool headless = false;
+    bool connect = false;
+    QString home;
+    QString importReg;
+    QStringList exportReg; // key, file
+};
+
+Options parseOptions(const QCoreApplication& app) {
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("Corvantide, a chat bot for Battle.net"));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    const QCommandLineOption headless(QStringLiteral("headless"),
+                                      QStringLiteral("Run without a window; chat goes to the "
+                                                     "terminal, typed lines are sent."));
+    const QCommandLineOption home(QStringLiteral("home"),
+                                  QStringLiteral("Keep every file of this run under DIR."),
+                                  QStringLiteral("DIR"));
+    const QCommandLineOption connect(QStringLiteral("connect"),
+                                     QStringLiteral("Connect every profile loaded at start."));
+    const QCommandLineOption importReg(QStringLiteral("import-reg"),
+                                       QStringLiteral("Import a REGEDIT4 file into the settings "
+                                                      "and exit."),
+                                       QStringLiteral("FILE"));
+    const QCommandLineOption exportReg(QStringLiteral("export-reg"),
+                                       QStringLiteral("Export the settings below KEY to FILE "
+                                                      "(give the option twice: KEY, then FILE) "
+                                                      "and exit."),
+                                       QStringLiteral("KEY FILE"));
+    parser.addOptions({headless, home, connect, importReg, exportReg});
+    parser.process(app);
+    return {parser.isSet(headless), parser.isSet(connect), parser.value(home),
+            parser.value(importReg), parser.values(exportReg)};
+}
+
+// The settings file commands run and end the process.
+int runSettingsCommand(const Options& options) {
+    RegistryWrapper& store = RegistryWrapper::instance();
+    if (!options.importReg.isEmpty()) {
+        if (!store.ImportFromReg(options.importReg)) {
+            std::fprintf(stderr, "Could not import %s: not a readable REGEDIT4 file.\n",
+                         qPrintable(options.importReg));
+            return 1;
+        }
+        std::printf("Imported %s.\n", qPrintable(options.importReg));
+        return 0;
+    }
+    if (options.exportReg.size() != 2) {
+        std::fprintf(stderr, "--export-reg takes a key and a file: --export-reg KEY "
+                             "--export-reg FILE\n");
+        return 2;
+    }
+    if (!store.ExportToReg(options.exportReg[0], options.exportReg[1], true)) {
+        std::fprintf(stderr, "Could not export %s to %s.\n", qPrintable(options.exportReg[0]),
+                     qPrintable(options.exportReg[1]));
+        return 1;
+    }
+    std::printf("Exported %s to %s.\n", qPrintable(options.exportReg[0]),
+                qPrintable(options.exportReg[1]));
+    return 0;
+}
+
+void connectLoadedProfiles() {
+    SlotTable& table = SlotTable::instance();
+    for (int i = 1; i <= table.highestIndex(); ++i)
+        table.ConnectBot(i);
+}
+
+int runHeadless(QCoreApplication& app, const Options& options) {
+    HeadlessConsole console(stdout, isatty(STDOUT_FILENO) != 0);
+    QObject::connect(&console, &HeadlessConsole::endOfInput, &app, &QCoreApplication::quit);
+    QObject::connect(&SlotTable::instance(), &SlotTable::messageBox,
+                     [](const QString& title, const QString& text) {
+                         std::fprintf(stderr, "%s: %s\n", qPrintable(title), qPrintable(text));
+                     });
+    StartupSequence startup;
+    if (!startup.run()) {
+        console.flush();
+        return 1;
+    }
+    if (options.connect)
+        QTimer::singleShot(0, &app, connectLoadedProfiles);
+    console.startReading();
+    const int code = app.exec();
+    ShutdownSequence().run();
+    console.flush();
+    return code;
+}
+
+} // namespace
 
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
-    return 0;
+    QCoreApplication::setApplicationName(QStringLiteral("Corvantide"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(CORVANTIDE_VERSION));
+    const Options options = parseOptions(app);
+    if (!options.home.isEmpty())
+        SetHomeFolder(options.home);
+    if (!options.importReg.isEmpty() || !options.exportReg.isEmpty())
+        return runSettingsCommand(options);
+    return runHeadless(app, options);
 }

@@ -1,0 +1,238 @@
+#include "chat/BotElement.h"
+
+#include "config/SettingsWrapper.h"
+#include "platform/ChatDocument.h"
+#include "platform/ListModel.h"
+#include "platform/SocketControl.h"
+#include "platform/TickCount.h"
+#include "presentation/ChatWriter.h"
+#include "presentation/Theme.h"
+#include "session/LogonRecord.h"
+#include "session/SlotTable.h"
+#include "statistics/UserNames.h"
+
+namespace {
+
+QString plainLower(const QString& name) {
+    return ConvertUsername(name, false, -1).toLower();
+}
+
+} // namespace
+
+void BotElement::userAdd(const QString& strName, qint32 flags, qint32 ping,
+                         const QString& statstring, quint32 uptime) {
+    // The collection is keyed by the name as given; a second add of the same
+    // key keeps the first user.
+    for (const UserElement& u : Users) {
+        if (u.Username().compare(strName, Qt::CaseInsensitive) == 0)
+            return;
+    }
+    UserElement user;
+    user.Flags = flags;
+    user.Ping = ping;
+    user.Statstring = statstring;
+    user.Uptime = uptime;
+    user.setUsername(strName);
+    user.LastAction = GetTickCount();
+    Users.push_back(std::move(user));
+}
+
+void BotElement::userDel(const QString& name) {
+    const int position = UserFind(name);
+    if (position > 0)
+        Users.erase(Users.begin() + (position - 1));
+}
+
+void BotElement::userClear() {
+    Users.clear();
+}
+
+int BotElement::UserFind(const QString& name) const {
+    const QString wanted = plainLower(name);
+    for (size_t i = 0; i < Users.size(); ++i) {
+        if (Users[i].UsernameFixed.compare(wanted, Qt::CaseInsensitive) == 0)
+            return int(i) + 1;
+    }
+    return 0;
+}
+
+void BotElement::ClearChannels() {
+    Channels.clear();
+}
+
+void BotElement::ClearQueue() {
+    Queue.clear();
+    WriteChat(m_index, Status::Information, QStringLiteral("Cleared the queue."));
+}
+
+int BotElement::DelayCount() {
+    if (m_events.empty())
+        m_events.emplace_back();
+    return int(m_events.size()) - 1;
+}
+
+void BotElement::AddEvent(int /*index*/, const QString& username, const QString& message,
+                          qint32 ping, qint32 flags, quint32 tick, const QString& eventId) {
+    DelayCount();
+    DelayedEvent event;
+    event.Username = username;
+    event.Message = message;
+    event.Ping = ping;
+    event.Flags = flags;
+    event.EventTime = tick;
+    event.EventID = quint8(eventId.toUInt());
+    m_events.push_back(std::move(event));
+}
+
+void BotElement::ClearEvent() {
+    m_events.clear();
+    m_events.emplace_back();
+}
+
+void BotElement::removeEvent(int position) {
+    if (position >= 1 && position < int(m_events.size()))
+        m_events.erase(m_events.begin() + position);
+}
+
+namespace {
+
+// A burst of leave, rejoin and talk inside the delay is spam to be dropped
+// unseen. The marks span one run over all users, as they always have.
+bool isLeaveRejoinTalk(const std::vector<DelayedEvent>& events, quint32 delay) {
+    bool left = false;
+    bool rejoined = false;
+    int talk = 0;
+    for (size_t e = 1; e < events.size(); ++e) {
+        if (TicksSince(events[e].EventTime) <= delay)
+            continue;
+        for (size_t other = 1; other < events.size(); ++other) {
+            if (events[other].Username.compare(events[e].Username, Qt::CaseInsensitive) != 0)
+                continue;
+            switch (events[e].EventID) {
+            case 2:
+                if (left)
+                    rejoined = true;
+                break;
+            case 3:
+                left = true;
+                break;
+            case 5:
+                ++talk;
+                break;
+            default:
+                break;
+            }
+        }
+        if (left && rejoined && talk > 0)
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+void BotElement::ShowDelayedEvent(int Index) {
+    const quint32 delay = quint32(std::max(0, SettingsWrapper::instance().FloodMode()));
+    DelayCount();
+    if (isLeaveRejoinTalk(m_events, delay)) {
+        ClearEvent();
+        return;
+    }
+    // Handlers may queue lines but never touch this list; each due event
+    // leaves it once its handler is done, so a failure keeps the rest.
+    size_t e = 1;
+    while (e < m_events.size()) {
+        if (TicksSince(m_events[e].EventTime) <= delay) {
+            ++e;
+            continue;
+        }
+        const DelayedEvent event = m_events[e];
+        const QString message =
+            event.EventID == 6 ? QStringLiteral("[BNET] ") + event.Message : event.Message;
+        Connection.RunChatEvent(Index, event.EventID, event.Username, message, event.Flags,
+                                event.Ping);
+        if (e < m_events.size())
+            m_events.erase(m_events.begin() + qsizetype(e));
+    }
+}
+
+void BotElement::setOnline(bool online) {
+    m_online = online;
+    if (online)
+        return;
+    // Everything the session knew goes; the queue stays for the next session.
+    Logons(m_index).NlsHandle = 0;
+    OnlineTick = 0;
+    lvClan(m_index).clear();
+    lvFriends(m_index).clear();
+    lvUsers(m_index).clear();
+    m_clanRank = 0;
+    userClear();
+    ClearChannels();
+    setChannel(QString());
+    ChannelFlags = 0;
+    ChannelTick = 0;
+    setClanTag(QString());
+    UniqueAccount.clear();
+    const QString na = QStringLiteral("N/A");
+    AccountLogged = na;
+    AccountCreated = na;
+    LastLogon = na;
+    LastLogoff = na;
+    LastGame = na;
+    LastGameResult = na;
+    CdkeyStatus.clear();
+}
+
+void BotElement::setClanTag(const QString& tag) {
+    m_clanTag = tag;
+    if (tag.isEmpty())
+        m_clanRank = 0;
+    SlotTable::instance().notifyClanTag(m_index);
+}
+
+void BotElement::setChannel(const QString& channel) {
+    m_channel = channel;
+    if (channel != QLatin1String("The Void"))
+        m_channelNonVoid = channel;
+}
+
+void BotElement::setProfile(const QString& name) {
+    if (name.isEmpty())
+        emptySlot();
+    Config.Profile = name;
+}
+
+void BotElement::emptySlot() {
+    rtbChat(m_index).clear();
+    wsBNET(m_index).Close();
+    wsBNLS(m_index).Close();
+    setOnline(false);
+    setChannel(QString());
+    CanConnect = false;
+    ChangeEmail = false;
+    ChangePassword = false;
+    ChannelTick = 0;
+    m_clanRank = 0;
+    setClanTag(QString());
+    ClearQueue();
+    Config.Profile.clear();
+    ForgotPassword = false;
+    InBNCS.clear();
+    InBNLS.clear();
+    IsLoaded = false;
+    LastConnect = 0;
+    LastProfile.clear();
+    OnlineTick = 0;
+    QueueLast = 0;
+    QueueWait = 0;
+    UniqueAccount.clear();
+    SlotTable& table = SlotTable::instance();
+    table.SelectBot(0);
+    for (int i = 1; i <= table.highestIndex(); ++i) {
+        if (Bots(i).IsLoaded) {
+            table.SelectBot(i);
+            break;
+        }
+    }
+}

@@ -1,0 +1,111 @@
+#pragma once
+
+#include "chat/DelayedEvent.h"
+#include "chat/UserElement.h"
+#include "config/ConfigWrapper.h"
+#include "session/ConnectionWrapper.h"
+#include "session/StreamBuffer.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <vector>
+
+// The run-time state of one profile slot: its session, its channel and its
+// queues. Other parts read and write the public fields directly; the
+// properties below carry side effects (clean-ups) or live elsewhere.
+class BotElement {
+public:
+    ConnectionWrapper Connection;
+    qint32 ChannelFlags = 0;
+    qint16 ProfileType = 0;
+    qint32 RecordWins = 0;
+    qint32 RecordLosses = 0;
+    qint32 RecordDiscs = 0;
+    QString LastGame = QStringLiteral("N/A");
+    QString LastGameResult = QStringLiteral("N/A");
+    QString LastLogoff = QStringLiteral("N/A");
+    QString LastLogon = QStringLiteral("N/A");
+    QString AccountCreated = QStringLiteral("N/A");
+    QString AccountLogged = QStringLiteral("N/A");
+    bool IsActive = false;
+    quint32 LastActive = 0;
+    bool ChangePassword = false;
+    bool ChangeEmail = false;
+    bool ForgotPassword = false;
+    QString NewPassword;
+    QString NewEmail;
+    QString RegisterEmail;
+    QString CdkeyStatus;
+    QString MyStatstring;
+    qint32 MyFlags = 0;
+    qint32 IdleCounter = 0;
+    QString LastWhisper;
+    QString LastWhispered;
+    bool CanConnect = false;
+    quint32 LastConnect = 0;
+    quint32 QueueLast = 0;
+    qint32 QueueWait = 0;
+    QStringList Queue; // oldest first
+    QString UniqueAccount;
+    quint32 ChannelTick = 0;
+    quint32 OnlineTick = 0;
+    ConfigWrapper Config;
+    bool IsLoaded = false;
+    StreamBuffer InBNCS;
+    StreamBuffer InBNLS;
+    QString LastProfile;
+    qint32 HoveredIcon = 0;
+    qint32 HoveredItem = 0;
+    QStringList Channels;
+    std::vector<UserElement> Users; // in order of arrival
+
+    // Users, 1-based positions as the rest of the program counts them.
+    void userAdd(const QString& strName, qint32 flags, qint32 ping, const QString& statstring,
+                 quint32 uptime);
+    void userDel(const QString& name);
+    void userClear();
+    int UserFind(const QString& name) const;
+    UserElement& user(int position) { return Users.at(size_t(position - 1)); }
+    void ClearChannels();
+    void ClearQueue();
+
+    // The delayed events, 1-based; element 0 stands empty.
+    int DelayCount();
+    void AddEvent(int index, const QString& username, const QString& message, qint32 ping,
+                  qint32 flags, quint32 tick, const QString& eventId);
+    void ClearEvent();
+    DelayedEvent& delayedEvent(int position) { return m_events.at(size_t(position)); }
+    void removeEvent(int position);
+    // Hands the due delayed events of this slot to their handlers, or throws
+    // the whole list away when it holds a leave, a rejoin and talk.
+    void ShowDelayedEvent(int Index);
+
+    qint32 MyPing() const { return m_myPing; }
+    void setMyPing(qint32 ping) { m_myPing = ping; }
+    bool Online() const { return m_online; }
+    void setOnline(bool online);
+    const QString& ClanTag() const { return m_clanTag; }
+    void setClanTag(const QString& tag);
+    QString Profile() const { return Config.Profile; }
+    void setProfile(const QString& name);
+    const QString& Channel() const { return m_channel; }
+    void setChannel(const QString& channel);
+    const QString& ChannelNonVoid() const { return m_channelNonVoid; }
+    int Index() const { return m_index; }
+    void setIndex(int index) { m_index = index; }
+    quint8 ClanRank() const { return m_clanRank; }
+    void setClanRank(quint8 rank) { m_clanRank = rank; }
+
+private:
+    void emptySlot();
+
+    std::vector<DelayedEvent> m_events;
+    QString m_channel;
+    QString m_channelNonVoid;
+    QString m_clanTag;
+    int m_index = 0;
+    bool m_online = false;
+    quint8 m_clanRank = 0;
+    qint32 m_myPing = 0;
+};

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+#include <vector>
+
+struct CharFormat {
+    quint32 color = 0xFFFFFF; // 24-bit, red in the low byte
+    bool bold = false;
+    bool italic = false;
+    bool underline = false;
+    bool strike = false;
+
+    bool operator==(const CharFormat&) const = default;
+};
+
+struct TextRun {
+    QString text;
+    CharFormat format;
+};
+
+// The text of one chat view: runs of characters that share a format. Text is
+// only ever appended at the end; restyling and removal work on a range and are
+// cheap near the end, where the writer does all its work.
+class ChatDocument : public QObject {
+    Q_OBJECT
+public:
+    explicit ChatDocument(QObject* parent = nullptr);
+
+    int length() const { return m_length; }
+    bool isEmpty() const { return m_length == 0; }
+    QString text() const;
+    // The text from `from` to the end.
+    QString textFrom(int from) const;
+    const std::vector<TextRun>& runs() const { return m_runs; }
+
+    void append(QStringView text, const CharFormat& format);
+    void clear();
+    // Replaces the format of [from, to) as `change` says.
+    template <typename Change> void restyle(int from, int to, Change change);
+    // Removes `count` characters at `from`.
+    void remove(int from, int count);
+
+    // Free text a form shows beside the view; the slot's profile name.
+    QString Tag;
+
+Q_SIGNALS:
+    // Everything from `from` to the end may differ from what was shown.
+    void changed(int from);
+    void cleared();
+
+private:
+    // Splits the run that holds `pos` so that a run starts there; returns the
+    // index of that run (the run count when `pos` is the end).
+    size_t splitAt(int pos);
+    // Index of the run holding `pos` and the position where that run starts.
+    std::pair<size_t, int> locate(int pos) const;
+    void mergeFrom(size_t index);
+
+    std::vector<TextRun> m_runs;
+    int m_length = 0;
+};
+
+template <typename Change> void ChatDocument::restyle(int from, int to, Change change) {
+    from = std::max(0, from);
+    to = std::min(to, m_length);
+    if (from >= to)
+        return;
+    const size_t first = splitAt(from);
+    const size_t last = splitAt(to);
+    for (size_t i = first; i < last; ++i)
+        change(m_runs[i].format);
+    mergeFrom(first == 0 ? 0 : first - 1);
+    Q_EMIT changed(from);
+}

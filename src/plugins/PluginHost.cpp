@@ -1,0 +1,149 @@
+#include "plugins/PluginHost.h"
+
+#include "presentation/ChatWriter.h"
+
+PluginHost& PluginHost::instance() {
+    static PluginHost host;
+    return host;
+}
+
+PluginHost::PluginHost() {
+    m_plugins.emplace_back();
+}
+
+int PluginHost::add(PluginRecord record) {
+    for (size_t i = 1; i < m_plugins.size(); ++i) {
+        if (m_plugins[i].Name.isEmpty()) {
+            m_plugins[i] = std::move(record);
+            return int(i);
+        }
+    }
+    m_plugins.push_back(std::move(record));
+    return int(m_plugins.size()) - 1;
+}
+
+void PluginHost::clear() {
+    m_plugins.clear();
+    m_plugins.emplace_back();
+}
+
+void PluginHost::sendSocketEvent(const QString& member, QVariantList args) {
+    if (m_plugins.size() <= 1)
+        return;
+    for (const PluginRecord& p : m_plugins) {
+        if (p.Name.isEmpty() || !(p.Flags & SocketEvents) || !p.Object)
+            continue;
+        QVariantList callArgs = args;
+        try {
+            p.Object->call(member, callArgs);
+        } catch (const PluginCallError& e) {
+            WriteChat(0, {{0xFF, QStringLiteral("Error -> a plugin call to ") + member +
+                                     QStringLiteral("() raised error - ") + e.description()}});
+            return;
+        }
+    }
+}
+
+void PluginHost::RunScript(int Index, const QString& sub, QVariantList args,
+                           const QString& lineName) {
+    if (!m_script)
+        return;
+    try {
+        m_script->call(sub, args);
+    } catch (const PluginCallError& e) {
+        WriteChat(Index, {{255, QStringLiteral("Error -> Script sub ") +
+                                    (lineName.isEmpty() ? sub : lineName) +
+                                    QStringLiteral(" raised error - ") + e.description()}});
+    }
+}
+
+void PluginHost::SocketConnect(int Index) {
+    sendSocketEvent(QStringLiteral("SocketConnect"), {Index});
+}
+
+void PluginHost::SocketClose(int Index) {
+    sendSocketEvent(QStringLiteral("SocketClose"), {Index});
+}
+
+void PluginHost::SocketError(int Index, int Number, const QString& Description) {
+    sendSocketEvent(QStringLiteral("SocketError"), {Index, Number, Description, 0, QString(),
+                                                    QString(), 0, false});
+}
+
+void PluginHost::PacketArrival(int Index, const QByteArray& Data) {
+    sendSocketEvent(QStringLiteral("PacketArrival"), {Index, Data});
+}
+
+namespace {
+
+struct ChatEventMember {
+    int id;
+    const char* member;
+    enum Shape { Full, NameOnly, MessageOnly, Channel, Entered } shape;
+};
+
+// The plug-in member of each chat event and which arguments it takes.
+constexpr ChatEventMember kChatEventMembers[] = {
+    {1, "Event_UserPresent", ChatEventMember::Full},
+    {2, "Event_UserJoin", ChatEventMember::Full},
+    {3, "Event_UserLeave", ChatEventMember::NameOnly},
+    {4, "Event_WhisperFrom", ChatEventMember::Full},
+    {5, "Event_UserTalk", ChatEventMember::Full},
+    {6, "Event_Broadcast", ChatEventMember::MessageOnly},
+    {7, "Event_Channel", ChatEventMember::Channel},
+    {9, "Event_UserUpdate", ChatEventMember::Full},
+    {10, "Event_WhisperTo", ChatEventMember::Full},
+    {13, "Event_ChannelFull", ChatEventMember::MessageOnly},
+    {14, "Event_ChannelDoesNotExist", ChatEventMember::MessageOnly},
+    {15, "Event_ChannelRestricted", ChatEventMember::MessageOnly},
+    {18, "Event_Info", ChatEventMember::MessageOnly},
+    {19, "Event_Error", ChatEventMember::MessageOnly},
+    {23, "Event_UserEmote", ChatEventMember::Full},
+    {253, "Event_EnteredChat", ChatEventMember::Entered},
+    {254, "Event_PressedEnter", ChatEventMember::MessageOnly},
+};
+
+QVariantList chatEventArgs(ChatEventMember::Shape shape, int index, const QString& message,
+                           const QString& username, qint32 flags, qint32 ping) {
+    const qint16 slot = qint16(index);
+    switch (shape) {
+    case ChatEventMember::Full:
+        return {slot, username, message, flags, ping};
+    case ChatEventMember::NameOnly:
+        return {slot, username};
+    case ChatEventMember::MessageOnly:
+        return {slot, message};
+    case ChatEventMember::Channel:
+        return {slot, message, flags};
+    case ChatEventMember::Entered:
+        return {slot, username, message};
+    }
+    return {};
+}
+
+} // namespace
+
+void PluginHost::DispatchChatEvent(int BotIndex, int ID, const QString& Message,
+                                   const QString& Username, qint32 Flags, qint32 Ping) {
+    const ChatEventMember* event = nullptr;
+    for (const ChatEventMember& e : kChatEventMembers) {
+        if (e.id == ID)
+            event = &e;
+    }
+    if (!event)
+        return;
+    const QString member = QString::fromLatin1(event->member);
+    for (const PluginRecord& p : m_plugins) {
+        if (p.Name.isEmpty() || !(p.Flags & ChatEvents) || !p.Object)
+            continue;
+        QVariantList args = chatEventArgs(event->shape, BotIndex, Message, Username, Flags, Ping);
+        try {
+            p.Object->call(member, args);
+        } catch (const PluginCallError& e) {
+            WriteChat(0, {{0xFF, QStringLiteral("Error -> Plugin caused error for ") + p.Name +
+                                     QStringLiteral(" ChatEvent(") + QString::number(ID) +
+                                     QStringLiteral(") - ") + e.description()}});
+            return;
+        }
+    }
+}

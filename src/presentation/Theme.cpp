@@ -1,0 +1,6 @@
+#include "presentation/Theme.h"
+
+ThemeRecord& CurrentTheme() {
+    static ThemeRecord theme;
+    return theme;
+}

@@ -1,0 +1,123 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+class PacketReader;
+
+// The Battle.net protocol driver of a slot, reached as Bots(i).Connection. It
+// keeps no state of its own: everything lives in Bots(i) and Logons(i), and
+// every operation takes the slot number first.
+class ConnectionWrapper {
+public:
+    // Session set-up and tear-down.
+    bool ClearVariables(int Index);
+    void KillSocket(int Index);
+    static void SocketErrorText(int Kind, int Index, int Number);
+
+    // Socket events of wsBNET and wsBNLS.
+    void wsBNET_Connect(int Index);
+    void wsBNET_DataArrival(int Index);
+    void wsBNET_Close(int Index);
+    void wsBNET_Error(int Index, int Number, const QString& Description);
+    void wsBNLS_Connect(int Index);
+    void wsBNLS_DataArrival(int Index);
+    void wsBNLS_Close(int Index);
+    void wsBNLS_Error(int Index, int Number, const QString& Description);
+
+    // The watchdog's look at one slot, every 100 ms.
+    static void Watchdog(int Index);
+
+    // Identification and version check.
+    void Output_AuthInfo(int Index);
+    void Handle_AuthInfo(int Index, PacketReader& Reader);
+    void Output_AuthCheck(int Index, quint32 Checksum, quint32 version, const QByteArray& Result);
+    void Handle_AuthCheck(int Index, PacketReader& Reader);
+    void Bnls0x09(int Index);
+    void Handle_BnlsVersionCheck(int Index, PacketReader& Reader);
+
+    // Old logon system.
+    void Output_UDP(int Index);
+    void Output_AuthLogon_OLS(int Index);
+    void Output_CreateAccount_OLS(int Index);
+    void Output_ChangePassword_OLS(int Index);
+    void Handle_LoginResponse_OLS(int Index, PacketReader& Reader);
+    void Handle_CreateAccount_OLS(int Index, quint32 Status);
+    void Handle_ChangePassword_OLS(int Index, PacketReader& Reader);
+
+    // New logon system.
+    void Output_AuthLogon_NLS(int Index);
+    void Handle_LogonResponse_NLS(int Index, PacketReader& Reader);
+    void Handle_LogonProof_NLS(int Index, PacketReader& Reader);
+    void Output_CreateAccount_NLS(int Index);
+    void Handle_CreateAccount_NLS(int Index, PacketReader& Reader);
+    void Output_ChangePassword_NLS(int Index);
+    void Handle_ChangePassword_NLS(int Index, PacketReader& Reader);
+    void Handle_ChangeProof_NLS(int Index, PacketReader& Reader);
+
+    // Entering chat and keep-alive.
+    void Output_Login(int Index);
+    void Output_EnterChat(int Index);
+    void Output_JoinChannel(int Index, const QString& Channel);
+    void Handle_EnterChat(int Index, PacketReader& Reader);
+    void Handle_ChannelList(int Index, PacketReader& Reader);
+    void Handle_Ping(int Index);
+    void Handle_News(int Index, PacketReader& Reader);
+    void Handle_ForcedDisconnect(int Index, PacketReader& Reader);
+    // The pings that follow 0x50, as the profile's spoofing asks.
+    void SendPingSpoof(int Index);
+
+    // Chat events: decoding, then now or through the delayed list.
+    void Handle_ChatEvent(int Index, PacketReader& Reader);
+    void RunChatEvent(int Index, quint8 EventID, const QString& Username, const QString& Text,
+                      qint32 Flags, qint32 Ping);
+    void Handle_ChatEvent_JoinChannel(int Index, const QString& Channel, qint32 Flags);
+    void Handle_ChatEvent_UserShow(int Index, const QString& Username, const QString& Text,
+                                   qint32 Flags, qint32 Ping);
+    void Handle_ChatEvent_Join(int Index, const QString& Username, const QString& Text,
+                               qint32 Flags, qint32 Ping);
+    void Handle_ChatEvent_Leave(int Index, const QString& Username, const QString& Text,
+                                qint32 Flags, qint32 Ping);
+    void Handle_ChatEvent_UserFlags(int Index, const QString& Username, const QString& Text,
+                                    qint32 Flags, qint32 Ping);
+    void Handle_ChannelFull(int Index, const QString& Text);
+    void Handle_ChannelNotExist(int Index, const QString& Text);
+    void Handle_ChannelRestricted(int Index, const QString& Text);
+    void Handle_ChatEvent_Talk(int Index, const QString& Username, QString Text, qint32 Flags,
+                               qint32 Ping);
+    void Handle_ChatEvent_Emote(int Index, const QString& Username, QString Text, qint32 Flags,
+                                qint32 Ping);
+    void Handle_ChatEvent_WhisperFrom(int Index, const QString& Username, QString Text,
+                                      qint32 Flags, qint32& Ping);
+    void Handle_ChatEvent_WhisperTo(int Index, const QString& Username, QString Text,
+                                    qint32 Flags, qint32& Ping);
+    void Handle_ChatEvent_Information(int Index, const QString& Text);
+    void Handle_ChatEvent_Error(int Index, const QString& Text);
+    void Handle_ChatEvent_BroadCast(int Index, const QString& Text);
+
+    // Account maintenance, when a change is pending at the end of the version check.
+    void Output_RegisterEmail(int Index);
+    void Handle_RegisterEmail(int Index);
+    void Process_ChangePassword(int Index);
+    void Process_ChangeEmail(int Index);
+    void Process_ForgotPassword(int Index);
+
+private:
+    // The join gate: the last join printed, so a burst of rejoins shows once.
+    QString LastJoinUser;
+    quint32 LastJoinTick = 0;
+
+    void dispatch(int Index, PacketReader& Reader, quint8 PacketID);
+    void DecodeCdkey(int Index, const QString& Key);
+    void writeKey(int Index, class PacketWriter& writer, const QString& key);
+    void sendLogonChallenge(int Index);
+};
+
+// The product numbers a BNLS server knows; 0 for an unknown code, in either
+// spelling and any case.
+int ProductCode(const QString& Code);
+// The three game files of the version check, in their order.
+struct HashFiles {
+    QString file1, file2, file3;
+};
+HashFiles GetHashFiles(const QString& Client);

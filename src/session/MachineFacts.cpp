@@ -1,0 +1,76 @@
+#include "session/MachineFacts.h"
+
+#include "platform/TickCount.h"
+
+#include <QLocale>
+#include <QSysInfo>
+#include <QStringList>
+
+#include <utility>
+
+namespace {
+
+// Three-letter country codes for the territories Qt names with two letters.
+// A territory missing here falls back to its two-letter code.
+constexpr std::pair<const char*, const char*> kCountryCodes[] = {
+    {"US", "USA"}, {"GB", "GBR"}, {"CA", "CAN"}, {"AU", "AUS"}, {"NZ", "NZL"}, {"IE", "IRL"},
+    {"DE", "DEU"}, {"AT", "AUT"}, {"CH", "CHE"}, {"FR", "FRA"}, {"BE", "BEL"}, {"NL", "NLD"},
+    {"LU", "LUX"}, {"ES", "ESP"}, {"PT", "PRT"}, {"IT", "ITA"}, {"SE", "SWE"}, {"NO", "NOR"},
+    {"DK", "DNK"}, {"FI", "FIN"}, {"IS", "ISL"}, {"PL", "POL"}, {"CZ", "CZE"}, {"SK", "SVK"},
+    {"HU", "HUN"}, {"RO", "ROU"}, {"BG", "BGR"}, {"GR", "GRC"}, {"TR", "TUR"}, {"RU", "RUS"},
+    {"UA", "UKR"}, {"BY", "BLR"}, {"EE", "EST"}, {"LV", "LVA"}, {"LT", "LTU"}, {"HR", "HRV"},
+    {"SI", "SVN"}, {"RS", "SRB"}, {"IL", "ISR"}, {"KR", "KOR"}, {"JP", "JPN"}, {"CN", "CHN"},
+    {"TW", "TWN"}, {"HK", "HKG"}, {"SG", "SGP"}, {"IN", "IND"}, {"TH", "THA"}, {"VN", "VNM"},
+    {"PH", "PHL"}, {"MY", "MYS"}, {"ID", "IDN"}, {"BR", "BRA"}, {"AR", "ARG"}, {"CL", "CHL"},
+    {"MX", "MEX"}, {"CO", "COL"}, {"PE", "PER"}, {"ZA", "ZAF"}, {"EG", "EGY"},
+};
+
+QString threeLetterCountry(const QString& twoLetters) {
+    for (const auto& [two, three] : kCountryCodes) {
+        if (twoLetters == QLatin1String(two))
+            return QString::fromLatin1(three);
+    }
+    return twoLetters;
+}
+
+} // namespace
+
+QString MachineFacts::versionText(bool withBuild) const {
+    QString text = QString::number(VersionMajor) + u'.' + QString::number(VersionMinor);
+    if (withBuild)
+        text += QStringLiteral(" (Build ") + QString::number(VersionRevision) + u')';
+    return text;
+}
+
+MachineFacts& Machine() {
+    static MachineFacts facts;
+    return facts;
+}
+
+void ReadMachineFacts() {
+    MachineFacts& m = Machine();
+    const QStringList version = QStringLiteral(CORVANTIDE_VERSION).split(u'.');
+    m.VersionMajor = version.value(0).toInt();
+    m.VersionMinor = version.value(1).toInt();
+    m.VersionRevision = version.value(2).toInt();
+
+    m.OperatingSystem = QSysInfo::prettyProductName();
+    m.StartTick = GetTickCount();
+
+    const QLocale locale = QLocale::system();
+    if (locale.territory() == QLocale::AnyTerritory || locale.language() == QLocale::C) {
+        // No locale set up (a bare server or CI): speak as an American client.
+        m.CountryAbbreviation = QStringLiteral("USA");
+        m.CountryName = QStringLiteral("United States");
+        m.LanguageAbbreviation = QStringLiteral("ENU");
+        m.LanguageName = QStringLiteral("English");
+        return;
+    }
+    const QString territory = QLocale::territoryToCode(locale.territory());
+    m.CountryAbbreviation = threeLetterCountry(territory);
+    m.CountryName = locale.nativeTerritoryName();
+    // Language code and the first letter of the territory, as "ENU" or "DED".
+    m.LanguageAbbreviation =
+        (QLocale::languageToCode(locale.language()).left(2) + territory.left(1)).toUpper();
+    m.LanguageName = locale.nativeLanguageName();
+}

@@ -1,0 +1,205 @@
+#include "session/SlotTable.h"
+
+#include "chat/BotElement.h"
+#include "platform/ChatDocument.h"
+#include "platform/ListModel.h"
+#include "config/SettingsWrapper.h"
+#include "platform/SocketControl.h"
+#include "platform/TickCount.h"
+#include "presentation/ChatWriter.h"
+#include "session/LogonRecord.h"
+
+struct SlotTable::Slot {
+    BotElement bot;
+    LogonRecord logon;
+    SocketControl bnet;
+    SocketControl bnls;
+    ChatDocument chat;
+    ChatDocument whisper;
+    ListModel users;
+    ListModel friends;
+    ListModel clan;
+};
+
+namespace {
+SlotTable* g_table = nullptr;
+}
+
+SlotTable& SlotTable::instance() {
+    if (!g_table)
+        g_table = new SlotTable();
+    return *g_table;
+}
+
+void SlotTable::reset() {
+    delete g_table;
+    g_table = new SlotTable();
+}
+
+SlotTable::SlotTable() {
+    addSlot();
+}
+
+SlotTable::~SlotTable() = default;
+
+int SlotTable::addSlot() {
+    m_slots.push_back(std::make_unique<Slot>());
+    const int index = highestIndex();
+    Slot& s = *m_slots.back();
+    s.bot.setIndex(index);
+    wireSockets(s, index);
+    Q_EMIT slotCreated(index);
+    return index;
+}
+
+void SlotTable::wireSockets(Slot& s, int index) {
+    ConnectionWrapper& c = s.bot.Connection;
+    connect(&s.bnet, &SocketControl::connected, this, [&c, index] { c.wsBNET_Connect(index); });
+    connect(&s.bnet, &SocketControl::dataArrival, this,
+            [&c, index] { c.wsBNET_DataArrival(index); });
+    connect(&s.bnet, &SocketControl::closed, this, [&c, index] { c.wsBNET_Close(index); });
+    connect(&s.bnet, &SocketControl::error, this,
+            [&c, index](int number, const QString& text) { c.wsBNET_Error(index, number, text); });
+    connect(&s.bnls, &SocketControl::connected, this, [&c, index] { c.wsBNLS_Connect(index); });
+    connect(&s.bnls, &SocketControl::dataArrival, this,
+            [&c, index] { c.wsBNLS_DataArrival(index); });
+    connect(&s.bnls, &SocketControl::closed, this, [&c, index] { c.wsBNLS_Close(index); });
+    connect(&s.bnls, &SocketControl::error, this,
+            [&c, index](int number, const QString& text) { c.wsBNLS_Error(index, number, text); });
+}
+
+SlotTable::Slot& SlotTable::slot(int index) {
+    return *m_slots.at(size_t(index));
+}
+
+BotElement& SlotTable::bot(int index) { return slot(index).bot; }
+LogonRecord& SlotTable::logon(int index) { return slot(index).logon; }
+SocketControl& SlotTable::bnet(int index) { return slot(index).bnet; }
+SocketControl& SlotTable::bnls(int index) { return slot(index).bnls; }
+ChatDocument& SlotTable::chat(int index) { return slot(index).chat; }
+ChatDocument& SlotTable::whisper(int index) { return slot(index).whisper; }
+ListModel& SlotTable::users(int index) { return slot(index).users; }
+ListModel& SlotTable::friends(int index) { return slot(index).friends; }
+ListModel& SlotTable::clan(int index) { return slot(index).clan; }
+
+void SlotTable::SelectBot(int Index) {
+    m_current = Index;
+    BotElement& b = bot(Index);
+    b.IsActive = false;
+    b.LastActive = 0;
+    Q_EMIT activeSlotChanged(Index);
+}
+
+int SlotTable::LoadProfile(const QString& Name) {
+    int index = 0;
+    for (int i = 1; i <= highestIndex(); ++i) {
+        if (!bot(i).IsLoaded) {
+            index = i;
+            break;
+        }
+    }
+    if (index == 0)
+        index = addSlot();
+    Slot& s = slot(index);
+    s.bot.userClear();
+    s.bot.IsLoaded = true;
+    s.bot.setOnline(false);
+    s.bot.setIndex(index);
+    s.bot.setProfile(Name);
+    s.bnet.Tag = Name;
+    s.bnls.Tag = Name;
+    s.chat.Tag = Name;
+    s.whisper.Tag = Name;
+    s.clan.Tag = Name;
+    s.users.Tag = Name;
+    s.friends.Tag = Name;
+    s.chat.clear();
+    s.clan.clear();
+    s.users.clear();
+    s.friends.clear();
+    Q_EMIT slotLoaded(index);
+    if (IsLoaded)
+        DisplayProfiles();
+    return index;
+}
+
+int SlotTable::findProfile(const QString& Name) const {
+    for (int i = 1; i <= highestIndex(); ++i) {
+        if (m_slots[size_t(i)]->bot.Profile() == Name)
+            return i;
+    }
+    return 0;
+}
+
+bool SlotTable::UnloadProfile(const QString& Name) {
+    const int index = Name.isEmpty() ? 0 : findProfile(Name);
+    if (index == 0) {
+        Q_EMIT messageBox(QStringLiteral("Corvantide"),
+                          QStringLiteral("Error occurred, ") + Name +
+                              QStringLiteral(" was not found in memory."));
+        return false;
+    }
+    Slot& s = slot(index);
+    s.bot.setProfile(QString());
+    s.bot.IsLoaded = false;
+    s.bot.setOnline(false);
+    s.bot.userClear();
+    s.bnet.Close();
+    s.chat.clear();
+    s.whisper.clear();
+    s.clan.clear();
+    s.users.clear();
+    s.friends.clear();
+    Q_EMIT slotUnloaded(index);
+    DisplayProfiles();
+    return true;
+}
+
+void SlotTable::connectTo(SocketControl& socket, const QString& server, quint16 defaultPort) {
+    QString host = server.trimmed();
+    quint16 port = defaultPort;
+    const qsizetype colon = host.lastIndexOf(u':');
+    if (colon > 0) {
+        bool ok = false;
+        const uint given = host.mid(colon + 1).toUInt(&ok);
+        if (ok && given > 0 && given <= 65535) {
+            port = quint16(given);
+            host.truncate(colon);
+        }
+    }
+    socket.Connect(host, port);
+}
+
+void SlotTable::ConnectBot(int Index) {
+    BotElement& b = bot(Index);
+    if (!b.Connection.ClearVariables(Index))
+        return;
+    b.LastConnect = GetTickCount();
+    const QString client = b.Config.Client().toUpper();
+    const bool localCapable = client == QLatin1String("D2DV") || client == QLatin1String("D2XP") ||
+                              client == QLatin1String("WAR3") || client == QLatin1String("W3XP");
+    if (SettingsWrapper::instance().LocalHashing() && localCapable) {
+        WriteChat(Index, Status::Information,
+                  QStringLiteral("[BNET] Connecting to Battle.net gateway.."));
+        bnet(Index).Close();
+        connectTo(bnet(Index), b.Config.Server(), 6112);
+    } else {
+        WriteChat(Index, Status::Information, QStringLiteral("[BNLS] Connecting to BNLS host.."));
+        bnls(Index).Close();
+        connectTo(bnls(Index), b.Config.ServerBNLS(), 9367);
+    }
+}
+
+void SlotTable::DisplayProfiles() {
+    Q_EMIT profilesChanged();
+}
+
+BotElement& Bots(int i) { return SlotTable::instance().bot(i); }
+LogonRecord& Logons(int i) { return SlotTable::instance().logon(i); }
+SocketControl& wsBNET(int i) { return SlotTable::instance().bnet(i); }
+SocketControl& wsBNLS(int i) { return SlotTable::instance().bnls(i); }
+ChatDocument& rtbChat(int i) { return SlotTable::instance().chat(i); }
+ChatDocument& rtbWhisper(int i) { return SlotTable::instance().whisper(i); }
+ListModel& lvUsers(int i) { return SlotTable::instance().users(i); }
+ListModel& lvFriends(int i) { return SlotTable::instance().friends(i); }
+ListModel& lvClan(int i) { return SlotTable::instance().clan(i); }

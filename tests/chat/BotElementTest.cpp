@@ -1,0 +1,132 @@
+#include "common/SlotFixture.h"
+#include "platform/ChatDocument.h"
+#include "platform/ListModel.h"
+#include "session/LogonRecord.h"
+
+class BotElementTest : public SlotFixture {
+protected:
+    void SetUp() override {
+        SlotFixture::SetUp();
+        slot = loadConnected(QStringLiteral("alpha"));
+    }
+    BotElement& bot() { return Bots(slot); }
+    int slot = 0;
+};
+
+TEST_F(BotElementTest, UserFindIgnoresCaseAndTheCharacterPartOfRealmNames) {
+    bot().userAdd("someone", 0, 10, "PXES", 1);
+    bot().userAdd("Other", 0, 10, "RATS", 1);
+    EXPECT_EQ(bot().UserFind("SOMEONE"), 1);
+    EXPECT_EQ(bot().UserFind("Hero*someone"), 1);
+    EXPECT_EQ(bot().UserFind("*other"), 2);
+    EXPECT_EQ(bot().UserFind("nobody"), 0);
+}
+
+TEST_F(BotElementTest, AddingAUserTwiceKeepsTheFirst) {
+    bot().userAdd("someone", 1, 10, "first", 1);
+    bot().userAdd("SomeOne", 2, 20, "second", 2);
+    ASSERT_EQ(bot().Users.size(), 1u);
+    EXPECT_EQ(bot().Users[0].Statstring, QStringLiteral("first"));
+    EXPECT_EQ(bot().Users[0].Ping, 10);
+}
+
+TEST_F(BotElementTest, UsersKeepArrivalOrderThroughDeletes) {
+    for (const char* name : {"a", "b", "c", "d"})
+        bot().userAdd(name, 0, 0, {}, 0);
+    bot().userDel("B");
+    bot().userDel("unknown");
+    ASSERT_EQ(bot().Users.size(), 3u);
+    EXPECT_EQ(bot().UserFind("c"), 2);
+    EXPECT_EQ(bot().Users[2].Username(), QStringLiteral("d"));
+    EXPECT_EQ(bot().Users[0].UsernameFixed, QStringLiteral("a"));
+}
+
+TEST_F(BotElementTest, TheVoidKeepsTheChannelToReturnTo) {
+    bot().setChannel("Clan Foo");
+    bot().setChannel("The Void");
+    EXPECT_EQ(bot().Channel(), QStringLiteral("The Void"));
+    EXPECT_EQ(bot().ChannelNonVoid(), QStringLiteral("Clan Foo"));
+    bot().setChannel(QString());
+    EXPECT_TRUE(bot().ChannelNonVoid().isEmpty());
+}
+
+TEST_F(BotElementTest, GoingOfflineEndsTheSessionButKeepsTheQueue) {
+    bot().setOnline(true);
+    Logons(slot).NlsHandle = 7;
+    bot().OnlineTick = 99;
+    bot().userAdd("x", 0, 0, {}, 0);
+    lvUsers(slot).add(ListItem::withText(QStringLiteral("x")));
+    lvFriends(slot).add(ListItem::withText(QStringLiteral("f")));
+    bot().Channels << "Public";
+    bot().setChannel("Public");
+    bot().ChannelFlags = 4;
+    bot().setClanTag("ABC");
+    bot().setClanRank(3);
+    bot().UniqueAccount = "me#2";
+    bot().LastGame = "Game";
+    bot().CdkeyStatus = "Working";
+    bot().Queue << "hello";
+
+    bot().setOnline(false);
+    EXPECT_FALSE(bot().Online());
+    EXPECT_EQ(Logons(slot).NlsHandle, 0u);
+    EXPECT_EQ(bot().OnlineTick, 0u);
+    EXPECT_TRUE(bot().Users.empty());
+    EXPECT_EQ(lvUsers(slot).count(), 0);
+    EXPECT_EQ(lvFriends(slot).count(), 0);
+    EXPECT_TRUE(bot().Channels.isEmpty());
+    EXPECT_TRUE(bot().Channel().isEmpty());
+    EXPECT_EQ(bot().ChannelFlags, 0);
+    EXPECT_TRUE(bot().ClanTag().isEmpty());
+    EXPECT_EQ(bot().ClanRank(), 0);
+    EXPECT_TRUE(bot().UniqueAccount.isEmpty());
+    EXPECT_EQ(bot().LastGame, QStringLiteral("N/A"));
+    EXPECT_TRUE(bot().CdkeyStatus.isEmpty());
+    EXPECT_EQ(bot().Queue, QStringList{"hello"});
+
+    // Going online again touches nothing but the flag; offline again cleans again.
+    bot().userAdd("y", 0, 0, {}, 0);
+    bot().setOnline(true);
+    EXPECT_EQ(bot().Users.size(), 1u);
+    bot().setOnline(false);
+    EXPECT_TRUE(bot().Users.empty());
+}
+
+TEST_F(BotElementTest, EmptyingTheProfileEmptiesTheSlotAndClosesItsSockets) {
+    rtbChat(slot).append(u"text\r\n", {});
+    bot().setOnline(true);
+    bot().CanConnect = true;
+    bot().Queue << "queued";
+    bot().InBNCS.append("\xff\x0f");
+    bot().InBNLS.append("\x03");
+    bot().QueueWait = 1500;
+    bot().LastConnect = 10;
+
+    bot().setProfile(QString());
+    EXPECT_FALSE(bot().IsLoaded);
+    EXPECT_FALSE(bot().Online());
+    EXPECT_FALSE(bot().CanConnect);
+    EXPECT_TRUE(bot().Queue.isEmpty());
+    EXPECT_TRUE(bot().InBNCS.isEmpty());
+    EXPECT_TRUE(bot().InBNLS.isEmpty());
+    EXPECT_EQ(bot().QueueWait, 0);
+    EXPECT_EQ(bot().LastConnect, 0u);
+    EXPECT_EQ(wsBNET(slot).State(), SocketControl::Closed);
+    EXPECT_EQ(wsBNLS(slot).State(), SocketControl::Closed);
+    EXPECT_TRUE(bot().Profile().isEmpty());
+    // The queue's clearing is the one line left in the emptied view.
+    EXPECT_EQ(rtbChat(slot).text(), QStringLiteral("Cleared the queue.\r\n"));
+}
+
+TEST_F(BotElementTest, DelayedEventsAreOneBasedWithAnEmptyHead) {
+    EXPECT_EQ(bot().DelayCount(), 0);
+    bot().AddEvent(slot, "user", "hi", 20, 0, 1000, "5");
+    bot().AddEvent(slot, "user2", "yo", 30, 0, 1001, "18");
+    EXPECT_EQ(bot().DelayCount(), 2);
+    EXPECT_EQ(bot().delayedEvent(1).EventID, 5);
+    EXPECT_EQ(bot().delayedEvent(2).Username, QStringLiteral("user2"));
+    bot().removeEvent(1);
+    EXPECT_EQ(bot().delayedEvent(1).EventID, 18);
+    bot().ClearEvent();
+    EXPECT_EQ(bot().DelayCount(), 0);
+}

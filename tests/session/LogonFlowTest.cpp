@@ -1,0 +1,234 @@
+// The logon as it passes over the wire, with sockets detached from the
+// network: what the client sends, in order, for each answer of the server.
+#include "common/SlotFixture.h"
+#include "config/SettingsWrapper.h"
+#include "platform/ChatDocument.h"
+#include "session/LogonRecord.h"
+#include "session/PacketReader.h"
+#include "session/PacketWriter.h"
+
+namespace {
+
+const QString kStarKey = QStringLiteral("7178075237576");
+
+QByteArray dword(quint32 v) {
+    PacketWriter w;
+    w.WriteDWORD(v);
+    return w.payload();
+}
+
+QByteArray text(const char* s) {
+    return QByteArray(s) + '\0';
+}
+
+// The ids of the frames a socket sent, after the protocol byte.
+std::vector<int> frameIds(const SocketControl& socket, bool bnls) {
+    std::vector<int> ids;
+    for (const QByteArray& data : socket.sent) {
+        if (data.size() == 1 && !bnls) {
+            ids.push_back(-1); // the protocol byte
+            continue;
+        }
+        ids.push_back(quint8(bnls ? data[2] : data[1]));
+    }
+    return ids;
+}
+
+class LogonFlowTest : public SlotFixture {
+protected:
+    int loadProfile(const QString& client, bool local) {
+        SettingsWrapper::instance().setLocalHashing(local);
+        const int i = SlotTable::instance().LoadProfile(QStringLiteral("flow-") + client);
+        ConfigWrapper& c = Bots(i).Config;
+        c.setAccount(QStringLiteral("Tester"));
+        c.setPassword(QStringLiteral("SeCrEt"));
+        c.setCdkey(kStarKey);
+        c.setServer(QStringLiteral("bnet.example:6200"));
+        c.setServerBNLS(QStringLiteral("bnls.example"));
+        c.setVerbyte(QStringLiteral("d3"));
+        c.setClient(client);
+        c.setChannel(QStringLiteral("Home"));
+        for (SocketControl* s : {&wsBNET(i), &wsBNLS(i)}) {
+            s->setDetached(true);
+            s->sent.clear();
+        }
+        return i;
+    }
+    void serverSends(int i, quint8 id, const QByteArray& payload) {
+        wsBNET(i).simulateData(PacketWriter::frameBNCS(id, payload));
+    }
+    QString chat(int i) { return rtbChat(i).text(); }
+};
+
+} // namespace
+
+TEST_F(LogonFlowTest, StarcraftGoesThroughBnlsAndTheOldLogonIntoChat) {
+    const int i = loadProfile(QStringLiteral("STAR"), true);
+    SlotTable::instance().ConnectBot(i);
+    EXPECT_EQ(wsBNLS(i).State(), SocketControl::Connecting);
+    EXPECT_EQ(wsBNLS(i).RemotePort(), 9367);
+    EXPECT_EQ(wsBNET(i).State(), SocketControl::Closed);
+
+    wsBNLS(i).simulateConnected();
+    EXPECT_EQ(wsBNET(i).RemoteHost(), QStringLiteral("bnet.example"));
+    EXPECT_EQ(wsBNET(i).RemotePort(), 6200);
+    wsBNET(i).simulateConnected();
+    ASSERT_EQ(frameIds(wsBNET(i), false), (std::vector<int>{-1, 0x50, 0x25}));
+    PacketReader authInfo;
+    authInfo.HandleBuffer(wsBNET(i).sent[1]);
+    authInfo.Skip(4 + 8);
+    EXPECT_EQ(authInfo.ReadVOID(4), QByteArray("RATS"));
+    EXPECT_EQ(authInfo.ReadDWORD(), 0xD3u);
+
+    // Challenge: logon type, server token, archive time, name and formula.
+    serverSends(i, 0x50,
+                dword(0) + dword(0x1234) + QByteArray(8, '\x07') + dword(0) +
+                    text("IX86ver1.mpq") + text("A=1 B=2 C=3 4 A=A+S B=B-C C=C^A A=A^B"));
+    ASSERT_EQ(frameIds(wsBNLS(i), true), (std::vector<int>{0x1A}));
+    PacketReader bnls;
+    bnls.HandleBuffer(wsBNLS(i).sent[0]);
+    bnls.Skip(3);
+    EXPECT_EQ(bnls.ReadDWORD(), 1u); // StarCraft
+    EXPECT_EQ(bnls.ReadDWORD(), 0u);
+    EXPECT_EQ(bnls.ReadDWORD(), 0x1234u);
+    EXPECT_EQ(bnls.ReadVOID(8), QByteArray(8, '\x07'));
+    EXPECT_EQ(bnls.ReadSTRING(), QStringLiteral("IX86ver1.mpq"));
+
+    wsBNLS(i).simulateData(PacketWriter::frameBNLS(
+        0x1A, dword(1) + dword(0x01100A00) + dword(0xCAFEBABE) + text("starcraft.exe info")));
+    ASSERT_EQ(frameIds(wsBNET(i), false).back(), 0x51);
+    PacketReader check;
+    check.HandleBuffer(wsBNET(i).sent.last());
+    check.Skip(4);
+    EXPECT_EQ(check.ReadDWORD(), Logons(i).ClientToken);
+    EXPECT_EQ(check.ReadDWORD(), 0x01100A00u);
+    EXPECT_EQ(check.ReadDWORD(), 0xCAFEBABEu);
+    EXPECT_EQ(check.ReadDWORD(), 1u); // one key
+    check.Skip(4);
+    EXPECT_EQ(check.ReadDWORD(), 13u);
+    EXPECT_EQ(check.ReadDWORD(), 55u); // the key's product
+    EXPECT_EQ(check.ReadDWORD(), 4284034u);
+    check.Skip(4 + 20);
+    EXPECT_EQ(check.ReadSTRING(), QStringLiteral("starcraft.exe info"));
+    EXPECT_EQ(check.ReadSTRING(), QStringLiteral("Corvantide"));
+
+    serverSends(i, 0x51, dword(0));
+    EXPECT_EQ(frameIds(wsBNET(i), false).back(), 0x3A);
+    serverSends(i, 0x3A, dword(0));
+    const std::vector<int> ids = frameIds(wsBNET(i), false);
+    ASSERT_GE(ids.size(), 3u);
+    EXPECT_EQ((std::vector<int>(ids.end() - 3, ids.end())), (std::vector<int>{0x0A, 0x0B, 0x0C}));
+    EXPECT_EQ(wsBNET(i).sent.last(), PacketWriter::frameBNCS(0x0C, dword(2) + text("Home")));
+    EXPECT_FALSE(Bots(i).Online());
+
+    serverSends(i, 0x0A, text("Tester#2") + text("RATS 0 0 0 0 0 0 0 0 RATS") + text("Tester"));
+    EXPECT_TRUE(Bots(i).Online());
+    EXPECT_EQ(Bots(i).UniqueAccount, QStringLiteral("Tester#2"));
+    EXPECT_EQ(frameIds(wsBNET(i), false).back(), 0x65);
+}
+
+TEST_F(LogonFlowTest, WarcraftThreeWithLocalHashingConnectsStraightToBattleNet) {
+    const int i = loadProfile(QStringLiteral("WAR3"), true);
+    SlotTable::instance().ConnectBot(i);
+    EXPECT_EQ(wsBNET(i).State(), SocketControl::Connecting);
+    EXPECT_EQ(wsBNLS(i).State(), SocketControl::Closed);
+}
+
+TEST_F(LogonFlowTest, DiabloWithoutLocalHashingAsksBnlsWithTheArchiveNumber) {
+    const int i = loadProfile(QStringLiteral("D2DV"), false);
+    SlotTable::instance().ConnectBot(i);
+    wsBNLS(i).simulateConnected();
+    wsBNET(i).simulateConnected();
+    serverSends(i, 0x50,
+                dword(0) + dword(5) + QByteArray(12, '\0') + text("ver-IX86-3.mpq") +
+                    text("A=1 B=2 C=3 4 A=A+S B=B-C C=C^A A=A^B"));
+    ASSERT_EQ(wsBNLS(i).sent.size(), 1);
+    EXPECT_EQ(wsBNLS(i).sent[0],
+              PacketWriter::frameBNLS(0x09, dword(4) + dword(3) +
+                                                text("A=1 B=2 C=3 4 A=A+S B=B-C C=C^A A=A^B")));
+}
+
+TEST_F(LogonFlowTest, AFailedBnlsCheckStaysAtTheHeadOfTheStream) {
+    const int i = loadProfile(QStringLiteral("STAR"), false);
+    SlotTable::instance().ConnectBot(i);
+    wsBNLS(i).simulateConnected();
+    wsBNLS(i).simulateData(PacketWriter::frameBNLS(0x1A, dword(0) + dword(0) + dword(0) + text("")));
+    EXPECT_EQ(chat(i).count(QStringLiteral("[BNLS] Version check failed.")), 1);
+    wsBNLS(i).simulateData(QByteArray());
+    EXPECT_EQ(chat(i).count(QStringLiteral("[BNLS] Version check failed.")), 2);
+    EXPECT_TRUE(wsBNET(i).sent.isEmpty());
+}
+
+TEST_F(LogonFlowTest, ServerRefusalsEndInTheirLineAndNoRetry) {
+    const int i = loadProfile(QStringLiteral("SEXP"), false);
+    SlotTable::instance().ConnectBot(i);
+    wsBNLS(i).simulateConnected();
+    wsBNET(i).simulateConnected();
+    serverSends(i, 0x3A, dword(2));
+    EXPECT_TRUE(chat(i).contains(QStringLiteral("[BNET] Account's password was incorrect!")));
+    EXPECT_TRUE(chat(i).contains(QStringLiteral("[Connections Closed]")));
+    EXPECT_FALSE(Bots(i).CanConnect);
+    EXPECT_EQ(wsBNET(i).State(), SocketControl::Closed);
+}
+
+TEST_F(LogonFlowTest, AMissingAccountIsCreatedThenLogsOnAgain) {
+    const int i = loadProfile(QStringLiteral("STAR"), false);
+    SlotTable::instance().ConnectBot(i);
+    wsBNLS(i).simulateConnected();
+    wsBNET(i).simulateConnected();
+    serverSends(i, 0x3A, dword(1));
+    EXPECT_EQ(frameIds(wsBNET(i), false).back(), 0x3D);
+    serverSends(i, 0x3D, dword(0));
+    EXPECT_EQ(frameIds(wsBNET(i), false).back(), 0x3A);
+    EXPECT_TRUE(chat(i).contains(QStringLiteral("[BNET] Successfully created account!")));
+}
+
+TEST_F(LogonFlowTest, PingSpoofSendsItsExactCounts) {
+    struct Case {
+        int spoof;
+        int emptyFrames;
+        int pingsAfterAuthInfo;
+        int answers;
+    };
+    for (const Case c : {Case{0, 0, 1, 1}, Case{1, 0, 0, 0}, Case{2, 0, 1, 0}, Case{3, 713, 1, 0},
+                         Case{4, 7713, 1, 1}, Case{9, 0, 0, 0}}) {
+        const int i = loadProfile(QStringLiteral("STAR"), false);
+        Bots(i).Config.setPingSpoof(c.spoof);
+        SlotTable::instance().ConnectBot(i);
+        wsBNLS(i).simulateConnected();
+        wsBNET(i).simulateConnected();
+        const std::vector<int> ids = frameIds(wsBNET(i), false);
+        EXPECT_EQ(std::count(ids.begin(), ids.end(), 0x00), c.emptyFrames) << c.spoof;
+        EXPECT_EQ(std::count(ids.begin(), ids.end(), 0x25), c.pingsAfterAuthInfo) << c.spoof;
+        const qsizetype before = wsBNET(i).sent.size();
+        serverSends(i, 0x25, dword(0xDEAD));
+        EXPECT_EQ(wsBNET(i).sent.size() - before, c.answers) << c.spoof;
+        if (c.answers) {
+            EXPECT_EQ(wsBNET(i).sent.last(), PacketWriter::frameBNCS(0x25, dword(0)));
+        }
+        SlotTable::instance().UnloadProfile(Bots(i).Profile());
+    }
+}
+
+TEST_F(LogonFlowTest, KeepAliveIsAnsweredAndUnknownPacketsAreDumped) {
+    const int i = loadConnected(QStringLiteral("plain"));
+    serverSends(i, 0x00, {});
+    EXPECT_TRUE(wsBNET(i).sent.isEmpty()); // four bytes alone wait for more
+    serverSends(i, 0x5A, "xyz");
+    EXPECT_EQ(frameIds(wsBNET(i), false), (std::vector<int>{0x00}));
+    EXPECT_TRUE(chat(i).contains(QStringLiteral("Unhandled packet: 0x5A")));
+    EXPECT_TRUE(chat(i).contains(QStringLiteral("FF 5A 07 00 78 79 7A")));
+}
+
+TEST_F(LogonFlowTest, MissingSettingsAreAllNamedAndNoSocketOpens) {
+    const int i = SlotTable::instance().LoadProfile(QStringLiteral("empty-profile"));
+    wsBNET(i).setDetached(true);
+    SlotTable::instance().ConnectBot(i);
+    for (const char* line :
+         {"[BNET] Cannot connect with a null account.", "[BNET] Cannot connect with a null password.",
+          "[BNET] Cannot connect with a null cdkey.", "[BNET] Cannot connect with a null server.",
+          "[BNET] Cannot connect with a null version byte."})
+        EXPECT_TRUE(chat(i).contains(QString::fromLatin1(line))) << line;
+    EXPECT_EQ(wsBNET(i).State(), SocketControl::Closed);
+    EXPECT_EQ(wsBNLS(i).State(), SocketControl::Closed);
+}

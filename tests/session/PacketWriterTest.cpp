@@ -1,0 +1,59 @@
+#include "common/SlotFixture.h"
+#include "session/PacketWriter.h"
+
+class PacketWriterTest : public SlotFixture {};
+
+TEST_F(PacketWriterTest, FramesBncsAndBnlsWithTheirHeaders) {
+    const int i = loadConnected(QStringLiteral("alpha"));
+    PacketWriter w;
+    w.WriteDWORD(0x01020304);
+    w.WriteSTRING(QString::fromUtf8("caf\u00e9"));
+    w.WriteWORD(7);
+    w.SendPacket(i, 0x50);
+    ASSERT_EQ(wsBNET(i).sent.size(), 1);
+    EXPECT_EQ(wsBNET(i).sent[0], QByteArray::fromHex("ff500f00" "04030201" "636166e900" "0700"));
+    EXPECT_TRUE(w.payload().isEmpty());
+
+    w.WriteBYTE(9);
+    w.SendPacket(i, 0x0E, true);
+    ASSERT_EQ(wsBNLS(i).sent.size(), 1);
+    EXPECT_EQ(wsBNLS(i).sent[0], QByteArray::fromHex("04000e09"));
+}
+
+TEST_F(PacketWriterTest, ChatOnlyIdsAreDroppedOfflineAndLeaveNothingBehind) {
+    const int i = loadConnected(QStringLiteral("alpha"));
+    PacketWriter w;
+    for (quint8 id : {0x0E, 0x26, 0x27, 0x10}) {
+        w.WriteSTRING(QStringLiteral("hello"));
+        w.SendPacket(i, id);
+        EXPECT_TRUE(w.payload().isEmpty());
+    }
+    EXPECT_TRUE(wsBNET(i).sent.isEmpty());
+
+    w.WriteDWORD(1);
+    w.SendPacket(i, 0x25);
+    ASSERT_EQ(wsBNET(i).sent.size(), 1);
+    EXPECT_EQ(wsBNET(i).sent[0], QByteArray::fromHex("ff25080001000000"));
+
+    Bots(i).setOnline(true);
+    w.WriteSTRING(QStringLiteral("hi"));
+    w.SendPacket(i, 0x0E);
+    EXPECT_EQ(wsBNET(i).sent.last(), QByteArray::fromHex("ff0e07006869" "00"));
+}
+
+TEST_F(PacketWriterTest, NothingGoesOutOnAClosedSocket) {
+    const int i = SlotTable::instance().LoadProfile(QStringLiteral("alpha"));
+    wsBNET(i).setDetached(true);
+    PacketWriter w;
+    w.WriteDWORD(5);
+    w.SendPacket(i, 0x25);
+    w.SendPacket(i, 0x25, true);
+    EXPECT_TRUE(wsBNET(i).sent.isEmpty());
+    EXPECT_TRUE(w.payload().isEmpty());
+}
+
+TEST(PacketFrames, OnlyTheLowSixteenBitsOfTheLengthAreWritten) {
+    const QByteArray frame = PacketWriter::frameBNCS(0x0F, QByteArray(65536, 'x'));
+    EXPECT_EQ(quint8(frame[2]), 4);
+    EXPECT_EQ(quint8(frame[3]), 0);
+}

@@ -1,0 +1,77 @@
+#include "common/SlotFixture.h"
+#include "platform/ChatDocument.h"
+#include "platform/ListModel.h"
+#include "session/LogonRecord.h"
+
+#include <QSignalSpy>
+
+class SlotTableTest : public SlotFixture {
+protected:
+    SlotTable& table() { return SlotTable::instance(); }
+};
+
+TEST_F(SlotTableTest, LoadingAfterAnUnloadReusesTheLowestFreeSlot) {
+    EXPECT_EQ(table().LoadProfile("a"), 1);
+    EXPECT_EQ(table().LoadProfile("b"), 2);
+    EXPECT_EQ(table().LoadProfile("c"), 3);
+    ChatDocument* viewOfSlot2 = &rtbChat(2);
+    table().UnloadProfile("b");
+    table().UnloadProfile("a");
+    EXPECT_EQ(table().highestIndex(), 3);
+
+    QSignalSpy created(&table(), &SlotTable::slotCreated);
+    EXPECT_EQ(table().LoadProfile("d"), 1);
+    EXPECT_EQ(table().LoadProfile("e"), 2);
+    EXPECT_EQ(created.count(), 0);
+    EXPECT_EQ(&rtbChat(2), viewOfSlot2);
+    EXPECT_EQ(table().LoadProfile("f"), 4);
+    EXPECT_EQ(created.count(), 1);
+    EXPECT_EQ(Bots(2).Profile(), QStringLiteral("e"));
+    EXPECT_EQ(Bots(4).Index(), 4);
+    EXPECT_EQ(rtbChat(4).Tag, QStringLiteral("f"));
+}
+
+TEST_F(SlotTableTest, LoadingEmptiesWhatTheReusedSlotShowed) {
+    const int i = table().LoadProfile("a");
+    rtbChat(i).append(u"old text", {});
+    lvUsers(i).add(ListItem::withText(QStringLiteral("someone")));
+    Bots(i).userAdd("someone", 0, 0, {}, 0);
+    table().UnloadProfile("a");
+    EXPECT_EQ(table().LoadProfile("b"), i);
+    EXPECT_TRUE(rtbChat(i).isEmpty());
+    EXPECT_EQ(lvUsers(i).count(), 0);
+    EXPECT_TRUE(Bots(i).Users.empty());
+    EXPECT_TRUE(Bots(i).IsLoaded);
+    EXPECT_FALSE(Bots(i).Online());
+}
+
+TEST_F(SlotTableTest, UnloadingTheActiveSlotShowsTheFirstLoadedOneAndKeepsTheArrays) {
+    table().LoadProfile("a");
+    table().LoadProfile("b");
+    table().LoadProfile("c");
+    table().SelectBot(1);
+    table().UnloadProfile("a");
+    EXPECT_EQ(table().CurrentIndex(), 2);
+    EXPECT_EQ(table().highestIndex(), 3);
+    EXPECT_FALSE(Bots(1).IsLoaded);
+    EXPECT_TRUE(Bots(1).Profile().isEmpty());
+}
+
+TEST_F(SlotTableTest, UnloadingAnUnknownProfileWarnsAndChangesNothing) {
+    table().LoadProfile("a");
+    QSignalSpy box(&table(), &SlotTable::messageBox);
+    EXPECT_FALSE(table().UnloadProfile("zzz"));
+    ASSERT_EQ(box.count(), 1);
+    EXPECT_EQ(box[0][1].toString(), QStringLiteral("Error occurred, zzz was not found in memory."));
+    EXPECT_TRUE(Bots(1).IsLoaded);
+}
+
+TEST_F(SlotTableTest, SelectingASlotClearsItsUnseenTalkMark) {
+    const int i = table().LoadProfile("a");
+    Bots(i).IsActive = true;
+    Bots(i).LastActive = 55;
+    table().SelectBot(i);
+    EXPECT_EQ(table().CurrentIndex(), i);
+    EXPECT_FALSE(Bots(i).IsActive);
+    EXPECT_EQ(Bots(i).LastActive, 0u);
+}

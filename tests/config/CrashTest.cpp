@@ -1,4 +1,3 @@
-#include "StoreWriter.h"
 #include "config/RegistryWrapper.h"
 
 #include <QCoreApplication>
@@ -21,6 +20,8 @@ QString renamedOf(int n) {
 }
 
 const QString kCrashKey = QStringLiteral("HKCU\\Software\\Crash");
+constexpr char kWriterFile[] = "CORVANTIDE_STORE_WRITER";
+constexpr char kWriterFirst[] = "CORVANTIDE_STORE_WRITER_FIRST";
 
 // Write n: a string, a dword, or a key made, filled and renamed. False when
 // the store refused it.
@@ -71,10 +72,10 @@ bool integrityOk(const QString& file) {
     return ok;
 }
 
-} // namespace
-
-int runStoreWriter(const char* file, int first) {
-    RegistryWrapper store(QString::fromLocal8Bit(file));
+// The writer: writes for ever from write number `first` on, and prints each
+// number once its write has returned.
+int runStoreWriter(const QString& file, int first) {
+    RegistryWrapper store(file);
     if (!store.isOpen()) return 2;
     for (int n = first;; ++n) {
         if (!write(store, n)) {
@@ -85,6 +86,18 @@ int runStoreWriter(const char* file, int first) {
         if (::write(STDOUT_FILENO, line.constData(), line.size()) != line.size()) return 3;
     }
 }
+
+// The crash test starts this program again with the writer's store in the
+// environment; that run is the writer, before any test or Qt object exists.
+const int kWriterRun = [] {
+    const QByteArray file = qgetenv(kWriterFile);
+    if (!file.isEmpty())
+        ::_exit(runStoreWriter(QString::fromLocal8Bit(file),
+                               qEnvironmentVariableIntValue(kWriterFirst)));
+    return 0;
+}();
+
+} // namespace
 
 // A writer killed with SIGKILL at random moments never costs a write it had
 // reported, and never leaves a store that fails to open.
@@ -100,8 +113,11 @@ TEST(StoreCrash, ReportedWritesSurviveKill) {
     int first = 0;
     for (int round = 0; round < 12; ++round) {
         QProcess child;
-        child.start(QCoreApplication::applicationFilePath(),
-                    {QString::fromLatin1(kStoreWriterFlag), file, QString::number(first)});
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QString::fromLatin1(kWriterFile), file);
+        environment.insert(QString::fromLatin1(kWriterFirst), QString::number(first));
+        child.setProcessEnvironment(environment);
+        child.start(QCoreApplication::applicationFilePath(), {});
         ASSERT_TRUE(child.waitForStarted());
         QElapsedTimer clock;
         clock.start();

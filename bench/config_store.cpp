@@ -95,6 +95,18 @@ void BM_SettingsFloodMode(benchmark::State& state) {
 }
 BENCHMARK(BM_SettingsFloodMode);
 
+// Writes are rare (forms, commands) and each one waits for the disk.
+void BM_WriteDWORD(benchmark::State& state) {
+    RegistryWrapper& registry = store();
+    const QString key = QStringLiteral("HKCU\\Software\\Corvantide4\\Databases\\Main\\user2500");
+    const QString name = QStringLiteral("Flags");
+    qint32 value = 0;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(registry.WriteDWORD(key, name, ++value));
+    state.SetItemsProcessed(state.iterations());
+}
+BENCHMARK(BM_WriteDWORD)->UseRealTime();
+
 } // namespace
 
 BENCHMARK_MAIN();

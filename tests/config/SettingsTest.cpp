@@ -32,11 +32,11 @@ protected:
 
 // The defaults that are not the empty value of their type.
 TEST_F(Settings, DefaultsOfAnEmptyStore) {
-    for (bool on : {settings_.RequestKeys(), settings_.ShowConnectTime(),
-                    settings_.HideOfflineFriends(), settings_.HideChars(), settings_.VoidView(),
-                    settings_.DecodeUTF8(), settings_.RemoveProfanity(), settings_.AutoCQ(),
-                    settings_.TimeStamp(), settings_.Tabbed(), settings_.Tray(),
-                    settings_.Sidebar()})
+    for (bool on :
+         {settings_.RequestKeys(), settings_.ShowConnectTime(), settings_.HideOfflineFriends(),
+          settings_.HideChars(), settings_.VoidView(), settings_.DecodeUTF8(),
+          settings_.RemoveProfanity(), settings_.AutoCQ(), settings_.TimeStamp(),
+          settings_.Tabbed(), settings_.Tray(), settings_.Sidebar()})
         EXPECT_TRUE(on);
     EXPECT_EQ(settings_.FloodMode(), 1000);
     EXPECT_EQ(settings_.IconDisp(), 1);

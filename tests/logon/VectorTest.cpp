@@ -1,0 +1,172 @@
+// Every row of the reference files, through the call table the session uses.
+
+#include "TestSupport.h"
+#include "logon/BncsUtil.h"
+#include "logon/NlsClient.h"
+#include "logon/ProductKey.h"
+
+#include <gtest/gtest.h>
+#include <sstream>
+#include <sys/time.h>
+
+namespace logon {
+namespace {
+
+using test::hex;
+using test::unhex;
+using test::VectorFile;
+
+nls::Number number(const std::string& hexText) {
+    nls::Number n{};
+    const auto bytes = unhex(hexText);
+    std::copy(bytes.begin(), bytes.end(), n.begin());
+    return n;
+}
+
+TEST(Vectors, PasswordHashes) {
+    const VectorFile file("xsha1.tsv");
+    ASSERT_EQ(file.rows().size(), 11u);
+    for (const auto& row : file.rows()) {
+        SCOPED_TRACE(row["password_hex"]);
+        const auto bytes = unhex(row["password_hex"]);
+        const std::string password(bytes.begin(), bytes.end());
+        std::uint8_t single[20], proof[20];
+        ASSERT_TRUE(hashPassword(password, single));
+        ASSERT_TRUE(doubleHashPassword(password, row.number("client_token"),
+                                       row.number("server_token"), proof));
+        EXPECT_EQ(hex(single, 20), row["hash_password"]);
+        EXPECT_EQ(hex(proof, 20), row["double_hash_password"]);
+    }
+}
+
+TEST(Vectors, ProductKeys) {
+    const VectorFile file("cdkeys.tsv");
+    ASSERT_EQ(file.rows().size(), 28u);
+    ASSERT_TRUE(kd_init());
+    for (const auto& row : file.rows()) {
+        const std::string& key = row["key"];
+        SCOPED_TRACE(key);
+        const KeyHandle decoder = kd_create(key.c_str(), int(key.size()));
+        if (row["valid"] == "0") {
+            EXPECT_EQ(decoder, 0u);
+            continue;
+        }
+        ASSERT_NE(decoder, 0u);
+        ASSERT_EQ(kd_calculateHash(decoder, row.number("client_token"), row.number("server_token")),
+                  20);
+        std::uint8_t hash[20];
+        ASSERT_TRUE(kd_getHash(decoder, hash));
+        EXPECT_EQ(hex(hash, 20), row["hash"]);
+        EXPECT_EQ(kd_product(decoder), row.number("product"));
+        EXPECT_EQ(kd_val1(decoder), row.number("val1"));
+        EXPECT_EQ(hex(ProductKey::decode(key)->val2()), row["val2_hex"]);
+        EXPECT_TRUE(kd_free(decoder));
+    }
+}
+
+TEST(Vectors, VersionCheck) {
+    const VectorFile file("checkrevision.tsv");
+    ASSERT_EQ(file.rows().size(), 36u);
+    const auto dir = test::kVectors / "checkrevision";
+    for (const auto& row : file.rows()) {
+        SCOPED_TRACE(row["formula"] + " " + row["mpq_name"] + " " + row["file1"]);
+        const int number = extractMPQNumber(row["mpq_name"]);
+        EXPECT_EQ(number, std::stoi(row["mpq_number"]));
+        std::uint32_t checksum = 0;
+        EXPECT_EQ(checkRevisionFlat(row["formula"], (dir / row["file1"]).string(),
+                                    (dir / row["file2"]).string(), (dir / row["file3"]).string(),
+                                    number, checksum),
+                  std::stoi(row["result"]));
+        EXPECT_EQ(checksum, row.number("checksum"));
+    }
+}
+
+// Swaps the operands of every commutative operation: "A=A^S" becomes "A=S^A".
+std::string swapOperands(const std::string& formula) {
+    std::istringstream in(formula);
+    std::string token, result;
+    while (in >> token) {
+        if (token.size() == 5 && token[1] == '=' && (token[3] == '+' || token[3] == '^'))
+            std::swap(token[2], token[4]);
+        result += (result.empty() ? "" : " ") + token;
+    }
+    return result;
+}
+
+// Formulas of another shape than the usual one take the general path of the checksum; with
+// swapped operands they must still give the reference checksums.
+TEST(Vectors, VersionCheckOfOtherFormulaShapes) {
+    const VectorFile file("checkrevision.tsv");
+    const auto dir = test::kVectors / "checkrevision";
+    int checked = 0;
+    for (const auto& row : file.rows()) {
+        const std::string formula = swapOperands(row["formula"]);
+        if (formula == row["formula"]) // nothing to swap in "A=A-S B=B-C ..."
+            continue;
+        SCOPED_TRACE(formula);
+        std::uint32_t checksum = 0;
+        ASSERT_TRUE(checkRevisionFlat(formula, (dir / row["file1"]).string(),
+                                      (dir / row["file2"]).string(), (dir / row["file3"]).string(),
+                                      extractMPQNumber(row["mpq_name"]), checksum));
+        EXPECT_EQ(checksum, row.number("checksum"));
+        ++checked;
+    }
+    EXPECT_EQ(checked, 27);
+}
+
+TEST(Vectors, ExecutableInformation) {
+    const VectorFile file("exeinfo.tsv");
+    ASSERT_EQ(file.rows().size(), 3u);
+    const test::TempDir temp;
+    for (const auto& row : file.rows()) {
+        SCOPED_TRACE(row["file"]);
+        const auto copy = temp.path() / row["file"];
+        std::filesystem::copy_file(test::kVectors / "exeinfo" / row["file"], copy);
+        std::tm utc{};
+        ASSERT_TRUE(strptime(row["mtime_utc"].c_str(), "%Y-%m-%d %H:%M:%S", &utc));
+        const timeval times[2] = {{timegm(&utc), 0}, {timegm(&utc), 0}};
+        ASSERT_EQ(::utimes(copy.c_str(), times), 0);
+
+        char info[256];
+        std::uint32_t version = 1;
+        const std::size_t length =
+            getExeInfo(copy.string(), info, sizeof info, version, kPlatformIx86);
+        EXPECT_EQ(length, row.number("result"));
+        EXPECT_EQ(version, row.number("version"));
+        if (length > 0) {
+            EXPECT_EQ(std::string(info), row["info"]);
+        }
+        EXPECT_EQ(std::filesystem::file_size(copy), row.number("size"));
+    }
+}
+
+TEST(Vectors, NewLogonSystem) {
+    const VectorFile file("nls.tsv");
+    ASSERT_EQ(file.rows().size(), 5u);
+    for (const auto& row : file.rows()) {
+        SCOPED_TRACE(row["account"]);
+        const auto privateValue = unhex(row["a_hex"]);
+        const NlsHandle session =
+            nls_init_with_private(row["account"], row["password"], privateValue);
+        ASSERT_NE(session, 0u);
+        const nls::Number salt = number(row["salt"]), serverKey = number(row["B"]);
+
+        std::uint8_t clientKey[32], clientProof[20];
+        ASSERT_TRUE(nls_get_A(session, clientKey));
+        EXPECT_EQ(hex(clientKey, 32), row["A"]);
+        ASSERT_TRUE(nls_get_M1(session, clientProof, serverKey.data(), salt.data()));
+        EXPECT_EQ(hex(clientProof, 20), row["M1"]);
+
+        const auto serverProof = unhex(row["M2"]);
+        EXPECT_TRUE(nls_check_M2(session, serverProof.data()));
+        EXPECT_TRUE(nls_check_M2(session, serverProof.data(), serverKey.data(), salt.data()));
+        EXPECT_TRUE(nls_free(session));
+
+        const NlsClient client(row["account"], row["password"], privateValue);
+        EXPECT_EQ(hex(client.prove(serverKey, salt)->sessionKey), row["K"]);
+        EXPECT_EQ(hex(client.verifier(salt)), row["verifier"]);
+    }
+}
+
+} // namespace
+} // namespace logon

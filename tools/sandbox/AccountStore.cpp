@@ -114,6 +114,7 @@ AccountRecord AccountStore::fromPassword(const QString& name, const QString& pas
 void AccountStore::setPasswordHash(const QString& name, const logon::Digest& hash) {
     if (auto it = m_accounts.find(name.toLower()); it != m_accounts.end()) {
         it->passwordHash = hash;
+        it->nls.reset();
         save();
     }
 }
@@ -121,6 +122,7 @@ void AccountStore::setPasswordHash(const QString& name, const logon::Digest& has
 void AccountStore::setNls(const QString& name, const logon::NlsAccount& nls) {
     if (auto it = m_accounts.find(name.toLower()); it != m_accounts.end()) {
         it->nls = nls;
+        it->passwordHash.reset();
         save();
     }
 }

@@ -38,6 +38,8 @@ public:
     static AccountRecord fromPassword(const QString& name, const QString& password,
                                       const QString& email);
 
+    // A new password by one system leaves the account to that system alone: the other's
+    // secret would still be the old password's.
     void setPasswordHash(const QString& name, const logon::Digest& hash);
     void setNls(const QString& name, const logon::NlsAccount& nls);
     void setEmail(const QString& name, const QString& email);

@@ -95,7 +95,8 @@ bool ChatHub::join(ChatUser& user, const QString& channel, JoinMode mode) {
     ChannelRoom* target = room(name);
     const Product* product = nullptr;
     const ChannelRoom::Kind kind = kindOf(name, product);
-    if (!target && mode == JoinMode::NoCreate) {
+    // Product channels and The Void always exist; others only while someone is in them.
+    if (!target && mode == JoinMode::NoCreate && kind == ChannelRoom::Kind::Private) {
         send(user, event::ChannelMissing, nullptr, name);
         return false;
     }

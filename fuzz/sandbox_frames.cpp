@@ -5,6 +5,7 @@
 #include "logon/ProductKey.h"
 #include "sandbox/BncsSession.h"
 #include "sandbox/BnlsSession.h"
+#include "sandbox/Products.h"
 #include "sandbox/Resident.h"
 #include "sandbox/SandboxContext.h"
 #include "session/PacketWriter.h"

@@ -256,7 +256,8 @@ TEST(SandboxChat, ScriptPlaysServerEvents) {
     EXPECT_EQ(error, "line 1: wait takes milliseconds");
     EXPECT_FALSE(script.load("# intro\n\nfrobnicate x", error));
     EXPECT_EQ(error, "line 3: unknown command frobnicate");
-    EXPECT_FALSE(script.load("frame anna 0x00 zz", error));
+    EXPECT_FALSE(script.load("frame anna 0x00 0z", error));
+    EXPECT_EQ(error, "line 1: frame TARGET ID HEX");
     ASSERT_TRUE(script.load("waitfor channel \"The Lobby\" anna\n"
                             "user Ghost W3XP 0 120\n"
                             "join Ghost The Lobby\n"
@@ -265,6 +266,7 @@ TEST(SandboxChat, ScriptPlaysServerEvents) {
                             "flags anna 2\n"
                             "info * server notice\n"
                             "frame anna 0x00\n"
+                            "frame anna 0x4c 6e 65 77 00\n"
                             "wait 10\n"
                             "event anna 6 0 0 - global notice\n"
                             "leave Ghost\n",
@@ -283,6 +285,7 @@ TEST(SandboxChat, ScriptPlaysServerEvents) {
     EXPECT_EQ(anna.nextEvent(eventOf(9, "anna"))->flags, 2u);
     EXPECT_TRUE(anna.nextEvent(textOf(18, "server notice")));
     EXPECT_TRUE(anna.next(0x00));
+    EXPECT_EQ(anna.next(0x4C)->payload, QByteArray("new", 4));
     EXPECT_TRUE(anna.nextEvent(textOf(6, "global notice")));
     EXPECT_TRUE(anna.nextEvent(eventOf(3, "Ghost")));
     EXPECT_TRUE(script.finished());

@@ -272,80 +272,80 @@ bool BncsLogon::newCreate(PacketReader& r) {
     return true;
 }
 
-quint32 BncsLogon::startProof(PacketReader& r, std::optional<logon::NlsServerSession>& session) {
+// 0x53 and 0x55 alike: the client's key and account in, the salt and the server's key out,
+// for a logon or for a password change.
+bool BncsLogon::challenge(quint8 id, PacketReader& r,
+                          std::optional<logon::NlsServerSession>& session) {
+    if (!newSystemAllowed()) return false;
     const auto clientKey = readArray<32>(r);
     const QString name = r.ReadSTRING();
     const AccountRecord* account = m_context.store.find(name);
     session.reset();
-    if (!account) return 1;
-    if (!account->nls) return 5; // an old-system account must be upgraded first
-    session = logon::NlsServerSession::start(ansi(name), *account->nls, clientKey);
-    if (!session) return 6;
-    m_proofAccount = account->name;
-    return 0;
+    quint32 status = 0;
+    if (!account)
+        status = 1;
+    else if (!account->nls)
+        status = 5; // an old-system account must be upgraded first
+    else if (!(session = logon::NlsServerSession::start(ansi(name), *account->nls, clientKey)))
+        status = 6;
+    PacketWriter w;
+    w.WriteDWORD(status);
+    if (session) {
+        m_proofAccount = account->name;
+        w.WriteVOID(raw(session->salt()));
+        w.WriteVOID(raw(session->serverKey()));
+    }
+    m_reply(id, w.payload());
+    return true;
+}
+
+// 0x54 and 0x56 alike: a status, then the server's proof or nothing.
+void BncsLogon::proofReply(quint8 id, quint32 status, const logon::Digest* serverProof,
+                           bool withText) {
+    PacketWriter w;
+    w.WriteDWORD(status);
+    w.WriteVOID(serverProof ? raw(*serverProof) : QByteArray(20, '\0'));
+    if (withText) w.WriteSTRING(QString());
+    m_reply(id, w.payload());
 }
 
 bool BncsLogon::newLogon(PacketReader& r) {
-    if (!newSystemAllowed()) return false;
-    const quint32 status = startProof(r, m_logonProof);
-    PacketWriter w;
-    w.WriteDWORD(status);
-    if (status == 0) {
-        w.WriteVOID(raw(m_logonProof->salt()));
-        w.WriteVOID(raw(m_logonProof->serverKey()));
-    }
-    m_reply(0x53, w.payload());
-    return true;
+    return challenge(0x53, r, m_logonProof);
 }
 
 bool BncsLogon::newProof(PacketReader& r) {
     if (!newSystemAllowed() || !m_logonProof) return false;
     const auto proof = readArray<20>(r);
-    const bool accepted = m_logonProof->checkClientProof(proof);
     const AccountRecord* account = m_context.store.find(m_proofAccount);
-    PacketWriter w;
-    if (accepted && account) {
-        w.WriteDWORD(account->email.isEmpty() ? 0x0E : 0);
-        w.WriteVOID(raw(m_logonProof->serverProof()));
-    } else {
-        w.WriteDWORD(2);
-        w.WriteVOID(QByteArray(20, '\0'));
-    }
-    w.WriteSTRING(QString());
+    const auto session = std::move(m_logonProof);
     m_logonProof.reset();
-    m_reply(0x54, w.payload());
-    if (accepted && account) loggedOn(account->name);
+    if (!account || !session->checkClientProof(proof)) {
+        proofReply(0x54, 2, nullptr, true);
+        return true;
+    }
+    const logon::Digest serverProof = session->serverProof();
+    proofReply(0x54, account->email.isEmpty() ? 0x0E : 0, &serverProof, true);
+    loggedOn(account->name);
     return true;
 }
 
 bool BncsLogon::newChangePassword(PacketReader& r) {
-    if (!newSystemAllowed()) return false;
-    const quint32 status = startProof(r, m_changeProof);
-    PacketWriter w;
-    w.WriteDWORD(status);
-    if (status == 0) {
-        w.WriteVOID(raw(m_changeProof->salt()));
-        w.WriteVOID(raw(m_changeProof->serverKey()));
-    }
-    m_reply(0x55, w.payload());
-    return true;
+    return challenge(0x55, r, m_changeProof);
 }
 
 bool BncsLogon::newChangeProof(PacketReader& r) {
     if (!newSystemAllowed() || !m_changeProof) return false;
     const auto proof = readArray<84>(r);
-    const auto changed = m_changeProof->acceptPasswordChange(proof);
-    PacketWriter w;
-    if (changed) {
-        m_context.store.setNls(m_proofAccount, *changed);
-        w.WriteDWORD(0);
-        w.WriteVOID(raw(m_changeProof->serverProof()));
-    } else {
-        w.WriteDWORD(2);
-        w.WriteVOID(QByteArray(20, '\0'));
-    }
+    const auto session = std::move(m_changeProof);
     m_changeProof.reset();
-    m_reply(0x56, w.payload());
+    const auto changed = session->acceptPasswordChange(proof);
+    if (!changed) {
+        proofReply(0x56, 2, nullptr, false);
+        return true;
+    }
+    m_context.store.setNls(m_proofAccount, *changed);
+    const logon::Digest serverProof = session->serverProof();
+    proofReply(0x56, 0, &serverProof, false);
     return true;
 }
 

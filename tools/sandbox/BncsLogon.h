@@ -46,17 +46,14 @@ public:
     bool changeEmail(PacketReader& r);
     bool forgotPassword(PacketReader& r);
 
-    // The server token this connection was given.
-    quint32 serverToken() const { return m_serverToken; }
-
 private:
     bool oldSystemAllowed() const;
     bool newSystemAllowed() const;
     quint32 checkVersion(quint32 version, quint32 checksum);
     quint32 checkKeys(PacketReader& r, quint32 clientToken, QString& owner);
     void loggedOn(const QString& account);
-    // Starts a proof exchange for a logon or password change: the status of the answer.
-    quint32 startProof(PacketReader& r, std::optional<logon::NlsServerSession>& session);
+    bool challenge(quint8 id, PacketReader& r, std::optional<logon::NlsServerSession>& session);
+    void proofReply(quint8 id, quint32 status, const logon::Digest* serverProof, bool withText);
 
     SandboxContext& m_context;
     Reply m_reply;

@@ -109,25 +109,13 @@ public:
     }
 
     void away(Line& l) {
-        const QString message = l.rest.trimmed();
-        if (user.away && message.isEmpty()) {
-            user.away = false;
-            return hub.info(user, QStringLiteral("You are no longer marked as away."));
-        }
-        user.away = true;
-        user.awayMessage = message.isEmpty() ? QStringLiteral("Not available") : message;
-        hub.info(user, QStringLiteral("You are now marked as being away."));
+        mark(l, user.away, user.awayMessage, QStringLiteral("You are now marked as being away."),
+             QStringLiteral("You are no longer marked as away."));
     }
 
     void dnd(Line& l) {
-        const QString message = l.rest.trimmed();
-        if (user.dnd && message.isEmpty()) {
-            user.dnd = false;
-            return hub.info(user, QStringLiteral("Do Not Disturb mode cancelled."));
-        }
-        user.dnd = true;
-        user.dndMessage = message.isEmpty() ? QStringLiteral("Not available") : message;
-        hub.info(user, QStringLiteral("Do Not Disturb mode engaged."));
+        mark(l, user.dnd, user.dndMessage, QStringLiteral("Do Not Disturb mode engaged."),
+             QStringLiteral("Do Not Disturb mode cancelled."));
     }
 
     void help(Line&) {
@@ -173,6 +161,19 @@ private:
             return nullptr;
         }
         return target;
+    }
+
+    // /away and /dnd: with a message, or without while clear, the mark is set; without a
+    // message while set, it is cleared.
+    void mark(Line& l, bool& set, QString& message, const QString& on, const QString& off) {
+        const QString given = l.rest.trimmed();
+        if (set && given.isEmpty()) {
+            set = false;
+            return hub.info(user, off);
+        }
+        set = true;
+        message = given.isEmpty() ? QStringLiteral("Not available") : given;
+        hub.info(user, on);
     }
 
     void tellChannel(const QString& text) {

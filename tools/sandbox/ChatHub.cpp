@@ -73,11 +73,9 @@ ChannelRoom* ChatHub::room(const QString& name) const {
 ChannelRoom::Kind ChatHub::kindOf(const QString& channel, const Product*& product) const {
     product = nullptr;
     if (channel.compare(voidName(), Qt::CaseInsensitive) == 0) return ChannelRoom::Kind::Void;
-    int count = 0;
-    const Product* const* products = allProducts(count);
-    for (int i = 0; i < count; ++i) {
-        if (channel.compare(QLatin1String(products[i]->homeChannel), Qt::CaseInsensitive) == 0) {
-            product = products[i];
+    for (const Product* p : allProducts()) {
+        if (channel.compare(QLatin1String(p->homeChannel), Qt::CaseInsensitive) == 0) {
+            product = p;
             return ChannelRoom::Kind::Product;
         }
     }
@@ -92,9 +90,13 @@ bool ChatHub::join(ChatUser& user, const QString& channel, JoinMode mode) {
         error(user, QStringLiteral("What channel do you want to join?"));
         return false;
     }
-    ChannelRoom* target = room(name);
     const Product* product = nullptr;
     const ChannelRoom::Kind kind = kindOf(name, product);
+    if (kind == ChannelRoom::Kind::Void)
+        name = voidName();
+    else if (product)
+        name = QString::fromLatin1(product->homeChannel);
+    ChannelRoom* target = room(name);
     // Product channels and The Void always exist; others only while someone is in them.
     if (!target && mode == JoinMode::NoCreate && kind == ChannelRoom::Kind::Private) {
         send(user, event::ChannelMissing, nullptr, name);

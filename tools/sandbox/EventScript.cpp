@@ -7,26 +7,29 @@
 #include "sandbox/Resident.h"
 
 #include <QFile>
-#include <cctype>
 
 namespace sandbox {
 namespace {
 
-// Each command: how many words it takes before its text, at least and at most, and whether
-// a text must follow.
+enum class Text { None, Optional, Required };
+
+// Each command: how many words it takes before its text, at least and at most, and the text.
 struct Shape {
     int least;
     int most;
-    bool text;
+    Text text;
 };
 
 const std::map<QString, Shape>& shapes() {
     static const std::map<QString, Shape> table{
-        {"wait", {1, 1, false}},     {"waitfor", {1, 3, false}}, {"user", {1, 4, false}},
-        {"join", {1, 1, true}},      {"leave", {1, 1, false}},   {"talk", {1, 1, true}},
-        {"emote", {1, 1, true}},     {"whisper", {2, 2, true}},  {"flags", {2, 2, false}},
-        {"broadcast", {0, 0, true}}, {"info", {1, 1, true}},     {"error", {1, 1, true}},
-        {"event", {5, 5, false}},    {"frame", {2, 2, false}},   {"disconnect", {1, 1, false}},
+        {"wait", {1, 1, Text::None}},       {"waitfor", {1, 3, Text::None}},
+        {"user", {1, 4, Text::None}},       {"join", {1, 1, Text::Required}},
+        {"leave", {1, 1, Text::None}},      {"talk", {1, 1, Text::Required}},
+        {"emote", {1, 1, Text::Required}},  {"whisper", {2, 2, Text::Required}},
+        {"flags", {2, 2, Text::None}},      {"broadcast", {0, 0, Text::Required}},
+        {"info", {1, 1, Text::Required}},   {"error", {1, 1, Text::Required}},
+        {"event", {5, 5, Text::Optional}},  {"frame", {2, 2, Text::Optional}},
+        {"disconnect", {1, 1, Text::None}},
     };
     return table;
 }
@@ -34,8 +37,10 @@ const std::map<QString, Shape>& shapes() {
 bool isHex(const QString& text) {
     QString digits = text;
     digits.remove(QLatin1Char(' '));
-    return digits.size() % 2 == 0 && std::all_of(digits.begin(), digits.end(),
-                                                 [](QChar c) { return isxdigit(c.toLatin1()); });
+    return digits.size() % 2 == 0 && std::all_of(digits.begin(), digits.end(), [](QChar c) {
+               const QChar lower = c.toLower();
+               return c.isDigit() || (lower >= QLatin1Char('a') && lower <= QLatin1Char('f'));
+           });
 }
 
 bool isNumber(const QString& word) {
@@ -130,9 +135,9 @@ bool EventScript::load(const QString& text, QString& error) {
         const int given = int(line.words.size()) - 1;
         if (given < shape->second.least)
             return fail(QStringLiteral("%1 needs more words").arg(command));
-        if (shape->second.text && line.rest.isEmpty())
+        if (shape->second.text == Text::Required && line.rest.isEmpty())
             return fail(QStringLiteral("%1 needs a text").arg(command));
-        if (!shape->second.text && !line.rest.isEmpty() && command != QLatin1String("event"))
+        if (shape->second.text == Text::None && !line.rest.isEmpty())
             return fail(QStringLiteral("too many words for %1").arg(command));
         const QStringList& w = line.words;
         if (command == QLatin1String("wait") && !isNumber(w[1]))
@@ -238,11 +243,17 @@ void EventScript::run(const Line& line) {
         }
         return;
     }
+    if (command == QLatin1String("leave")) {
+        // Only a scripted user: a client taken out of chat behind its session's back would
+        // be left talking to nobody.
+        const auto scripted = m_users.find(w[1].toLower());
+        if (scripted == m_users.end())
+            return report(line, QStringLiteral("%1 is not a scripted user").arg(w[1]));
+        return m_hub.exit(*scripted->second);
+    }
     ChatUser* user = target(line, w[1]);
     if (!user) return;
-    if (command == QLatin1String("leave"))
-        m_hub.exit(*user);
-    else if (command == QLatin1String("talk"))
+    if (command == QLatin1String("talk"))
         m_hub.talk(*user, line.rest);
     else if (command == QLatin1String("emote"))
         m_hub.emote(*user, line.rest);

@@ -44,9 +44,8 @@ const Product* findBnlsProduct(quint32 id) {
     return nullptr;
 }
 
-const Product* const* allProducts(int& count) {
-    count = int(kProducts.size());
-    return kProducts.data();
+std::span<const Product* const> allProducts() {
+    return kProducts;
 }
 
 QByteArray defaultStatstring(const Product& product) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <span>
 
 namespace sandbox {
 
@@ -22,7 +23,7 @@ const Product* findProduct(const QString& code);
 // By the number BNLS uses for it.
 const Product* findBnlsProduct(quint32 id);
 // The seven products, in their customary order.
-const Product* const* allProducts(int& count);
+std::span<const Product* const> allProducts();
 
 // The statstring a freshly logged-on client of this product shows in chat.
 QByteArray defaultStatstring(const Product& product);

@@ -107,8 +107,7 @@ ResidentCrowd::ResidentCrowd(ChatHub& hub, int count, double rate, const QString
                              quint32 seed, QObject* parent)
     : QObject(parent), m_hub(hub), m_rate(rate), m_channel(channel),
       m_random(seed ? QRandomGenerator(seed) : QRandomGenerator::securelySeeded()) {
-    int productCount = 0;
-    const Product* const* products = allProducts(productCount);
+    const auto products = allProducts();
     QSet<QString> taken;
     for (int i = 0; i < count; ++i) {
         auto r = std::make_unique<Resident>(
@@ -121,7 +120,7 @@ ResidentCrowd::ResidentCrowd(ChatHub& hub, int count, double rate, const QString
             name = name.left(11) + QString::number(m_random.bounded(1000));
         taken.insert(name.toLower());
         r->account = name;
-        r->product = products[m_random.bounded(productCount)];
+        r->product = products[m_random.bounded(int(products.size()))];
         if (r->product->starNames()) r->character = QLatin1String(pick(m_random, kCharacters));
         r->statstring = statstringFor(m_random, *r->product, r->character);
         r->ping = quint32(15 + m_random.bounded(400));

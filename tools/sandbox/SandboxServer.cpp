@@ -48,26 +48,29 @@ quint16 SandboxServer::bnlsPort() const {
     return m_bnls->serverPort();
 }
 
-void SandboxServer::acceptBncs() {
-    while (QTcpSocket* socket = m_bncs->nextPendingConnection()) {
+namespace {
+
+// Every waiting client of a listener gets a connection with a session of the kind given.
+template <typename Session>
+void acceptAll(QTcpServer* listener, SandboxContext& context, QObject* owner) {
+    while (QTcpSocket* socket = listener->nextPendingConnection()) {
         new PeerConnection(
             socket,
-            [this](WireLink link) {
-                return std::make_unique<BncsSession>(m_context, std::move(link));
+            [&context](WireLink link) {
+                return std::make_unique<Session>(context, std::move(link));
             },
-            this);
+            owner);
     }
 }
 
+} // namespace
+
+void SandboxServer::acceptBncs() {
+    acceptAll<BncsSession>(m_bncs, m_context, this);
+}
+
 void SandboxServer::acceptBnls() {
-    while (QTcpSocket* socket = m_bnls->nextPendingConnection()) {
-        new PeerConnection(
-            socket,
-            [this](WireLink link) {
-                return std::make_unique<BnlsSession>(m_context, std::move(link));
-            },
-            this);
-    }
+    acceptAll<BnlsSession>(m_bnls, m_context, this);
 }
 
 } // namespace sandbox

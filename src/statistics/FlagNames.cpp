@@ -43,7 +43,7 @@ constexpr std::array<Flag, 7> kChannelFlags{{
 }};
 
 QString readOverride(const char* section, const QString& key, const char* defaultName) {
-    return ReadIni(OverridesFile(), QLatin1String(section), key, QLatin1String(defaultName));
+    return ReadOverride(QLatin1String(section), key, QLatin1String(defaultName));
 }
 
 // The row of the ping tables: 0 spoofed or clear, 1 to 5 the bands of a
@@ -60,6 +60,12 @@ int pingBand(qint32 ping) {
 
 QString OverridesFile() {
     return GetSettingsPath() + QStringLiteral("Overrides.ini");
+}
+
+QString ReadOverride(const QString& section, const QString& key, const QString& defaultName) {
+    bool found = false;
+    const QString name = ReadIni(OverridesFile(), section, key, defaultName, &found);
+    return found ? name : defaultName;
 }
 
 QString GetUserFlagNames(quint32 Flags) {

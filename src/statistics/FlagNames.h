@@ -8,6 +8,8 @@
 
 // The settings folder's Overrides.ini.
 QString OverridesFile();
+// A name from Overrides.ini; the default when the file or the key is missing.
+QString ReadOverride(const QString& section, const QString& key, const QString& defaultName);
 
 // The names of the set user flags, joined by " + "; "Normal" for 0.
 QString GetUserFlagNames(quint32 Flags);

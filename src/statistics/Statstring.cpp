@@ -156,10 +156,10 @@ constexpr std::array<const char*, 7> kD2Classes{"amazon",    "sorceress", "necro
 QString GetProductName(const QString& Code) {
     for (const Product& p : kProducts) {
         if (Code == QLatin1String(p.code))
-            return ReadIni(OverridesFile(), QStringLiteral("Client"), Code, QLatin1String(p.name));
+            return ReadOverride(QStringLiteral("Client"), Code, QLatin1String(p.name));
     }
-    return ReadIni(OverridesFile(), QStringLiteral("Client"), QStringLiteral("UNKNOWN"),
-                   QStringLiteral("Unknown Client")) +
+    return ReadOverride(QStringLiteral("Client"), QStringLiteral("UNKNOWN"),
+                        QStringLiteral("Unknown Client")) +
            QStringLiteral(" \"") + Code + u'"';
 }
 

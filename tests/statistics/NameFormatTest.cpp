@@ -1,5 +1,6 @@
-#include "common/SlotFixture.h"
 #include "statistics/NameFormat.h"
+
+#include "common/SlotFixture.h"
 #include "statistics/UserNames.h"
 
 #include <gtest/gtest.h>

@@ -11,6 +11,21 @@
 
 namespace {
 
+ChatWriteBatch* g_batch = nullptr;
+
+// The writer's settings: from the batch in force, else from the store.
+bool locked() {
+    return g_batch ? g_batch->Locked() : SettingsWrapper::instance().Locked();
+}
+
+bool timeStampOn() {
+    return g_batch ? g_batch->TimeStamp() : SettingsWrapper::instance().TimeStamp();
+}
+
+qint32 colorDisp() {
+    return g_batch ? g_batch->ColorDisp() : SettingsWrapper::instance().ColorDisp();
+}
+
 bool holdsEscape(const QString& text) {
     return text.contains(QChar(0xFF)) || text.contains(QChar(0xC1));
 }
@@ -172,7 +187,7 @@ void runPasses(ChatDocument& view, bool apply) {
 
 // What the setting ColorDisp asks for escapes that a write brought.
 void finishEscapes(ChatDocument& view) {
-    switch (SettingsWrapper::instance().ColorDisp()) {
+    switch (colorDisp()) {
     case 0:
         ApplyColorCodes(view);
         break;
@@ -188,7 +203,7 @@ void finishEscapes(ChatDocument& view) {
 // whether the timestamp held the lead character of an escape.
 bool startLine(ChatDocument& view, int index) {
     if (view.length() >= kChatViewLimit) view.clear();
-    if (index == 0 || !SettingsWrapper::instance().TimeStamp()) return false;
+    if (index == 0 || !timeStampOn()) return false;
     CharFormat format;
     format.color = DisplayColor(CurrentTheme().status.Time);
     const QString stamp = FormatTimestamp();
@@ -199,7 +214,7 @@ bool startLine(ChatDocument& view, int index) {
 } // namespace
 
 void WriteChat(int slot, const ColorLine& line) {
-    if (SettingsWrapper::instance().Locked()) return;
+    if (locked()) return;
     SlotTable& table = SlotTable::instance();
     if (slot < 0 || slot > table.highestIndex()) return;
     ChatDocument& view = table.chat(slot);
@@ -209,12 +224,12 @@ void WriteChat(int slot, const ColorLine& line) {
 }
 
 void WriteChatView(ChatDocument& view, const ColorLine& line) {
-    if (SettingsWrapper::instance().Locked()) return;
+    if (locked()) return;
     if (writeParts(view, line, false)) finishEscapes(view);
 }
 
 void WriteTimestamp(ChatDocument& view) {
-    if (SettingsWrapper::instance().Locked()) return;
+    if (locked()) return;
     if (startLine(view, viewIndex(view))) finishEscapes(view);
 }
 
@@ -273,6 +288,29 @@ quint32 StatusColor(Status status) {
 
 void WriteChat(int slot, Status status, const QString& text) {
     WriteChat(slot, {{StatusColor(status), text}});
+}
+
+ChatWriteBatch::ChatWriteBatch() : m_outer(g_batch) {
+    g_batch = this;
+}
+
+ChatWriteBatch::~ChatWriteBatch() {
+    g_batch = m_outer;
+}
+
+bool ChatWriteBatch::Locked() {
+    if (!m_locked) m_locked = SettingsWrapper::instance().Locked();
+    return *m_locked;
+}
+
+bool ChatWriteBatch::TimeStamp() {
+    if (!m_timeStamp) m_timeStamp = SettingsWrapper::instance().TimeStamp();
+    return *m_timeStamp;
+}
+
+qint32 ChatWriteBatch::ColorDisp() {
+    if (!m_colorDisp) m_colorDisp = SettingsWrapper::instance().ColorDisp();
+    return *m_colorDisp;
 }
 
 void ReportError(const QString& procedure, const QString& description, const QString& vars) {

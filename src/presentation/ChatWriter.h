@@ -3,6 +3,7 @@
 #include <QString>
 #include <QTime>
 #include <initializer_list>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -45,6 +46,26 @@ QString FormatLongTime(const QTime& time);
 void ApplyColorCodes(ChatDocument& view);
 // The same passes, removing the escapes and changing nothing else.
 void StripColorCodes(ChatDocument& view);
+
+// While one lives, the writes read the settings Locked, TimeStamp and ColorDisp
+// at most once: for the several writes that print one event.
+class ChatWriteBatch {
+public:
+    ChatWriteBatch();
+    ~ChatWriteBatch();
+    ChatWriteBatch(const ChatWriteBatch&) = delete;
+    ChatWriteBatch& operator=(const ChatWriteBatch&) = delete;
+
+    bool Locked();
+    bool TimeStamp();
+    qint32 ColorDisp();
+
+private:
+    ChatWriteBatch* m_outer;
+    std::optional<bool> m_locked;
+    std::optional<bool> m_timeStamp;
+    std::optional<qint32> m_colorDisp;
+};
 
 // A red line, in the slot on screen, about a failure that a routine caught.
 void ReportError(const QString& procedure, const QString& description, const QString& vars);

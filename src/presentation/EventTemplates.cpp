@@ -25,6 +25,7 @@ public:
           m_channel(channel), m_channelFlags(channelFlags) {}
 
     void replaceIn(QString& text) {
+        if (!text.contains(u'%')) return;
         replace(text, Sp, u"%sp", [] { return QStringLiteral(" "); });
         replace(text, User, u"%user", [this] { return m_user; });
         replace(text, Group, u"%group", [this] { return group(); });
@@ -104,6 +105,7 @@ void ParseOutput(int slot, ChatDocument& view, const QString& Template, const QS
                  const QString& message, const QString& statstring, qint32 ping, qint32 flags,
                  const QString& channel, qint32 channelFlags) {
     if (Template.isEmpty()) return;
+    ChatWriteBatch batch;
     try {
         QString marked = Template;
         marked.replace(QLatin1String("#user"), QLatin1String("#A"));

@@ -59,7 +59,7 @@ int pingBand(qint32 ping) {
 } // namespace
 
 QString OverridesFile() {
-    return GetSettingsPath() + QStringLiteral("Overrides.ini");
+    return SettingsFilePath(QStringLiteral("Overrides.ini"));
 }
 
 QString ReadOverride(const QString& section, const QString& key, const QString& defaultName) {

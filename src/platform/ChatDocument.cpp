@@ -68,7 +68,8 @@ QString ChatDocument::text() const {
 
 QString ChatDocument::textFrom(int from) const {
     QString out;
-    if (from >= m_length) return out;
+    if (from >= m_length)
+        return out;
     out.reserve(m_length - std::max(0, from));
     auto [index, start] = locate(std::max(0, from));
     for (size_t i = index; i < m_runs.size(); ++i) {
@@ -82,7 +83,8 @@ QString ChatDocument::textFrom(int from) const {
 }
 
 void ChatDocument::append(QStringView text, const CharFormat& format) {
-    if (text.isEmpty()) return;
+    if (text.isEmpty())
+        return;
     const int from = m_length;
     // A "\u00FF" that ended the text before may now lead an escape.
     if (from > 0 && m_runs.back().text.back() == QChar(kDiabloLead) && isDiabloCode(text[0]))
@@ -106,7 +108,8 @@ void ChatDocument::clear() {
 void ChatDocument::remove(int from, int count) {
     from = std::max(0, from);
     const int to = std::min(m_length, from + count);
-    if (from >= to) return;
+    if (from >= to)
+        return;
     const size_t first = splitAt(from);
     const size_t last = splitAt(to);
     m_runs.erase(m_runs.begin() + first, m_runs.begin() + last);
@@ -127,15 +130,18 @@ std::pair<size_t, int> ChatDocument::locate(int pos) const {
     int start = m_length;
     for (size_t i = m_runs.size(); i-- > 0;) {
         start -= int(m_runs[i].text.size());
-        if (pos >= start) return {i, start};
+        if (pos >= start)
+            return {i, start};
     }
     return {m_runs.size(), m_length};
 }
 
 size_t ChatDocument::splitAt(int pos) {
-    if (pos >= m_length) return m_runs.size();
+    if (pos >= m_length)
+        return m_runs.size();
     auto [index, start] = locate(pos);
-    if (pos == start) return index;
+    if (pos == start)
+        return index;
     TextRun tail{m_runs[index].text.mid(pos - start), m_runs[index].format};
     m_runs[index].text.truncate(pos - start);
     m_runs.insert(m_runs.begin() + index + 1, std::move(tail));

@@ -93,7 +93,8 @@ private:
 template <typename Change> void ChatDocument::restyle(int from, int to, Change change) {
     from = std::max(0, from);
     to = std::min(to, m_length);
-    if (from >= to) return;
+    if (from >= to)
+        return;
     const size_t first = splitAt(from);
     const size_t last = splitAt(to);
     for (size_t i = first; i < last; ++i)

@@ -26,7 +26,8 @@ QString FormatUptime(qint64 ms) {
 }
 
 QString FormatSeconds(qint64& seconds) {
-    if (seconds == 0) return QStringLiteral("Unavailable");
+    if (seconds == 0)
+        return QStringLiteral("Unavailable");
     const qint64 days = seconds / 86400;
     seconds -= days * 86400;
     const qint64 hours = seconds / 3600;
@@ -56,18 +57,21 @@ QString FormatSystemTime(const QDateTime& t) {
 }
 
 QString DecodeUTF8(const QString& text) {
-    if (text.isEmpty()) return text;
+    if (text.isEmpty())
+        return text;
     const QByteArray bytes = cp1252::encode(text);
     QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
     const QString decoded = utf8.decode(bytes);
-    if (utf8.hasError()) return text;
+    if (utf8.hasError())
+        return text;
     return decoded;
 }
 
 QString HexDump(const QByteArray& bytes) {
     QString out;
     for (qsizetype line = 0; line < bytes.size(); line += 16) {
-        if (line > 0) out += QLatin1String("\r\n");
+        if (line > 0)
+            out += QLatin1String("\r\n");
         QString hex;
         QString chars;
         for (qsizetype i = line; i < line + 16; ++i) {
@@ -88,7 +92,8 @@ QString HexDump(const QByteArray& bytes) {
 QString SafeFileName(const QString& text) {
     QString out = text;
     for (QChar& c : out) {
-        if (QStringView(u"/\\?:\"*<>|").contains(c)) c = u'_';
+        if (QStringView(u"/\\?:\"*<>|").contains(c))
+            c = u'_';
     }
     return out;
 }

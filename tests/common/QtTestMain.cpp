@@ -1,8 +1,9 @@
 #include "config/Folders.h"
 
+#include <gtest/gtest.h>
+
 #include <QCoreApplication>
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
 
 // Every core test runs with an application object, as sockets and queued
 // calls need one, and with a home folder of its own, so that no test reads or

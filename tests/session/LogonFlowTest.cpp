@@ -82,8 +82,8 @@ TEST_F(LogonFlowTest, StarcraftGoesThroughBnlsAndTheOldLogonIntoChat) {
 
     // Challenge: logon type, server token, archive time, name and formula.
     serverSends(i, 0x50,
-                dword(0) + dword(0x1234) + QByteArray(8, '\x07') + dword(0) + text("IX86ver1.mpq") +
-                    text("A=1 B=2 C=3 4 A=A+S B=B-C C=C^A A=A^B"));
+                dword(0) + dword(0x1234) + QByteArray(8, '\x07') + dword(0) +
+                    text("IX86ver1.mpq") + text("A=1 B=2 C=3 4 A=A+S B=B-C C=C^A A=A^B"));
     ASSERT_EQ(frameIds(wsBNLS(i), true), (std::vector<int>{0x1A}));
     PacketReader bnls;
     bnls.HandleBuffer(wsBNLS(i).sent[0]);
@@ -152,8 +152,7 @@ TEST_F(LogonFlowTest, AFailedBnlsCheckStaysAtTheHeadOfTheStream) {
     const int i = loadProfile(QStringLiteral("STAR"), false);
     SlotTable::instance().ConnectBot(i);
     wsBNLS(i).simulateConnected();
-    wsBNLS(i).simulateData(
-        PacketWriter::frameBNLS(0x1A, dword(0) + dword(0) + dword(0) + text("")));
+    wsBNLS(i).simulateData(PacketWriter::frameBNLS(0x1A, dword(0) + dword(0) + dword(0) + text("")));
     EXPECT_EQ(chat(i).count(QStringLiteral("[BNLS] Version check failed.")), 1);
     wsBNLS(i).simulateData(QByteArray());
     EXPECT_EQ(chat(i).count(QStringLiteral("[BNLS] Version check failed.")), 2);
@@ -226,9 +225,8 @@ TEST_F(LogonFlowTest, MissingSettingsAreAllNamedAndNoSocketOpens) {
     wsBNET(i).setDetached(true);
     SlotTable::instance().ConnectBot(i);
     for (const char* line :
-         {"[BNET] Cannot connect with a null account.",
-          "[BNET] Cannot connect with a null password.", "[BNET] Cannot connect with a null cdkey.",
-          "[BNET] Cannot connect with a null server.",
+         {"[BNET] Cannot connect with a null account.", "[BNET] Cannot connect with a null password.",
+          "[BNET] Cannot connect with a null cdkey.", "[BNET] Cannot connect with a null server.",
           "[BNET] Cannot connect with a null version byte."})
         EXPECT_TRUE(chat(i).contains(QString::fromLatin1(line))) << line;
     EXPECT_EQ(wsBNET(i).State(), SocketControl::Closed);

@@ -13,10 +13,7 @@ PacketReader readerOf(const QByteArray& bytes) {
 } // namespace
 
 TEST(PacketReader, ReadsLittleEndianFieldsAndMovesTheCursorByTheirWidth) {
-    PacketReader r = readerOf(QByteArray::fromHex("ff0a1000"
-                                                  "78563412"
-                                                  "3412"
-                                                  "07"));
+    PacketReader r = readerOf(QByteArray::fromHex("ff0a1000" "78563412" "3412" "07"));
     EXPECT_EQ(r.ReadBYTE(), 0xFF);
     EXPECT_EQ(r.ReadBYTE(), 0x0A);
     EXPECT_EQ(r.ReadWORD(), 0x0010);
@@ -28,9 +25,7 @@ TEST(PacketReader, ReadsLittleEndianFieldsAndMovesTheCursorByTheirWidth) {
 }
 
 TEST(PacketReader, AbsolutePositionsReadThereAndLeaveTheCursor) {
-    PacketReader r = readerOf(QByteArray("\x01\x02\x03\x04"
-                                         "abc\0def\0",
-                                         12));
+    PacketReader r = readerOf(QByteArray("\x01\x02\x03\x04" "abc\0def\0", 12));
     EXPECT_EQ(r.ReadBYTE(5), 'a');
     EXPECT_EQ(r.GetPosition(), 1);
     EXPECT_EQ(r.ReadBYTE(0), 0x01);
@@ -59,11 +54,8 @@ TEST(PacketReader, StringAtANulIsEmptyAndMovesOneByte) {
 }
 
 TEST(PacketReader, StringsAreWindows1252) {
-    PacketReader r = readerOf(QByteArray("\x80\xe9\xff"
-                                         "c\0",
-                                         5));
-    EXPECT_EQ(r.ReadSTRING(), QString::fromUtf8("\u20ac\u00e9\u00ff"
-                                                "c"));
+    PacketReader r = readerOf(QByteArray("\x80\xe9\xff" "c\0", 5));
+    EXPECT_EQ(r.ReadSTRING(), QString::fromUtf8("\u20ac\u00e9\u00ff" "c"));
 }
 
 TEST(PacketReader, VoidReturnsWhatIsLeftButMovesTheFullLength) {

@@ -1,6 +1,5 @@
-#include "session/PacketWriter.h"
-
 #include "common/SlotFixture.h"
+#include "session/PacketWriter.h"
 
 class PacketWriterTest : public SlotFixture {};
 
@@ -12,10 +11,7 @@ TEST_F(PacketWriterTest, FramesBncsAndBnlsWithTheirHeaders) {
     w.WriteWORD(7);
     w.SendPacket(i, 0x50);
     ASSERT_EQ(wsBNET(i).sent.size(), 1);
-    EXPECT_EQ(wsBNET(i).sent[0], QByteArray::fromHex("ff500f00"
-                                                     "04030201"
-                                                     "636166e900"
-                                                     "0700"));
+    EXPECT_EQ(wsBNET(i).sent[0], QByteArray::fromHex("ff500f00" "04030201" "636166e900" "0700"));
     EXPECT_TRUE(w.payload().isEmpty());
 
     w.WriteBYTE(9);
@@ -42,8 +38,7 @@ TEST_F(PacketWriterTest, ChatOnlyIdsAreDroppedOfflineAndLeaveNothingBehind) {
     Bots(i).setOnline(true);
     w.WriteSTRING(QStringLiteral("hi"));
     w.SendPacket(i, 0x0E);
-    EXPECT_EQ(wsBNET(i).sent.last(), QByteArray::fromHex("ff0e07006869"
-                                                         "00"));
+    EXPECT_EQ(wsBNET(i).sent.last(), QByteArray::fromHex("ff0e07006869" "00"));
 }
 
 TEST_F(PacketWriterTest, NothingGoesOutOnAClosedSocket) {

@@ -1,8 +1,8 @@
+#include "session/PacketWriter.h"
 #include "session/StreamCutter.h"
 
-#include "session/PacketWriter.h"
-
 #include <gtest/gtest.h>
+
 #include <vector>
 
 namespace {
@@ -22,7 +22,8 @@ public:
     streamcutter::Handlers handlers() {
         return {[this](PacketReader& r, quint8 id) {
                     frames.push_back({id, r.ReadRemains()});
-                    if (onFrame) onFrame(r, id);
+                    if (onFrame)
+                        onFrame(r, id);
                 },
                 [this](quint8 marker) { badMarkers.push_back(marker); },
                 [this](quint8 id, const char*) { malformed.push_back(id); }};
@@ -103,7 +104,8 @@ TEST(BncsCutter, ALengthBelowFourSticksTheStreamSilently) {
 TEST(BncsCutter, AHandlerThatReadsPastItsFrameDropsOnlyThatFrame) {
     BncsStream s;
     s.onFrame = [](PacketReader& r, quint8 id) {
-        if (id == 0x0F) r.ReadDWORD(), r.ReadDWORD();
+        if (id == 0x0F)
+            r.ReadDWORD(), r.ReadDWORD();
     };
     s.feed(bncs(0x0F, "abc") + bncs(0x25, "wxyz"));
     EXPECT_EQ(s.malformed, std::vector<quint8>{0x0F});
@@ -142,11 +144,8 @@ TEST(BncsCutter, AHandlerThatEmptiesTheStreamLosesNothingThatCameAfter) {
 TEST(BnlsCutter, CutsFramesWithTheLengthInFrontAndTheIdBehind) {
     StreamBuffer in;
     std::vector<Seen> frames;
-    streamcutter::Handlers h{[&](PacketReader& r, quint8 id) {
-                                 frames.push_back({id, r.ReadRemains()});
-                             },
-                             {},
-                             {}};
+    streamcutter::Handlers h{[&](PacketReader& r, quint8 id) { frames.push_back({id, r.ReadRemains()}); },
+                             {}, {}};
     const QByteArray a = PacketWriter::frameBNLS(0x1A, "\x01\x02");
     const QByteArray b = PacketWriter::frameBNLS(0x09, "\x03\x04\x05");
     in.append(a + b.left(4));

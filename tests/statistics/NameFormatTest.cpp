@@ -1,6 +1,5 @@
-#include "statistics/NameFormat.h"
-
 #include "common/SlotFixture.h"
+#include "statistics/NameFormat.h"
 #include "statistics/UserNames.h"
 
 #include <gtest/gtest.h>

@@ -5,8 +5,14 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 ./scripts/install-deps.sh >/dev/null
-CC=clang CXX=clang++ BUILD_DIR=build-fuzz ./scripts/build.sh -DCORVANTIDE_FUZZ=ON \
-    -DCORVANTIDE_TESTS=OFF -DCORVANTIDE_BENCH=OFF -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+log=$(mktemp)
+if ! CC=clang CXX=clang++ BUILD_DIR=build-fuzz ./scripts/build.sh -DCORVANTIDE_FUZZ=ON \
+    -DCORVANTIDE_TESTS=OFF -DCORVANTIDE_BENCH=OFF -DCMAKE_BUILD_TYPE=RelWithDebInfo >"$log" 2>&1; then
+    cat "$log"
+    echo "fuzz: the build failed" >&2
+    exit 1
+fi
+rm -f "$log"
 if [ $# -eq 0 ]; then
     ls build-fuzz/fuzz | grep '^fuzz_' | sed 's/^fuzz_//'
     exit 0

@@ -1,5 +1,6 @@
 #include "chat/BotElement.h"
 
+#include "config/SettingsWrapper.h"
 #include "platform/ChatDocument.h"
 #include "platform/ListModel.h"
 #include "platform/SocketControl.h"
@@ -91,6 +92,68 @@ void BotElement::ClearEvent() {
 void BotElement::removeEvent(int position) {
     if (position >= 1 && position < int(m_events.size()))
         m_events.erase(m_events.begin() + position);
+}
+
+namespace {
+
+// A burst of leave, rejoin and talk inside the delay is spam to be dropped
+// unseen. The marks span one run over all users, as they always have.
+bool isLeaveRejoinTalk(const std::vector<DelayedEvent>& events, quint32 delay) {
+    bool left = false;
+    bool rejoined = false;
+    int talk = 0;
+    for (size_t e = 1; e < events.size(); ++e) {
+        if (TicksSince(events[e].EventTime) <= delay)
+            continue;
+        for (size_t other = 1; other < events.size(); ++other) {
+            if (events[other].Username.compare(events[e].Username, Qt::CaseInsensitive) != 0)
+                continue;
+            switch (events[e].EventID) {
+            case 2:
+                if (left)
+                    rejoined = true;
+                break;
+            case 3:
+                left = true;
+                break;
+            case 5:
+                ++talk;
+                break;
+            default:
+                break;
+            }
+        }
+        if (left && rejoined && talk > 0)
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+void BotElement::ShowDelayedEvent(int Index) {
+    const quint32 delay = quint32(std::max(0, SettingsWrapper::instance().FloodMode()));
+    DelayCount();
+    if (isLeaveRejoinTalk(m_events, delay)) {
+        ClearEvent();
+        return;
+    }
+    // Handlers may queue lines but never touch this list; each due event
+    // leaves it once its handler is done, so a failure keeps the rest.
+    size_t e = 1;
+    while (e < m_events.size()) {
+        if (TicksSince(m_events[e].EventTime) <= delay) {
+            ++e;
+            continue;
+        }
+        const DelayedEvent event = m_events[e];
+        const QString message =
+            event.EventID == 6 ? QStringLiteral("[BNET] ") + event.Message : event.Message;
+        Connection.RunChatEvent(Index, event.EventID, event.Username, message, event.Flags,
+                                event.Ping);
+        if (e < m_events.size())
+            m_events.erase(m_events.begin() + qsizetype(e));
+    }
 }
 
 void BotElement::setOnline(bool online) {

@@ -77,6 +77,9 @@ public:
     void ClearEvent();
     DelayedEvent& delayedEvent(int position) { return m_events.at(size_t(position)); }
     void removeEvent(int position);
+    // Hands the due delayed events of this slot to their handlers, or throws
+    // the whole list away when it holds a leave, a rejoin and talk.
+    void ShowDelayedEvent(int Index);
 
     qint32 MyPing() const { return m_myPing; }
     void setMyPing(qint32 ping) { m_myPing = ping; }

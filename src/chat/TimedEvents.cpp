@@ -1,7 +1,51 @@
 #include "chat/TimedEvents.h"
 
+#include "chat/BotElement.h"
+#include "chat/SendQueue.h"
+#include "config/SettingsWrapper.h"
+#include "platform/SocketControl.h"
+#include "platform/TickCount.h"
+#include "presentation/ChatWriter.h"
+#include "presentation/TextFormat.h"
 #include "session/ConnectionWrapper.h"
+#include "session/MachineFacts.h"
+#include "session/PacketReader.h"
+#include "session/PacketWriter.h"
 #include "session/SlotTable.h"
+#include "statistics/UserNames.h"
+
+namespace {
+
+bool isConnected(int i) {
+    return wsBNET(i).State() == SocketControl::Connected;
+}
+
+QString programTitle() {
+    return QStringLiteral("Corvantide v") + Machine().versionText();
+}
+
+QString channelCounts(const BotElement& bot) {
+    int operators = 0;
+    int representatives = 0;
+    for (const UserElement& u : bot.Users) {
+        if (u.Flags & 0x01)
+            ++representatives;
+        else if (u.Flags & 0x02)
+            ++operators;
+    }
+    const QString ops = QString::number(operators);
+    const QString reps = QString::number(representatives);
+    if (operators && !representatives)
+        return QStringLiteral(" with ") + ops + QStringLiteral(" operators.");
+    if (operators && representatives)
+        return QStringLiteral(" with ") + ops + QStringLiteral(" operators and ") + reps +
+               QStringLiteral(" Blizzard representatives.");
+    if (representatives)
+        return QStringLiteral(" with ") + reps + QStringLiteral(" Blizzard representatives.");
+    return QStringLiteral(".");
+}
+
+} // namespace
 
 TimedEvents& TimedEvents::instance() {
     static TimedEvents timers;
@@ -9,20 +53,148 @@ TimedEvents& TimedEvents::instance() {
 }
 
 TimedEvents::TimedEvents() {
-    m_fast.setInterval(100);
-    connect(&m_fast, &QTimer::timeout, this, &TimedEvents::fastTick);
+    const auto wire = [this](QTimer& timer, int ms, auto slot) {
+        timer.setInterval(ms);
+        connect(&timer, &QTimer::timeout, this, slot);
+    };
+    wire(m_status, 500, &TimedEvents::statusTick);
+    wire(m_sendStep, 100, &TimedEvents::sendTick);
+    wire(m_minute, 60000, &TimedEvents::minuteTick);
+    wire(m_keepAlive, 40000, &TimedEvents::keepAliveTick);
+    wire(m_void, 12000, &TimedEvents::voidTick);
+    wire(m_delayed, 50, &TimedEvents::delayedEventsTick);
 }
 
 void TimedEvents::start() {
-    m_fast.start();
+    for (QTimer* t : {&m_status, &m_sendStep, &m_minute, &m_keepAlive, &m_void, &m_delayed})
+        t->start();
+    statusTick();
 }
 
 void TimedEvents::stop() {
-    m_fast.stop();
+    for (QTimer* t : {&m_status, &m_sendStep, &m_minute, &m_keepAlive, &m_void, &m_delayed})
+        t->stop();
 }
 
-void TimedEvents::fastTick() {
+void TimedEvents::statusTick() {
+    const int index = SlotTable::instance().CurrentIndex();
+    QString status;
+    QString caption;
+    QString connect = QStringLiteral("Connect");
+    if (index == 0) {
+        status = QStringLiteral(" Running under ") + Machine().OperatingSystem;
+        caption = programTitle() + QStringLiteral(" - Viewing bot console -");
+    } else if (Bots(index).Online()) {
+        const BotElement& bot = Bots(index);
+        status = QStringLiteral("Online in channel ") + bot.Channel() + channelCounts(bot);
+        connect = QStringLiteral("Reconnect");
+        caption = programTitle() + QStringLiteral(" - Viewing profile [") + bot.Profile() +
+                  QStringLiteral("]  in channel  [") + bot.Channel() + QStringLiteral("]");
+    } else {
+        status = QStringLiteral("Disconnected!");
+        caption = programTitle() + QStringLiteral(" - Viewing disconnected profile [") +
+                  Bots(index).Profile() + QStringLiteral("]");
+    }
+    if (status == m_statusLine && caption == m_caption && connect == m_connectLabel)
+        return;
+    m_statusLine = status;
+    m_caption = caption;
+    m_connectLabel = connect;
+    Q_EMIT statusChanged();
+}
+
+void TimedEvents::sendTick() {
     SlotTable& table = SlotTable::instance();
-    for (int i = 1; i <= table.highestIndex(); ++i)
-        ConnectionWrapper::Watchdog(i);
+    for (int i = 1; i <= table.highestIndex(); ++i) {
+        if (!isConnected(i))
+            continue;
+        if (Bots(i).IsLoaded && Bots(i).Online())
+            sendqueue::SendStep(i);
+        else
+            ConnectionWrapper::Watchdog(i);
+    }
+}
+
+QString TimedEvents::ExpandIdleMessage(int Index, const QString& message) {
+    const BotElement& bot = Bots(Index);
+    QString text = message;
+    text.replace(QLatin1String("$v"), programTitle());
+    text.replace(QLatin1String("$sysup"), FormatUptime(GetTickCount()));
+    text.replace(QLatin1String("$botup"), FormatUptime(TicksSince(Machine().StartTick)));
+    text.replace(QLatin1String("$os"), Machine().OperatingSystem);
+    text.replace(QLatin1String("$ch"), bot.Channel());
+    text.replace(QLatin1String("$me"), bot.UniqueAccount);
+    // "$mp3" is the media player's current song; it stays as typed until a
+    // player is attached.
+    return text;
+}
+
+void TimedEvents::minuteTick() {
+    SlotTable& table = SlotTable::instance();
+    if (++m_autoClearCount >= 30) {
+        if (SettingsWrapper::instance().AutoCQ()) {
+            for (int i = 1; i <= table.highestIndex(); ++i) {
+                if (Bots(i).Online())
+                    Bots(i).ClearQueue();
+            }
+        }
+        m_autoClearCount = 0;
+    }
+    for (int i = 1; i <= table.highestIndex(); ++i) {
+        BotElement& bot = Bots(i);
+        const qint32 idleTime = bot.Config.IdleTime();
+        if (!bot.Online() || !bot.IsLoaded || idleTime <= 0)
+            continue;
+        ++bot.IdleCounter;
+        const QString message = bot.Config.IdleMsg();
+        if (bot.IdleCounter >= idleTime && !message.isEmpty()) {
+            bot.Queue.append(ExpandIdleMessage(i, message));
+            bot.IdleCounter = 0;
+        }
+    }
+}
+
+void TimedEvents::keepAliveTick() {
+    SlotTable& table = SlotTable::instance();
+    for (int i = 1; i <= table.highestIndex(); ++i) {
+        if (Bots(i).IsLoaded && isConnected(i)) {
+            PacketWriter w;
+            w.SendPacket(i, 0x00);
+        }
+    }
+}
+
+void TimedEvents::voidTick() {
+    if (SettingsWrapper::instance().VoidView())
+        return;
+    SlotTable& table = SlotTable::instance();
+    for (int i = 1; i <= table.highestIndex(); ++i) {
+        BotElement& bot = Bots(i);
+        if (!bot.IsLoaded || !bot.Online() || !isConnected(i) ||
+            bot.Channel() != QLatin1String("The Void"))
+            continue;
+        const bool realm = bot.Config.Client().left(2).toUpper() == QLatin1String("D2");
+        const QString name =
+            realm ? ConvertUsername(bot.UniqueAccount, true, -1) : bot.UniqueAccount;
+        bot.Queue.append(QStringLiteral("/unignore ") + name);
+    }
+}
+
+void TimedEvents::delayedEventsTick() {
+    SlotTable& table = SlotTable::instance();
+    for (int i = 1; i <= table.highestIndex(); ++i) {
+        if (!m_pendingError.isEmpty()) {
+            WriteChat(0, {{255, m_pendingError}});
+            m_pendingError.clear();
+        }
+        BotElement& bot = Bots(i);
+        if (!bot.Online() || bot.DelayCount() == 0)
+            continue;
+        try {
+            bot.ShowDelayedEvent(i);
+        } catch (const PacketReadError& e) {
+            m_pendingError = QStringLiteral("Error - ") + bot.Profile() + QStringLiteral(" - ") +
+                             QString::fromLatin1(e.what());
+        }
+    }
 }

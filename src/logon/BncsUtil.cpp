@@ -63,7 +63,7 @@ KeyHandle kd_create(const char* key, int keyLength) {
     return refuseOnThrow<KeyHandle>(0, [&] {
         auto decoded = ProductKey::decode({key, std::size_t(keyLength)});
         if (!decoded) return KeyHandle{0};
-        return keyDecoders().add(std::make_unique<KeyDecoder>(*decoded, std::nullopt));
+        return keyDecoders().add(std::make_unique<KeyDecoder>(KeyDecoder{*decoded, std::nullopt}));
     });
 }
 

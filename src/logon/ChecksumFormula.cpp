@@ -113,15 +113,13 @@ constexpr auto kStandardKernels = standardKernels(std::make_index_sequence<81>()
 
 Kernel chooseKernel(const std::vector<Op>& ops) {
     using F = ChecksumFormula;
-    const Op shape[4] = {{F::A, F::A, F::S, Operator::Add},
-                         {F::B, F::B, F::C, Operator::Add},
-                         {F::C, F::C, F::A, Operator::Add},
-                         {F::A, F::A, F::B, Operator::Add}};
+    constexpr F::Var kShape[4][3] = {
+        {F::A, F::A, F::S}, {F::B, F::B, F::C}, {F::C, F::C, F::A}, {F::A, F::A, F::B}};
     if (ops.size() != 4) return &genericKernel;
     std::size_t index = 0;
     for (int i = 3; i >= 0; --i) {
         const Op& op = ops[i];
-        if (op.dest != shape[i].dest || op.lhs != shape[i].lhs || op.rhs != shape[i].rhs)
+        if (op.dest != kShape[i][0] || op.lhs != kShape[i][1] || op.rhs != kShape[i][2])
             return &genericKernel;
         index = index * 3 + std::size_t(op.op);
     }

@@ -21,12 +21,10 @@ NlsClient::~NlsClient() {
 
 std::optional<NlsClient::Proof> NlsClient::prove(const nls::Number& serverKey,
                                                  const nls::Number& salt) const {
+    if (nls::isDegenerateKey(serverKey)) return std::nullopt;
     const BigNum& n = nls::modulus();
     BigNumContext ctx;
     const BigNum b = BigNum::fromLittleEndian(serverKey);
-    BigNum reduced;
-    BN_nnmod(reduced.get(), b.get(), n.get(), ctx.get());
-    if (reduced.isZero()) return std::nullopt;
 
     // S = (B - g^x)^(a + u·x) mod N
     const BigNum x = nls::passwordExponent(upperAccount_, upperPassword_, salt);

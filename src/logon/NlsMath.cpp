@@ -53,6 +53,13 @@ BigNum randomPrivate() {
     return value;
 }
 
+bool isDegenerateKey(const Number& publicKey) {
+    BigNumContext ctx;
+    BigNum reduced;
+    BN_nnmod(reduced.get(), BigNum::fromLittleEndian(publicKey).get(), modulus().get(), ctx.get());
+    return reduced.isZero();
+}
+
 Number power(const BigNum& exponent) {
     BigNumContext ctx;
     BigNum result;

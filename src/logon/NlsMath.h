@@ -24,6 +24,10 @@ Number randomNumber();
 // A fresh random private exponent in [1, N-1].
 BigNum randomPrivate();
 
+// A public key (A or B) that is a multiple of N fixes the shared secret whatever the password:
+// both sides refuse it.
+bool isDegenerateKey(const Number& publicKey);
+
 // g^e mod N, as it travels.
 Number power(const BigNum& exponent);
 

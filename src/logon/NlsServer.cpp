@@ -19,44 +19,29 @@ NlsAccount NlsAccount::create(std::string_view account, std::string_view passwor
 std::optional<NlsServerSession> NlsServerSession::start(std::string_view account,
                                                         const NlsAccount& stored,
                                                         const nls::Number& clientKey) {
-    return start(account, stored, clientKey, nls::randomPrivate());
-}
-
-std::optional<NlsServerSession> NlsServerSession::start(std::string_view account,
-                                                        const NlsAccount& stored,
-                                                        const nls::Number& clientKey,
-                                                        ByteView privateValue) {
-    return start(account, stored, clientKey, BigNum::fromBigEndian(privateValue));
-}
-
-std::optional<NlsServerSession> NlsServerSession::start(std::string_view account,
-                                                        const NlsAccount& stored,
-                                                        const nls::Number& clientKey,
-                                                        BigNum secret) {
+    if (nls::isDegenerateKey(clientKey)) return std::nullopt;
     const BigNum& n = nls::modulus();
     BigNumContext ctx;
     const BigNum a = BigNum::fromLittleEndian(clientKey);
-    BigNum reduced;
-    BN_nnmod(reduced.get(), a.get(), n.get(), ctx.get());
-    if (reduced.isZero()) return std::nullopt;
 
     NlsServerSession session;
     session.salt_ = stored.salt;
     session.clientKey_ = clientKey;
 
     // B = v + g^b mod N
+    const BigNum privateKey = nls::randomPrivate();
     const BigNum v = BigNum::fromLittleEndian(stored.verifier);
-    const BigNum gb = BigNum::fromLittleEndian(nls::power(secret));
-    BigNum b;
-    BN_mod_add(b.get(), v.get(), gb.get(), n.get(), ctx.get());
-    session.serverKey_ = b.toLittleEndian32();
+    const BigNum gb = BigNum::fromLittleEndian(nls::power(privateKey));
+    BigNum serverKey;
+    BN_mod_add(serverKey.get(), v.get(), gb.get(), n.get(), ctx.get());
+    session.serverKey_ = serverKey.toLittleEndian32();
 
     // S = (A · v^u)^b mod N
     const BigNum u = nls::scrambler(session.serverKey_);
     BigNum base, shared;
     BN_mod_exp(base.get(), v.get(), u.get(), n.get(), ctx.get());
     BN_mod_mul(base.get(), base.get(), a.get(), n.get(), ctx.get());
-    BN_mod_exp(shared.get(), base.get(), secret.get(), n.get(), ctx.get());
+    BN_mod_exp(shared.get(), base.get(), privateKey.get(), n.get(), ctx.get());
 
     session.sessionKey_ = nls::sessionKey(shared);
     session.expectedProof_ = nls::clientProof(nls::upper(account), session.salt_, clientKey,

@@ -22,10 +22,6 @@ public:
     // Nothing when A is a multiple of N, which would let a client in without the password.
     static std::optional<NlsServerSession> start(std::string_view account, const NlsAccount& stored,
                                                  const nls::Number& clientKey);
-    // Fixes the private value b (big-endian), for repeatable runs.
-    static std::optional<NlsServerSession> start(std::string_view account, const NlsAccount& stored,
-                                                 const nls::Number& clientKey,
-                                                 ByteView privateValue);
 
     const nls::Number& salt() const { return salt_; }
     const nls::Number& serverKey() const { return serverKey_; }
@@ -40,8 +36,6 @@ public:
 
 private:
     NlsServerSession() = default;
-    static std::optional<NlsServerSession> start(std::string_view account, const NlsAccount& stored,
-                                                 const nls::Number& clientKey, BigNum secret);
 
     nls::Number salt_{};
     nls::Number clientKey_{};

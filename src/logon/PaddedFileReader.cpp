@@ -9,10 +9,12 @@ namespace logon {
 
 namespace {
 
+// Opened without blocking, so a named pipe in place of a game file can't stall the logon; it
+// is refused as not regular right after.
 class FileDescriptor {
 public:
     explicit FileDescriptor(const std::string& path)
-        : fd_(::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {}
+        : fd_(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {}
     ~FileDescriptor() {
         if (fd_ >= 0) ::close(fd_);
     }

@@ -51,13 +51,15 @@ private:
     bool readHeaders() {
         if (image_.u16(0) != 0x5A4D) // "MZ"
             return false;
-        const auto pe = image_.u32(0x3C);
-        if (!pe || image_.u32(*pe) != 0x00004550) // "PE\0\0"
+        const auto peOffset = image_.u32(0x3C);
+        if (!peOffset) return false;
+        const std::uint64_t pe = *peOffset;
+        if (image_.u32(pe) != 0x00004550) // "PE\0\0"
             return false;
-        const auto sections = image_.u16(*pe + 6);
-        const auto optionalSize = image_.u16(*pe + 20);
+        const auto sections = image_.u16(pe + 6);
+        const auto optionalSize = image_.u16(pe + 20);
         if (!sections || !optionalSize) return false;
-        const std::uint64_t optional = *pe + 24;
+        const std::uint64_t optional = pe + 24;
         const auto magic = image_.u16(optional);
         std::uint64_t directories;
         if (magic == 0x10B)

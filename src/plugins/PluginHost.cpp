@@ -44,6 +44,19 @@ void PluginHost::sendSocketEvent(const QString& member, QVariantList args) {
     }
 }
 
+void PluginHost::RunScript(int Index, const QString& sub, QVariantList args,
+                           const QString& lineName) {
+    if (!m_script)
+        return;
+    try {
+        m_script->call(sub, args);
+    } catch (const PluginCallError& e) {
+        WriteChat(Index, {{255, QStringLiteral("Error -> Script sub ") +
+                                    (lineName.isEmpty() ? sub : lineName) +
+                                    QStringLiteral(" raised error - ") + e.description()}});
+    }
+}
+
 void PluginHost::SocketConnect(int Index) {
     sendSocketEvent(QStringLiteral("SocketConnect"), {Index});
 }

@@ -32,6 +32,13 @@ public:
     void SocketClose(int Index);
     void SocketError(int Index, int Number, const QString& Description);
     void PacketArrival(int Index, const QByteArray& Data);
+    // The user's script, when one is loaded; its subs are called by name.
+    void setScript(std::shared_ptr<PluginObject> script) { m_script = std::move(script); }
+    // Runs a script sub. An error is one red line naming `lineName` (the sub
+    // itself when empty); the caller's work goes on.
+    void RunScript(int Index, const QString& sub, QVariantList args,
+                   const QString& lineName = {});
+
     void DispatchChatEvent(int BotIndex, int ID, const QString& Message, const QString& Username,
                            qint32 Flags, qint32 Ping);
 
@@ -42,4 +49,5 @@ private:
     void sendSocketEvent(const QString& member, QVariantList args);
 
     std::vector<PluginRecord> m_plugins;
+    std::shared_ptr<PluginObject> m_script;
 };

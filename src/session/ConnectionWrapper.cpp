@@ -215,6 +215,7 @@ void ConnectionWrapper::dispatch(int Index, PacketReader& Reader, quint8 PacketI
     }
     case 0x0A: Handle_EnterChat(Index, Reader); break;
     case 0x0B: Handle_ChannelList(Index, Reader); break;
+    case 0x0F: Handle_ChatEvent(Index, Reader); break;
     case 0x13:
     case 0x19: Handle_ForcedDisconnect(Index, Reader); break;
     case 0x25: Handle_Ping(Index); break;

@@ -67,6 +67,34 @@ public:
     // The pings that follow 0x50, as the profile's spoofing asks.
     void SendPingSpoof(int Index);
 
+    // Chat events: decoding, then now or through the delayed list.
+    void Handle_ChatEvent(int Index, PacketReader& Reader);
+    void RunChatEvent(int Index, quint8 EventID, const QString& Username, const QString& Text,
+                      qint32 Flags, qint32 Ping);
+    void Handle_ChatEvent_JoinChannel(int Index, const QString& Channel, qint32 Flags);
+    void Handle_ChatEvent_UserShow(int Index, const QString& Username, const QString& Text,
+                                   qint32 Flags, qint32 Ping);
+    void Handle_ChatEvent_Join(int Index, const QString& Username, const QString& Text,
+                               qint32 Flags, qint32 Ping);
+    void Handle_ChatEvent_Leave(int Index, const QString& Username, const QString& Text,
+                                qint32 Flags, qint32 Ping);
+    void Handle_ChatEvent_UserFlags(int Index, const QString& Username, const QString& Text,
+                                    qint32 Flags, qint32 Ping);
+    void Handle_ChannelFull(int Index, const QString& Text);
+    void Handle_ChannelNotExist(int Index, const QString& Text);
+    void Handle_ChannelRestricted(int Index, const QString& Text);
+    void Handle_ChatEvent_Talk(int Index, const QString& Username, QString Text, qint32 Flags,
+                               qint32 Ping);
+    void Handle_ChatEvent_Emote(int Index, const QString& Username, QString Text, qint32 Flags,
+                                qint32 Ping);
+    void Handle_ChatEvent_WhisperFrom(int Index, const QString& Username, QString Text,
+                                      qint32 Flags, qint32& Ping);
+    void Handle_ChatEvent_WhisperTo(int Index, const QString& Username, QString Text,
+                                    qint32 Flags, qint32& Ping);
+    void Handle_ChatEvent_Information(int Index, const QString& Text);
+    void Handle_ChatEvent_Error(int Index, const QString& Text);
+    void Handle_ChatEvent_BroadCast(int Index, const QString& Text);
+
     // Account maintenance, when a change is pending at the end of the version check.
     void Output_RegisterEmail(int Index);
     void Handle_RegisterEmail(int Index);
@@ -75,6 +103,10 @@ public:
     void Process_ForgotPassword(int Index);
 
 private:
+    // The join gate: the last join printed, so a burst of rejoins shows once.
+    QString LastJoinUser;
+    quint32 LastJoinTick = 0;
+
     void dispatch(int Index, PacketReader& Reader, quint8 PacketID);
     void DecodeCdkey(int Index, const QString& Key);
     void writeKey(int Index, class PacketWriter& writer, const QString& key);

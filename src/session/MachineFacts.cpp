@@ -1,6 +1,9 @@
 #include "session/MachineFacts.h"
 
+#include "platform/TickCount.h"
+
 #include <QLocale>
+#include <QSysInfo>
 #include <QStringList>
 
 #include <utility>
@@ -50,6 +53,9 @@ void ReadMachineFacts() {
     m.VersionMajor = version.value(0).toInt();
     m.VersionMinor = version.value(1).toInt();
     m.VersionRevision = version.value(2).toInt();
+
+    m.OperatingSystem = QSysInfo::prettyProductName();
+    m.StartTick = GetTickCount();
 
     const QLocale locale = QLocale::system();
     if (locale.territory() == QLocale::AnyTerritory || locale.language() == QLocale::C) {

@@ -9,6 +9,8 @@ struct MachineFacts {
     QString CountryName;         // in the country's own language
     QString LanguageAbbreviation; // e.g. "ENU"
     QString LanguageName;         // in the language itself
+    QString OperatingSystem;      // e.g. "Debian GNU/Linux 12 (bookworm)"
+    quint32 StartTick = 0;        // when the program started
     int VersionMajor = 0;
     int VersionMinor = 0;
     int VersionRevision = 0;

@@ -3,6 +3,7 @@
 #include "chat/BotElement.h"
 #include "platform/ChatDocument.h"
 #include "platform/ListModel.h"
+#include "config/RegistryWrapper.h"
 #include "config/SettingsWrapper.h"
 #include "platform/SocketControl.h"
 #include "platform/TickCount.h"
@@ -188,6 +189,18 @@ void SlotTable::ConnectBot(int Index) {
         bnls(Index).Close();
         connectTo(bnls(Index), b.Config.ServerBNLS(), 9367);
     }
+}
+
+QStringList SlotTable::unloadedProfiles() const {
+    QStringList names;
+    RegistryWrapper::instance().EnumKeys(SettingsWrapper::RootKey() + QStringLiteral("Profiles"),
+                                         names);
+    QStringList unloaded;
+    for (const QString& name : names) {
+        if (findProfile(name) == 0)
+            unloaded << name;
+    }
+    return unloaded;
 }
 
 void SlotTable::DisplayProfiles() {

@@ -41,7 +41,9 @@ public:
     int LoadProfile(const QString& Name);
     // False, after the warning, when no slot holds the profile.
     bool UnloadProfile(const QString& Name);
+    // Refreshes the menu of profiles that are stored but not loaded.
     void DisplayProfiles();
+    QStringList unloadedProfiles() const;
     // Starts a connection of a slot, locally or through BNLS by its product.
     void ConnectBot(int Index);
     // Connects to "host" on the default port, or to "host:port".

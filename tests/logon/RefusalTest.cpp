@@ -27,7 +27,9 @@ TEST(Refusal, ProductKeysOfWrongLengthAlphabetOrCheck) {
     EXPECT_EQ(kd_create(nullptr, 13), 0u);
     EXPECT_EQ(kd_create("7178075237576", -1), 0u);
     // Only the given length counts, not what follows it.
-    EXPECT_EQ(kd_create("71780752375760", 13) != 0, true);
+    const KeyHandle prefix = kd_create("71780752375760", 13);
+    EXPECT_NE(prefix, 0u);
+    kd_free(prefix);
 }
 
 TEST(Refusal, KeysReadTheSameInLowerCase) {
@@ -195,6 +197,8 @@ TEST(Refusal, FreedAndUnknownNlsHandles) {
 
     EXPECT_EQ(nls_check_M2(session, proof), 0) << "no challenge answered yet";
     EXPECT_EQ(nls_get_M1(session, proof, zero.data(), salt.data()), 0) << "B = 0";
+    const nls::Number n = nls::modulus().toLittleEndian32();
+    EXPECT_EQ(nls_get_M1(session, proof, n.data(), salt.data()), 0) << "B = N";
     EXPECT_EQ(nls_check_M2(session, proof, zero.data(), nullptr), 0);
     EXPECT_EQ(nls_account_create(session, buffer, 65 + 6), 0u) << "no room for the NUL";
     EXPECT_EQ(nls_account_create(session, buffer, 65 + 7), 65u + 7);

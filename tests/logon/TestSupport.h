@@ -41,8 +41,8 @@ public:
     explicit VectorFile(const std::string& name) {
         std::ifstream in(kVectors / name);
         std::string line;
-        std::getline(in, header_line_);
-        header_ = split(header_line_);
+        std::getline(in, line);
+        header_ = split(line);
         while (std::getline(in, line)) {
             if (!line.empty()) rows_.emplace_back(header_, split(line));
         }
@@ -59,7 +59,6 @@ private:
             cells.push_back(cell);
         return cells;
     }
-    std::string header_line_;
     std::vector<std::string> header_;
     std::vector<Row> rows_;
 };

@@ -75,3 +75,16 @@ TEST_F(SlotTableTest, SelectingASlotClearsItsUnseenTalkMark) {
     EXPECT_FALSE(Bots(i).IsActive);
     EXPECT_EQ(Bots(i).LastActive, 0u);
 }
+
+TEST_F(SlotTableTest, TheProfilesMenuOffersStoredProfilesNotLoaded) {
+    for (const char* name : {"menu-a", "menu-b", "menu-c"}) {
+        ConfigWrapper config;
+        config.Profile = QString::fromLatin1(name);
+        config.setAccount(QStringLiteral("x"));
+    }
+    table().LoadProfile("menu-b");
+    const QStringList offered = table().unloadedProfiles();
+    EXPECT_TRUE(offered.contains("menu-a"));
+    EXPECT_FALSE(offered.contains("menu-b"));
+    EXPECT_TRUE(offered.contains("menu-c"));
+}

@@ -1,0 +1,123 @@
+// A hundred profiles in one process log on to the local sandbox at once: the
+// time until all are in chat, and the CPU the bot spent against the CPU the
+// sandbox spent in the same run.
+#include "chat/BotElement.h"
+#include "config/Folders.h"
+#include "session/SlotTable.h"
+
+#include <benchmark/benchmark.h>
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int kSlots = 100;
+
+double ownCpuSeconds() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return double(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
+           double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
+}
+
+double processCpuSeconds(qint64 pid) {
+    QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
+    if (!stat.open(QIODevice::ReadOnly))
+        return 0;
+    const QList<QByteArray> fields = stat.readAll().split(' ');
+    if (fields.size() < 15)
+        return 0;
+    return double(fields[13].toLongLong() + fields[14].toLongLong()) / double(sysconf(_SC_CLK_TCK));
+}
+
+// Reads "BNCS listening on 127.0.0.1:N" and the BNLS line from the sandbox.
+bool readPorts(QProcess& sandbox, int& bncs, int& bnls) {
+    while (bncs == 0 || bnls == 0) {
+        if (!sandbox.waitForReadyRead(5000))
+            return false;
+        while (sandbox.canReadLine()) {
+            const QString line = QString::fromUtf8(sandbox.readLine()).trimmed();
+            const int port = line.section(u':', -1).toInt();
+            if (line.startsWith(QLatin1String("BNCS listening")))
+                bncs = port;
+            else if (line.startsWith(QLatin1String("BNLS listening")))
+                bnls = port;
+        }
+    }
+    return true;
+}
+
+void LogOnHundredSlots(benchmark::State& state) {
+    const QString sandboxPath = QStringLiteral(CORVANTIDE_BINARY_DIR "/corvantide-sandbox");
+    for (auto _ : state) {
+        QTemporaryDir home;
+        SetHomeFolder(home.path());
+        SlotTable::reset();
+        QProcess sandbox;
+        sandbox.start(sandboxPath, {QStringLiteral("--bncs-port"), QStringLiteral("0"),
+                                    QStringLiteral("--bnls-port"), QStringLiteral("0")});
+        int bncs = 0;
+        int bnls = 0;
+        if (!sandbox.waitForStarted() || !readPorts(sandbox, bncs, bnls)) {
+            state.SkipWithError("the sandbox did not start");
+            return;
+        }
+        SlotTable& table = SlotTable::instance();
+        for (int i = 0; i < kSlots; ++i) {
+            const int slot = table.LoadProfile(QStringLiteral("bench%1").arg(i));
+            ConfigWrapper& c = Bots(slot).Config;
+            c.setAccount(QStringLiteral("bench%1").arg(i));
+            c.setPassword(QStringLiteral("secret"));
+            c.setClient(QStringLiteral("STAR"));
+            c.setVerbyte(QStringLiteral("d3"));
+            c.setCdkey(QStringLiteral("7178075237576"));
+            c.setServer(QStringLiteral("127.0.0.1:%1").arg(bncs));
+            c.setServerBNLS(QStringLiteral("127.0.0.1:%1").arg(bnls));
+            c.setChannel(QStringLiteral("Bench"));
+        }
+        const double botCpuBefore = ownCpuSeconds();
+        const double sandboxCpuBefore = processCpuSeconds(sandbox.processId());
+        QElapsedTimer clock;
+        clock.start();
+        for (int i = 1; i <= kSlots; ++i)
+            table.ConnectBot(i);
+        int online = 0;
+        while (online < kSlots && clock.elapsed() < 60000) {
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+            online = 0;
+            for (int i = 1; i <= kSlots; ++i)
+                online += Bots(i).Online() ? 1 : 0;
+        }
+        const double seconds = double(clock.nsecsElapsed()) / 1e9;
+        const double botCpu = ownCpuSeconds() - botCpuBefore;
+        const double sandboxCpu = processCpuSeconds(sandbox.processId()) - sandboxCpuBefore;
+        state.SetIterationTime(seconds);
+        state.counters["online"] = online;
+        state.counters["bot_cpu_s"] = botCpu;
+        state.counters["sandbox_cpu_s"] = sandboxCpu;
+        state.counters["bot_per_sandbox_cpu"] = sandboxCpu > 0 ? botCpu / sandboxCpu : 0;
+        sandbox.kill();
+        sandbox.waitForFinished();
+        if (online < kSlots)
+            state.SkipWithError("not every slot reached chat within a minute");
+    }
+}
+
+} // namespace
+
+BENCHMARK(LogOnHundredSlots)->UseManualTime()->Iterations(3)->Unit(benchmark::kMillisecond);
+
+int main(int argc, char** argv) {
+    QCoreApplication app(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}

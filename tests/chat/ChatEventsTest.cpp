@@ -1,0 +1,144 @@
+#include "common/SlotFixture.h"
+#include "config/SettingsWrapper.h"
+#include "platform/ChatDocument.h"
+#include "platform/ListModel.h"
+#include "platform/TickCount.h"
+#include "session/PacketWriter.h"
+
+namespace {
+
+QByteArray chatEvent(quint32 id, quint32 flags, quint32 ping, const QString& user,
+                     const QString& text) {
+    PacketWriter w;
+    w.WriteDWORD(id);
+    w.WriteDWORD(flags);
+    w.WriteDWORD(ping);
+    w.WriteVOID(QByteArray(12, '\0'));
+    w.WriteSTRING(user);
+    w.WriteSTRING(text);
+    return PacketWriter::frameBNCS(0x0F, w.payload());
+}
+
+class ChatEventsTest : public SlotFixture {
+protected:
+    void SetUp() override {
+        SlotFixture::SetUp();
+        SettingsWrapper::instance().setFloodMode(0);
+        slot = loadConnected(QStringLiteral("events"));
+        Bots(slot).setOnline(true);
+        Bots(slot).UniqueAccount = QStringLiteral("Me");
+    }
+    void event(quint32 id, const QString& user, const QString& text = {}, quint32 flags = 0,
+               quint32 ping = 20) {
+        wsBNET(slot).simulateData(chatEvent(id, flags, ping, user, text));
+    }
+    QStringList listNames() {
+        QStringList names;
+        for (int i = 1; i <= lvUsers(slot).count(); ++i)
+            names << lvUsers(slot).item(i).tag;
+        return names;
+    }
+    QString chat() { return rtbChat(slot).text(); }
+    int slot = 0;
+};
+
+} // namespace
+
+TEST_F(ChatEventsTest, TheUserListFollowsTheChannelWithOperatorsOnTop) {
+    event(7, {}, QStringLiteral("Clan Test"), 0x01);
+    event(1, QStringLiteral("alice"), QStringLiteral("RATS 0"));
+    event(1, QStringLiteral("Me"), QStringLiteral("PXES 0"), 0x10, 5);
+    event(2, QStringLiteral("bob"), QStringLiteral("PX3W 0"));
+    event(2, QStringLiteral("op"), QStringLiteral("RATS 0"), 0x02);
+    EXPECT_EQ(listNames(), (QStringList{"op", "alice", "Me", "bob"}));
+    EXPECT_EQ(Bots(slot).Users.size(), 4u);
+    EXPECT_EQ(Bots(slot).MyFlags, 0x10);
+    EXPECT_EQ(Bots(slot).Channel(), QStringLiteral("Clan Test"));
+
+    event(3, QStringLiteral("ALICE"));
+    EXPECT_EQ(listNames(), (QStringList{"op", "Me", "bob"}));
+    EXPECT_EQ(Bots(slot).UserFind(QStringLiteral("alice")), 0);
+
+    // Gaining operator status moves to the top; losing it only recolours.
+    event(9, QStringLiteral("bob"), QStringLiteral("PX3W 0"), 0x02);
+    EXPECT_EQ(listNames(), (QStringList{"bob", "op", "Me"}));
+    EXPECT_TRUE(chat().contains(QStringLiteral("bob gained channel operator status.")));
+    event(9, QStringLiteral("bob"), QStringLiteral("PX3W 0"), 0x00);
+    EXPECT_EQ(listNames(), (QStringList{"bob", "op", "Me"}));
+    EXPECT_TRUE(chat().contains(QStringLiteral("bob lost channel operator status.")));
+
+    // A new channel starts from an empty list.
+    event(7, {}, QStringLiteral("Other"), 0);
+    EXPECT_TRUE(listNames().isEmpty());
+    EXPECT_TRUE(Bots(slot).Users.empty());
+}
+
+TEST_F(ChatEventsTest, AFlagsUpdateOfAStrangerAddsThem) {
+    event(9, QStringLiteral("ghost"), QStringLiteral("RATS 0"), 0x10);
+    EXPECT_EQ(listNames(), QStringList{"ghost"});
+    EXPECT_FALSE(chat().contains(QStringLiteral("operator status")));
+}
+
+TEST_F(ChatEventsTest, WhispersRememberWhomToAnswer) {
+    event(4, QStringLiteral("friend"), QStringLiteral("hi there"));
+    event(10, QStringLiteral("other"), QStringLiteral("hello"));
+    EXPECT_EQ(Bots(slot).LastWhisper, QStringLiteral("friend"));
+    EXPECT_EQ(Bots(slot).LastWhispered, QStringLiteral("other"));
+}
+
+TEST_F(ChatEventsTest, ServerInformationIsReadByPattern) {
+    SettingsWrapper::instance().setHideOfflineFriends(true);
+    SettingsWrapper::instance().setHideBanUnban(true);
+    event(18, {}, QStringLiteral("12: Someone, offline"));
+    event(18, {}, QStringLiteral("Someone was banned by Other"));
+    EXPECT_TRUE(chat().isEmpty());
+    event(18, {}, QStringLiteral("123: Someone, offline"));
+    EXPECT_TRUE(chat().contains(QStringLiteral("[BNET] 123: Someone, offline")));
+
+    Bots(slot).setChannel(QStringLiteral("Home"));
+    Bots(slot).Queue << QStringLiteral("waiting line");
+    event(18, {}, QStringLiteral("Op kicked you out of the channel!"));
+    EXPECT_EQ(Bots(slot).Queue, QStringList{QStringLiteral("/join Home")});
+    EXPECT_LT(chat().indexOf(QStringLiteral("Cleared the queue.")),
+              chat().indexOf(QStringLiteral("[BNET] Attempting to rejoin...")));
+}
+
+TEST_F(ChatEventsTest, JoiningTheVoidAsksToSeeUsersUnlessHidden) {
+    SettingsWrapper::instance().setVoidView(false);
+    Bots(slot).Config.setClient(QStringLiteral("D2DV"));
+    event(7, {}, QStringLiteral("The Void"));
+    EXPECT_EQ(Bots(slot).Queue, QStringList{QStringLiteral("/unsquelch *Me")});
+    SettingsWrapper::instance().setVoidView(true);
+    Bots(slot).Queue.clear();
+    event(7, {}, QStringLiteral("The Void"));
+    EXPECT_TRUE(Bots(slot).Queue.isEmpty());
+}
+
+TEST_F(ChatEventsTest, DelayedEventsWaitThenShowOrArePurged) {
+    tickcount::ManualClock clock(100000);
+    SettingsWrapper::instance().setFloodMode(1000);
+    event(2, QStringLiteral("spammer"), QStringLiteral("RATS 0"));
+    event(5, QStringLiteral("calm"), QStringLiteral("hello all"));
+    EXPECT_EQ(Bots(slot).DelayCount(), 2);
+    EXPECT_TRUE(lvUsers(slot).count() == 0);
+    clock.advance(500);
+    Bots(slot).ShowDelayedEvent(slot);
+    EXPECT_EQ(Bots(slot).DelayCount(), 2);
+    clock.advance(600);
+    Bots(slot).ShowDelayedEvent(slot);
+    EXPECT_EQ(Bots(slot).DelayCount(), 0);
+    EXPECT_EQ(lvUsers(slot).count(), 1);
+    EXPECT_TRUE(chat().contains(QStringLiteral("hello all")));
+
+    // Leave, rejoin and talk inside the delay: the whole list goes unseen.
+    event(3, QStringLiteral("spammer"));
+    event(2, QStringLiteral("spammer"), QStringLiteral("RATS 0"));
+    event(5, QStringLiteral("spammer"), QStringLiteral("buy gold"));
+    event(5, QStringLiteral("calm"), QStringLiteral("bystander"));
+    clock.advance(1100);
+    Bots(slot).ShowDelayedEvent(slot);
+    EXPECT_EQ(Bots(slot).DelayCount(), 0);
+    EXPECT_FALSE(chat().contains(QStringLiteral("buy gold")));
+    EXPECT_FALSE(chat().contains(QStringLiteral("bystander")));
+    EXPECT_EQ(lvUsers(slot).count(), 1); // the leave was never shown either
+}

@@ -19,11 +19,9 @@ bool SandboxProcess::start(const QStringList& options) {
     m_process.start(binary(), QStringList{QStringLiteral("--bncs-port"), QStringLiteral("0"),
                                           QStringLiteral("--bnls-port"), QStringLiteral("0")} +
                                   options);
-    if (!m_process.waitForStarted(5000))
-        return false;
+    if (!m_process.waitForStarted(5000)) return false;
     while (bncsPort == 0 || bnlsPort == 0) {
-        if (!m_process.canReadLine() && !m_process.waitForReadyRead(5000))
-            return false;
+        if (!m_process.canReadLine() && !m_process.waitForReadyRead(5000)) return false;
         while (m_process.canReadLine()) {
             const QString line = QString::fromUtf8(m_process.readLine()).trimmed();
             const int port = line.section(u':', -1).toInt();
@@ -40,8 +38,7 @@ bool waitFor(const std::function<bool()>& done, int ms) {
     QElapsedTimer clock;
     clock.start();
     while (!done()) {
-        if (clock.elapsed() > ms)
-            return false;
+        if (clock.elapsed() > ms) return false;
         QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
     }
     return true;

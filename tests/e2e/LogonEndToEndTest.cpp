@@ -1,7 +1,7 @@
 // The bot against the local sandbox over loopback: every product by every
 // route it allows, account creation, refusals, and the order on the wire.
-#include "common/SandboxProcess.h"
 #include "chat/TimedEvents.h"
+#include "common/SandboxProcess.h"
 #include "common/SlotFixture.h"
 #include "config/SettingsWrapper.h"
 #include "platform/ChatDocument.h"
@@ -39,15 +39,18 @@ public:
         const QString exe = kVectors + QStringLiteral("exeinfo/War3.exe");
         const QString second = kVectors + QStringLiteral("checkrevision/file2.bin");
         const QString third = kVectors + QStringLiteral("checkrevision/file3.bin");
-        for (const auto& [name, from] :
-             {std::pair{"Game.exe", exe}, {"War3.exe", exe}, {"Bnclient.dll", second},
-              {"Storm.dll", second}, {"D2client.dll", third}, {"Game.dll", third}}) {
+        for (const auto& [name, from] : {std::pair{"Game.exe", exe},
+                                         {"War3.exe", exe},
+                                         {"Bnclient.dll", second},
+                                         {"Storm.dll", second},
+                                         {"D2client.dll", third},
+                                         {"Game.dll", third}}) {
             const QString to = dir.filePath(QString::fromLatin1(name));
             QFile::copy(from, to);
             QFile::setPermissions(to, QFile::ReadOwner | QFile::WriteOwner);
         }
-        files = dir.filePath(QStringLiteral("War3.exe")) + u',' + dir.filePath("Storm.dll") +
-                u',' + dir.filePath("Game.dll");
+        files = dir.filePath(QStringLiteral("War3.exe")) + u',' + dir.filePath("Storm.dll") + u',' +
+                dir.filePath("Game.dll");
     }
     QTemporaryDir dir;
     QString files; // the sandbox's --hash-files
@@ -119,8 +122,7 @@ TEST_F(LogonEndToEnd, EveryProductReachesChatByEveryRoute) {
     int n = 0;
     for (const Product& p : kProducts) {
         for (const bool local : {false, true}) {
-            if (local && !p.localCapable)
-                continue;
+            if (local && !p.localCapable) continue;
             useLocalHashing(local);
             const int i = load(p, QStringLiteral("route%1").arg(n++), QStringLiteral("secret"));
             SlotTable::instance().ConnectBot(i);
@@ -145,7 +147,8 @@ TEST_F(LogonEndToEnd, AMissingAccountIsCreatedAndAWrongPasswordEndsTheSession) {
         SlotTable::instance().ConnectBot(wrong);
         ASSERT_TRUE(waitFor([&] { return chat(wrong).contains("[Connections Closed]"); }))
             << chat(wrong).toStdString();
-        EXPECT_TRUE(chat(wrong).contains(QStringLiteral("[BNET] Account's password was incorrect!")));
+        EXPECT_TRUE(
+            chat(wrong).contains(QStringLiteral("[BNET] Account's password was incorrect!")));
         EXPECT_FALSE(Bots(wrong).CanConnect);
         // No retry: the watchdog leaves a killed slot alone however old its attempt.
         Bots(wrong).LastConnect -= 60000;
@@ -166,8 +169,9 @@ TEST_F(LogonEndToEnd, VersionResultsShowTheirWordsForEachRoute) {
           Case{"0x101", true, "[BNET] Incorrect version byte specified for this client."},
           Case{"0x101", false, "[BNLS] The version byte you specified does not match"}}) {
         SandboxProcess server;
-        ASSERT_TRUE(server.start({QStringLiteral("--hash-files"), game.files,
-                                  QStringLiteral("--version-result"), QString::fromLatin1(c.result)}));
+        ASSERT_TRUE(
+            server.start({QStringLiteral("--hash-files"), game.files,
+                          QStringLiteral("--version-result"), QString::fromLatin1(c.result)}));
         useLocalHashing(c.local);
         const int i = load(kProducts[3], QStringLiteral("version") + QString::number(c.local),
                            QStringLiteral("pass"), server);
@@ -218,8 +222,8 @@ TEST_F(LogonEndToEnd, TheWireCarriesTheLogonInItsOrder) {
     const int enter = indexOf("bncs in 0x0a");
     const int list = indexOf("bncs in 0x0b");
     const int join = indexOf("bncs in 0x0c");
-    for (int step : {proto, authInfo, challenge, bnlsAsk, bnlsAnswer, authCheck, logon, enter,
-                     list, join})
+    for (int step :
+         {proto, authInfo, challenge, bnlsAsk, bnlsAnswer, authCheck, logon, enter, list, join})
         ASSERT_GE(step, 0) << order.join(QStringLiteral("\n")).toStdString();
     EXPECT_LT(proto, authInfo);
     EXPECT_LT(authInfo, challenge);

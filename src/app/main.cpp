@@ -1,15 +1,18 @@
 #include "app/HeadlessConsole.h"
 #include "config/Folders.h"
 #include "config/RegistryWrapper.h"
+#include "gui/frmBot.h"
 #include "session/ShutdownSequence.h"
 #include "session/SlotTable.h"
 #include "session/StartupSequence.h"
 
+#include <QApplication>
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QTimer>
-
 #include <cstdio>
+#include <cstring>
+#include <memory>
 #include <unistd.h>
 
 namespace {
@@ -95,8 +98,7 @@ int runHeadless(QCoreApplication& app, const Options& options) {
         console.flush();
         return 1;
     }
-    if (options.connect)
-        QTimer::singleShot(0, &app, connectLoadedProfiles);
+    if (options.connect) QTimer::singleShot(0, &app, connectLoadedProfiles);
     console.startReading();
     const int code = app.exec();
     ShutdownSequence().run();
@@ -104,16 +106,50 @@ int runHeadless(QCoreApplication& app, const Options& options) {
     return code;
 }
 
+int runWindow(QCoreApplication& app, const Options& options) {
+    QApplication::setStyle(QStringLiteral("Fusion"));
+    // The window exists before the start-up so that it sees every slot and
+    // every line from the first.
+    frmBot window;
+    StartupSequence startup;
+    if (!startup.run()) return 1;
+    if (options.connect) QTimer::singleShot(0, &app, connectLoadedProfiles);
+    window.show();
+    const int code = app.exec();
+    ShutdownSequence().run();
+    return code;
+}
+
+// A run without a window: headless, a settings file command, or only the
+// help or version text.
+bool runsWithoutWindow(int argc, char** argv) {
+    for (int i = 1; i < argc; ++i) {
+        for (const char* option : {"--headless", "--import-reg", "--export-reg", "--help", "-h",
+                                   "--version", "-v", "--help-all"}) {
+            const size_t length = std::strlen(option);
+            if (std::strncmp(argv[i], option, length) == 0 &&
+                (argv[i][length] == '\0' || argv[i][length] == '='))
+                return true;
+        }
+    }
+    return false;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
-    QCoreApplication app(argc, argv);
+    const bool windowless = runsWithoutWindow(argc, argv);
+    std::unique_ptr<QCoreApplication> application;
+    if (windowless)
+        application = std::make_unique<QCoreApplication>(argc, argv);
+    else
+        application = std::make_unique<QApplication>(argc, argv);
+    QCoreApplication& app = *application;
     QCoreApplication::setApplicationName(QStringLiteral("Corvantide"));
     QCoreApplication::setApplicationVersion(QStringLiteral(CORVANTIDE_VERSION));
     const Options options = parseOptions(app);
-    if (!options.home.isEmpty())
-        SetHomeFolder(options.home);
+    if (!options.home.isEmpty()) SetHomeFolder(options.home);
     if (!options.importReg.isEmpty() || !options.exportReg.isEmpty())
         return runSettingsCommand(options);
-    return runHeadless(app, options);
+    return options.headless ? runHeadless(app, options) : runWindow(app, options);
 }

@@ -5,6 +5,7 @@
 #include "platform/ChatDocument.h"
 #include "platform/ListModel.h"
 #include "presentation/ChatWriter.h"
+#include "presentation/UserIcons.h"
 #include "session/SlotTable.h"
 #include "statistics/UserNames.h"
 
@@ -18,18 +19,14 @@ ListItem userItem(int Index, const QString& username, qint32 flags, qint32 ping,
     item.tag = username;
     item.color = (flags & 0x03) ? 0xFFFF00 : 0x00FFFF;
     item.subText = QString::number(ping);
-    // The product is the statstring's first four characters, reversed.
-    item.iconKey = statstring.left(4);
-    std::reverse(item.iconKey.begin(), item.iconKey.end());
+    GetUserIcons(Index, statstring, flags, ping, item.iconKey, item.subIconKey);
     return item;
 }
 
 QString eventText(const QString& key, const QString& user, const QString& message,
                   const QString& statstring, qint32 ping, const QString& channel) {
-    if (key == QLatin1String("talk"))
-        return u'<' + user + QStringLiteral("> ") + message;
-    if (key == QLatin1String("emote"))
-        return u'<' + user + QStringLiteral(" ") + message + u'>';
+    if (key == QLatin1String("talk")) return u'<' + user + QStringLiteral("> ") + message;
+    if (key == QLatin1String("emote")) return u'<' + user + QStringLiteral(" ") + message + u'>';
     if (key == QLatin1String("whisperfrom"))
         return QStringLiteral("<From: ") + user + QStringLiteral("> ") + message;
     if (key == QLatin1String("whisperto"))
@@ -39,12 +36,9 @@ QString eventText(const QString& key, const QString& user, const QString& messag
                QStringLiteral(", with ping of ") + QString::number(ping) + u'.';
     if (key == QLatin1String("present"))
         return user + QStringLiteral(" is present, with ping of ") + QString::number(ping) + u'.';
-    if (key == QLatin1String("leave"))
-        return user + QStringLiteral(" has left the channel.");
-    if (key == QLatin1String("channeljoined"))
-        return QStringLiteral("Joined channel: ") + channel;
-    if (key == QLatin1String("broadcast"))
-        return QStringLiteral("[Broadcast] ") + message;
+    if (key == QLatin1String("leave")) return user + QStringLiteral(" has left the channel.");
+    if (key == QLatin1String("channeljoined")) return QStringLiteral("Joined channel: ") + channel;
+    if (key == QLatin1String("broadcast")) return QStringLiteral("[Broadcast] ") + message;
     return message;
 }
 
@@ -61,8 +55,7 @@ void Show(int Index, ChatDocument& view, const QString& key, const QString& user
 }
 
 QString DisplayName(int, const QString& username) {
-    if (SettingsWrapper::instance().HideChars())
-        return ConvertUsername(username, false, -1);
+    if (SettingsWrapper::instance().HideChars()) return ConvertUsername(username, false, -1);
     return username;
 }
 
@@ -74,8 +67,7 @@ void RefreshAliasesAndGroups(int) {}
 
 void InsertUserItem(int Index, const QString& username, qint32 flags, qint32 ping,
                     const QString& statstring) {
-    lvUsers(Index).add(userItem(Index, username, flags, ping, statstring),
-                       (flags & 0x03) ? 1 : 0);
+    lvUsers(Index).add(userItem(Index, username, flags, ping, statstring), (flags & 0x03) ? 1 : 0);
 }
 
 void RemoveUserItems(int Index, const QString& plainName) {

@@ -236,7 +236,11 @@ bool drawLadder(QPainter& p, const QString& key) {
     };
     const auto it = special.constFind(rest);
     if (it == special.constEnd()) return false;
-    badge(p, it->first, true);
+    // Metal for the rank, the product's colour around it.
+    badge(p, it->first);
+    p.setPen(QPen(product.fill, 1.5));
+    p.setBrush(Qt::NoBrush);
+    p.drawRoundedRect(QRectF(2.25, 2.25, 11.5, 11.5), 2.5, 2.5);
     letters(p, it->second, QRectF(1, 1, 14, 14), 9, QColor(0x20, 0x20, 0x20));
     return true;
 }
@@ -401,13 +405,14 @@ public:
     QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
         return scaledPixmap(size, mode, state, 1.0);
     }
-    QPixmap scaledPixmap(const QSize& size, QIcon::Mode mode, QIcon::State state,
-                         qreal scale) override {
-        QPixmap pixmap(size * scale);
+    // `size` counts device pixels; the pixmap carries the ratio.
+    QPixmap scaledPixmap(const QSize& size, QIcon::Mode mode, QIcon::State, qreal scale) override {
+        QPixmap pixmap(size);
         pixmap.setDevicePixelRatio(scale);
         pixmap.fill(Qt::transparent);
         QPainter painter(&pixmap);
-        paint(&painter, QRect(QPoint(0, 0), size), mode, state);
+        if (mode == QIcon::Disabled) painter.setOpacity(0.4);
+        IconPainter::paint(painter, QRectF(QPointF(0, 0), QSizeF(size) / scale), m_key);
         return pixmap;
     }
     QIconEngine* clone() const override { return new DrawnIconEngine(m_key); }

@@ -149,8 +149,9 @@ void UserListView::forgetHover() {
 QMenu* UserListView::contextMenu() {
     const QString user = selectedUser();
     if (user.isEmpty() || m_kind != Kind::Users) return nullptr;
-    if (!m_menu) m_menu = new QMenu(this);
-    m_menu->clear();
+    // Made anew each time: the captions and the user change.
+    delete m_menu;
+    m_menu = new QMenu(this);
     m_menu->setObjectName(QStringLiteral("mnuRclick"));
     const int slot = m_slot;
     const QString name = serverName(user);

@@ -1,5 +1,6 @@
 #include "app/HeadlessConsole.h"
 #include "config/Folders.h"
+#include "config/RegCommands.h"
 #include "config/RegistryWrapper.h"
 #include "gui/frmBot.h"
 #include "session/ShutdownSequence.h"
@@ -9,6 +10,8 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QMessageBox>
+#include <QTextStream>
 #include <QTimer>
 #include <cstdio>
 #include <cstring>
@@ -55,29 +58,15 @@ Options parseOptions(const QCoreApplication& app) {
 
 // The settings file commands run and end the process.
 int runSettingsCommand(const Options& options) {
+    QTextStream out(stdout);
+    QTextStream err(stderr);
     RegistryWrapper& store = RegistryWrapper::instance();
-    if (!options.importReg.isEmpty()) {
-        if (!store.ImportFromReg(options.importReg)) {
-            std::fprintf(stderr, "Could not import %s: not a readable REGEDIT4 file.\n",
-                         qPrintable(options.importReg));
-            return 1;
-        }
-        std::printf("Imported %s.\n", qPrintable(options.importReg));
-        return 0;
-    }
+    if (!options.importReg.isEmpty()) return ImportRegCommand(store, options.importReg, out, err);
     if (options.exportReg.size() != 2) {
-        std::fprintf(stderr, "--export-reg takes a key and a file: --export-reg KEY "
-                             "--export-reg FILE\n");
+        err << "--export-reg takes a key and a file: --export-reg KEY --export-reg FILE\n";
         return 2;
     }
-    if (!store.ExportToReg(options.exportReg[0], options.exportReg[1], true)) {
-        std::fprintf(stderr, "Could not export %s to %s.\n", qPrintable(options.exportReg[0]),
-                     qPrintable(options.exportReg[1]));
-        return 1;
-    }
-    std::printf("Exported %s to %s.\n", qPrintable(options.exportReg[0]),
-                qPrintable(options.exportReg[1]));
-    return 0;
+    return ExportRegCommand(store, options.exportReg[0], options.exportReg[1], out, err);
 }
 
 void connectLoadedProfiles() {
@@ -151,5 +140,15 @@ int main(int argc, char** argv) {
     if (!options.home.isEmpty()) SetHomeFolder(options.home);
     if (!options.importReg.isEmpty() || !options.exportReg.isEmpty())
         return runSettingsCommand(options);
+    if (!RegistryWrapper::instance().isOpen()) {
+        // Another Corvantide holds this settings store; a second one would
+        // run on defaults and lose every change.
+        const QString text = QStringLiteral("Could not open the settings store %1: is Corvantide "
+                                            "already running with this home?")
+                                 .arg(RegistryWrapper::defaultStoreFile());
+        std::fprintf(stderr, "%s\n", qPrintable(text));
+        if (!windowless) QMessageBox::critical(nullptr, QStringLiteral("Corvantide"), text);
+        return 1;
+    }
     return options.headless ? runHeadless(app, options) : runWindow(app, options);
 }

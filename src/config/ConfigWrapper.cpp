@@ -12,25 +12,21 @@ QString ConfigWrapper::profileKey() const {
 }
 
 QString ConfigWrapper::readString(const QString& valueName, const QString& defaultValue) const {
-    if (Profile.isEmpty())
-        return {};
+    if (Profile.isEmpty()) return {};
     return store().ReadSTRING(profileKey(), valueName, defaultValue);
 }
 
 void ConfigWrapper::writeString(const QString& valueName, const QString& value) {
-    if (!Profile.isEmpty())
-        store().WriteSTRING(profileKey(), valueName, value);
+    if (!Profile.isEmpty()) store().WriteSTRING(profileKey(), valueName, value);
 }
 
 qint32 ConfigWrapper::readDword(const QString& valueName, qint32 defaultValue) const {
-    if (Profile.isEmpty())
-        return 0;
+    if (Profile.isEmpty()) return 0;
     return store().ReadDWORD(profileKey(), valueName, defaultValue);
 }
 
 void ConfigWrapper::writeDword(const QString& valueName, qint32 value) {
-    if (!Profile.isEmpty())
-        store().WriteDWORD(profileKey(), valueName, value);
+    if (!Profile.isEmpty()) store().WriteDWORD(profileKey(), valueName, value);
 }
 
 // Not guarded by an empty Profile: the value then lands in the Profiles key.
@@ -42,8 +38,7 @@ QString ConfigWrapper::Channels(int index) {
         defaultText = QStringLiteral("Clan DbM");
     const QString name = QStringLiteral("Channels") + QString::number(index);
     const QString text = store().ReadSTRING(profileKey(), name, defaultText);
-    if (text == u"--")
-        store().WriteSTRING(profileKey(), name, text);
+    if (text == u"--") store().WriteSTRING(profileKey(), name, text);
     return text;
 }
 

@@ -17,14 +17,26 @@ public:
     QString Profile;
 
 #define CORVANTIDE_STRING_PROPERTY(Name, ValueName, Default)                                       \
-    QString Name() const { return readString(QStringLiteral(ValueName), QStringLiteral(Default)); } \
-    void set##Name(const QString& value) { writeString(QStringLiteral(ValueName), value); }
+    QString Name() const {                                                                         \
+        return readString(QStringLiteral(ValueName), QStringLiteral(Default));                     \
+    }                                                                                              \
+    void set##Name(const QString& value) {                                                         \
+        writeString(QStringLiteral(ValueName), value);                                             \
+    }
 #define CORVANTIDE_DWORD_PROPERTY(Name, ValueName, Default)                                        \
-    qint32 Name() const { return readDword(QStringLiteral(ValueName), Default); }                  \
-    void set##Name(qint32 value) { writeDword(QStringLiteral(ValueName), value); }
+    qint32 Name() const {                                                                          \
+        return readDword(QStringLiteral(ValueName), Default);                                      \
+    }                                                                                              \
+    void set##Name(qint32 value) {                                                                 \
+        writeDword(QStringLiteral(ValueName), value);                                              \
+    }
 #define CORVANTIDE_BOOL_PROPERTY(Name, ValueName)                                                  \
-    bool Name() const { return readDword(QStringLiteral(ValueName), 0) != 0; }                     \
-    void set##Name(bool on) { writeDword(QStringLiteral(ValueName), on ? 1 : 0); }
+    bool Name() const {                                                                            \
+        return readDword(QStringLiteral(ValueName), 0) != 0;                                       \
+    }                                                                                              \
+    void set##Name(bool on) {                                                                      \
+        writeDword(QStringLiteral(ValueName), on ? 1 : 0);                                         \
+    }
 
     CORVANTIDE_STRING_PROPERTY(Account, "Account", "")
     CORVANTIDE_STRING_PROPERTY(Password, "Password", "")

@@ -6,7 +6,6 @@
 #include <QFile>
 #include <QHash>
 #include <QSaveFile>
-
 #include <cmath>
 #include <dirent.h>
 #include <limits>
@@ -58,20 +57,16 @@ const IniFile* loadIni(const QString& path) {
         return nullptr;
     }
     auto it = cache().find(path);
-    if (it != cache().end() && it->stamp == stamp)
-        return &it->file;
+    if (it != cache().end() && it->stamp == stamp) return &it->file;
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return nullptr;
-    if (cache().size() >= kCachedFiles)
-        cache().clear();
+    if (!file.open(QIODevice::ReadOnly)) return nullptr;
+    if (cache().size() >= kCachedFiles) cache().clear();
     return &cache().insert(path, Cached{stamp, IniFile::parse(file.readAll())})->file;
 }
 
 std::pair<QString, QString> splitFolder(const QString& path) {
     const qsizetype slash = path.lastIndexOf(u'/');
-    if (slash < 0)
-        return {QStringLiteral("."), path};
+    if (slash < 0) return {QStringLiteral("."), path};
     return {slash == 0 ? QStringLiteral("/") : path.left(slash), path.mid(slash + 1)};
 }
 
@@ -80,31 +75,26 @@ std::pair<QString, QString> splitFolder(const QString& path) {
 QString ReadIni(const QString& file, const QString& section, const QString& key,
                 const QString& defaultValue, bool* found) {
     const IniFile* ini = loadIni(file);
-    if (found)
-        *found = ini != nullptr;
-    if (!ini)
-        return {};
+    if (found) *found = ini != nullptr;
+    if (!ini) return {};
     return ini->value(section, key).value_or(defaultValue).left(kMaxValue);
 }
 
 qint32 ReadIniNumber(const QString& file, const QString& section, const QString& key,
                      qint32 defaultValue) {
     const QString text = ReadIni(file, section, key);
-    if (text.isEmpty())
-        return defaultValue;
+    if (text.isEmpty()) return defaultValue;
     return LeadingNumber(text);
 }
 
 QString ReadIniKeys(const QString& file, const QString& section) {
     const IniFile* ini = loadIni(file);
-    if (!ini)
-        return {};
+    if (!ini) return {};
     QString list;
     for (const QString& key : ini->keys(section))
         list += key + QChar(0);
     // A listing that overflows keeps its buffer less the two closing NULs.
-    if (list.size() >= kKeyListBuffer)
-        list.truncate(kKeyListBuffer - 2);
+    if (list.size() >= kKeyListBuffer) list.truncate(kKeyListBuffer - 2);
     return list;
 }
 
@@ -112,13 +102,11 @@ bool WriteIni(const QString& file, const QString& section, const QString& key,
               const QString& value) {
     QFile current(file);
     IniFile ini;
-    if (current.open(QIODevice::ReadOnly))
-        ini = IniFile::parse(current.readAll());
+    if (current.open(QIODevice::ReadOnly)) ini = IniFile::parse(current.readAll());
     current.close();
     ini.setValue(section, key, value);
     QSaveFile out(file);
-    if (!out.open(QIODevice::WriteOnly))
-        return false;
+    if (!out.open(QIODevice::WriteOnly)) return false;
     out.write(ini.toBytes());
     const bool written = out.commit();
     cache().remove(file);
@@ -129,28 +117,23 @@ QStringList ListFiles(const QString& pattern) {
     const auto [folder, name] = splitFolder(pattern);
     QStringList names = QDir(folder).entryList({name}, QDir::Files | QDir::Hidden | QDir::System,
                                                QDir::Name | QDir::IgnoreCase);
-    if (names.isEmpty())
-        names.append(QString());
+    if (names.isEmpty()) names.append(QString());
     return names;
 }
 
 bool PathExists(const QString& file, const QString& folder) {
     if (file.isEmpty()) {
-        if (folder.isEmpty())
-            return false;
+        if (folder.isEmpty()) return false;
         DIR* dir = ::opendir(QFile::encodeName(folder).constData());
-        if (dir)
-            ::closedir(dir);
+        if (dir) ::closedir(dir);
         return dir != nullptr;
     }
     const auto [parent, name] = splitFolder(file);
-    if (name.isEmpty())
-        return false;
+    if (name.isEmpty()) return false;
     const QStringList entries =
         QDir(parent).entryList(QDir::Files | QDir::Hidden | QDir::System, QDir::NoSort);
     for (const QString& entry : entries) {
-        if (entry.compare(name, Qt::CaseInsensitive) == 0)
-            return true;
+        if (entry.compare(name, Qt::CaseInsensitive) == 0) return true;
     }
     return false;
 }
@@ -165,8 +148,7 @@ qint32 LeadingNumber(QStringView text) {
     while (i < text.size() && (text[i] == u' ' || text[i] == u'\t'))
         ++i;
     const qsizetype start = i;
-    if (i < text.size() && (text[i] == u'+' || text[i] == u'-'))
-        ++i;
+    if (i < text.size() && (text[i] == u'+' || text[i] == u'-')) ++i;
     const qsizetype digitsFrom = i;
     while (i < text.size() && text[i].isDigit() && text[i].unicode() < 0x80)
         ++i;
@@ -175,15 +157,12 @@ qint32 LeadingNumber(QStringView text) {
         while (i < text.size() && text[i].isDigit() && text[i].unicode() < 0x80)
             ++i;
     }
-    if (i == digitsFrom || (i == digitsFrom + 1 && text[digitsFrom] == u'.'))
-        return 0;
+    if (i == digitsFrom || (i == digitsFrom + 1 && text[digitsFrom] == u'.')) return 0;
     const double number = text.mid(start, i - start).toString().toDouble();
     const double rounded = std::nearbyint(number); // the default mode rounds halves to even
     constexpr double kLow = std::numeric_limits<qint32>::min();
     constexpr double kHigh = std::numeric_limits<qint32>::max();
-    if (!(rounded >= kLow))
-        return std::numeric_limits<qint32>::min();
-    if (rounded > kHigh)
-        return std::numeric_limits<qint32>::max();
+    if (!(rounded >= kLow)) return std::numeric_limits<qint32>::min();
+    if (rounded > kHigh) return std::numeric_limits<qint32>::max();
     return static_cast<qint32>(rounded);
 }

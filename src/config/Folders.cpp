@@ -5,7 +5,6 @@
 #include <QFile>
 #include <QStandardPaths>
 #include <QStringList>
-
 #include <sys/stat.h>
 
 namespace {
@@ -18,26 +17,22 @@ QString& homeOverride() {
 // An XDG variable counts only when it holds an absolute path.
 QString xdgFolder(const char* variable, const QString& fallbackBelowHome) {
     const QString value = qEnvironmentVariable(variable);
-    if (!value.isEmpty() && QDir::isAbsolutePath(value))
-        return QDir::cleanPath(value);
+    if (!value.isEmpty() && QDir::isAbsolutePath(value)) return QDir::cleanPath(value);
     return QDir::homePath() + u'/' + fallbackBelowHome;
 }
 
 QString configHome() {
-    if (!homeOverride().isEmpty())
-        return homeOverride() + QStringLiteral("/.config");
+    if (!homeOverride().isEmpty()) return homeOverride() + QStringLiteral("/.config");
     return xdgFolder("XDG_CONFIG_HOME", QStringLiteral(".config"));
 }
 
 QString dataHome() {
-    if (!homeOverride().isEmpty())
-        return homeOverride() + QStringLiteral("/.local/share");
+    if (!homeOverride().isEmpty()) return homeOverride() + QStringLiteral("/.local/share");
     return xdgFolder("XDG_DATA_HOME", QStringLiteral(".local/share"));
 }
 
 QString userFolder(QStandardPaths::StandardLocation location, const QString& belowHome) {
-    if (!homeOverride().isEmpty())
-        return homeOverride() + u'/' + belowHome;
+    if (!homeOverride().isEmpty()) return homeOverride() + u'/' + belowHome;
     return QStandardPaths::writableLocation(location);
 }
 
@@ -74,8 +69,7 @@ QString GetSpecialFolder(int folder) {
 
 QString GetSettingsPath() {
     QString base = GetSpecialFolder(FolderAppData);
-    if (base.isEmpty())
-        base = GetProgramFolder();
+    if (base.isEmpty()) base = GetProgramFolder();
     QDir().mkpath(base);
     const QString vendor = base + QStringLiteral("/Ostrelund");
     const QString settings = vendor + QStringLiteral("/Corvantide");
@@ -100,7 +94,6 @@ QStringList ProgramCommand() {
         command << QCoreApplication::applicationFilePath();
     else
         command << QStringLiteral("corvantide");
-    if (!homeOverride().isEmpty())
-        command << QStringLiteral("--home") << homeOverride();
+    if (!homeOverride().isEmpty()) command << QStringLiteral("--home") << homeOverride();
     return command;
 }

@@ -19,15 +19,12 @@ IniFile IniFile::parse(QByteArrayView bytes) {
         bytes = bytes.sliced(3);
     }
     const qsizetype firstBreak = bytes.indexOf('\n');
-    if (firstBreak >= 0 && (firstBreak == 0 || bytes[firstBreak - 1] != '\r'))
-        file.lineEnd_ = "\n";
+    if (firstBreak >= 0 && (firstBreak == 0 || bytes[firstBreak - 1] != '\r')) file.lineEnd_ = "\n";
     const QString text = file.utf8_ ? QString::fromUtf8(bytes) : cp1252::decode(bytes);
     file.lines_ = text.split(u'\n');
-    if (file.lines_.last().isEmpty())
-        file.lines_.removeLast();
+    if (file.lines_.last().isEmpty()) file.lines_.removeLast();
     for (QString& line : file.lines_) {
-        if (line.endsWith(u'\r'))
-            line.chop(1);
+        if (line.endsWith(u'\r')) line.chop(1);
     }
     file.index();
     return file;
@@ -47,8 +44,7 @@ void IniFile::index() {
     sections_ = {Section{QString(), -1, {}}};
     for (qsizetype i = 0; i < lines_.size(); ++i) {
         const QString line = lines_[i].trimmed();
-        if (line.isEmpty())
-            continue;
+        if (line.isEmpty()) continue;
         if (line.startsWith(u'[')) {
             const qsizetype close = line.lastIndexOf(u']');
             if (close > 0) {
@@ -58,8 +54,7 @@ void IniFile::index() {
         }
         Section& section = sections_.last();
         section.lastLine = i;
-        if (line.startsWith(u';'))
-            continue;
+        if (line.startsWith(u';')) continue;
         const qsizetype equals = line.indexOf(u'=');
         if (equals < 0) {
             section.entries.append(Entry{line, std::nullopt, i});
@@ -75,19 +70,16 @@ void IniFile::index() {
 const IniFile::Section* IniFile::findSection(QStringView name) const {
     // The nameless head of the file is not a section a caller can name.
     for (qsizetype i = 1; i < sections_.size(); ++i) {
-        if (sameName(sections_[i].name, name))
-            return &sections_[i];
+        if (sameName(sections_[i].name, name)) return &sections_[i];
     }
     return nullptr;
 }
 
 std::optional<QString> IniFile::value(QStringView section, QStringView key) const {
     const Section* found = findSection(section);
-    if (!found)
-        return std::nullopt;
+    if (!found) return std::nullopt;
     for (const Entry& entry : found->entries) {
-        if (sameName(entry.key, key))
-            return entry.value;
+        if (sameName(entry.key, key)) return entry.value;
     }
     return std::nullopt;
 }
@@ -113,8 +105,7 @@ void IniFile::setValue(const QString& section, const QString& key, const QString
         }
         lines_.insert(found->lastLine + 1, line);
     } else {
-        if (!lines_.isEmpty() && !lines_.last().trimmed().isEmpty())
-            lines_.append(QString());
+        if (!lines_.isEmpty() && !lines_.last().trimmed().isEmpty()) lines_.append(QString());
         lines_.append(u'[' + section + u']');
         lines_.append(line);
     }

@@ -5,7 +5,7 @@
 
 #include <QCoreApplication>
 #include <QFile>
-
+#include <QStringTokenizer>
 #include <algorithm>
 #include <array>
 #include <fcntl.h>
@@ -41,7 +41,8 @@ constexpr int kErrorGeneric = 1;
 constexpr int kErrorNotFound = 2;
 constexpr int kErrorAccessDenied = 5;
 
-constexpr int kBusyTimeoutMs = 5000;
+// Another process holding the store lets go of it only when it ends.
+constexpr int kBusyTimeoutMs = 2000;
 
 const char* const kSchema = R"sql(
 CREATE TABLE IF NOT EXISTS keys(
@@ -65,16 +66,14 @@ CREATE TABLE IF NOT EXISTS vals(
 
 bool isAscii(QStringView text) {
     for (QChar c : text) {
-        if (c.unicode() >= 0x80)
-            return false;
+        if (c.unicode() >= 0x80) return false;
     }
     return true;
 }
 
 // The store keeps 8-bit text: what the code page cannot hold does not survive.
 QString storeText(const QString& text) {
-    if (isAscii(text))
-        return text;
+    if (isAscii(text)) return text;
     return cp1252::decode(cp1252::encode(text));
 }
 
@@ -95,6 +94,12 @@ QString trimBlanks(QStringView text) {
 void bindText(sqlite3_stmt* stmt, int index, const QString& text) {
     sqlite3_bind_text16(stmt, index, text.utf16(), static_cast<int>(text.size() * 2),
                         SQLITE_TRANSIENT);
+}
+
+// For reads: the text outlives the statement's use, so it is not copied.
+void bindLookup(sqlite3_stmt* stmt, int index, const QString& text) {
+    sqlite3_bind_text16(stmt, index, text.utf16(), static_cast<int>(text.size() * 2),
+                        SQLITE_STATIC);
 }
 
 QString columnText(sqlite3_stmt* stmt, int column) {
@@ -121,9 +126,7 @@ public:
     }
     Use(const Use&) = delete;
     Use& operator=(const Use&) = delete;
-    sqlite3_stmt* operator->() const { return stmt_; }
     operator sqlite3_stmt*() const { return stmt_; }
-    explicit operator bool() const { return stmt_ != nullptr; }
 
 private:
     sqlite3_stmt* stmt_;
@@ -140,22 +143,53 @@ bool allHexDigits(QStringView text) {
 
 // The data of a "dword:" line: one to eight hex digits, FFFFFFFF being -1.
 bool parseDword(QStringView hex, qint32& out) {
-    if (hex.isEmpty() || hex.size() > 8 || !allHexDigits(hex))
-        return false;
+    if (hex.isEmpty() || hex.size() > 8 || !allHexDigits(hex)) return false;
     out = static_cast<qint32>(hex.toUInt(nullptr, 16));
     return true;
 }
 
+// A string as a reader gets it: fetched into a 255-byte buffer that also
+// holds the end mark, cut at a NUL, without leading blanks.
+QString stringRead(QByteArrayView bytes, const QString& defaultValue, bool defaultIfEmpty) {
+    if (bytes.size() > kMaxStringRead) return defaultValue;
+    if (bytes.size() == kMaxStringRead) bytes.chop(1);
+    const qsizetype nul = bytes.indexOf('\0');
+    if (nul >= 0) bytes.truncate(nul);
+    qsizetype start = 0;
+    while (start < bytes.size() && bytes[start] == ' ')
+        ++start;
+    if (start == bytes.size() && defaultIfEmpty) return defaultValue;
+    return cp1252::decode(bytes.sliced(start));
+}
+
 } // namespace
 
+// A parsed path: the root, and the key's full name as it is stored (short
+// root, names in the code page, no empty elements) and as it is looked up.
 struct RegistryWrapper::KeyPath {
     int root = -1;
-    QStringList names;
+    int depth = 0;
+    QString display;
     QString lookup;
 
     bool valid() const { return root >= 0; }
     bool writable() const { return root >= 0 && root != kLocalMachine; }
-    bool isRoot() const { return names.isEmpty(); }
+    bool isRoot() const { return depth == 0; }
+
+    static KeyPath below(int root, QStringView subPath) {
+        KeyPath key;
+        key.root = root;
+        key.display = kRoots[root].shortForm;
+        key.display.reserve(4 + subPath.size());
+        for (QStringView name : QStringTokenizer(subPath, u'\\', Qt::SkipEmptyParts)) {
+            key.display += u'\\';
+            key.display += name;
+            ++key.depth;
+        }
+        key.display = storeText(key.display);
+        key.lookup = key.display.toLower();
+        return key;
+    }
 };
 
 struct RegistryWrapper::Value {
@@ -170,18 +204,15 @@ struct RegistryWrapper::Value {
 class RegistryWrapper::Transaction {
 public:
     explicit Transaction(RegistryWrapper& store) : store_(store) {
-        if (!store_.db_)
-            return;
+        if (!store_.db_) return;
         if (store_.transactionDepth_ == 0)
             active_ = store_.step(store_.begin_);
         else
             active_ = store_.exec("SAVEPOINT nested");
-        if (active_)
-            ++store_.transactionDepth_;
+        if (active_) ++store_.transactionDepth_;
     }
     ~Transaction() {
-        if (active_)
-            finish(false);
+        if (active_) finish(false);
     }
     Transaction(const Transaction&) = delete;
     Transaction& operator=(const Transaction&) = delete;
@@ -195,13 +226,11 @@ private:
         active_ = false;
         const bool outer = --store_.transactionDepth_ == 0;
         if (outer) {
-            if (keep && store_.step(store_.commit_))
-                return true;
+            if (keep && store_.step(store_.commit_)) return true;
             store_.step(store_.rollback_);
             return false;
         }
-        if (keep)
-            return store_.exec("RELEASE nested");
+        if (keep) return store_.exec("RELEASE nested");
         store_.exec("ROLLBACK TO nested");
         store_.exec("RELEASE nested");
         return false;
@@ -236,11 +265,12 @@ RegistryWrapper::RegistryWrapper(const QString& file) : file_(file) {
         return;
     }
     sqlite3_busy_timeout(db_, kBusyTimeoutMs);
-    bool ok = exec("PRAGMA journal_mode=WAL") && exec("PRAGMA synchronous=FULL") &&
-              exec("BEGIN IMMEDIATE") && exec(kSchema);
+    // The running program owns the store: holding the lock spares every read
+    // the file-lock calls that would otherwise cost more than the read.
+    bool ok = exec("PRAGMA locking_mode=EXCLUSIVE") && exec("PRAGMA journal_mode=WAL") &&
+              exec("PRAGMA synchronous=FULL") && exec("BEGIN IMMEDIATE") && exec(kSchema);
     for (const Root& root : kRoots) {
-        if (!ok)
-            break;
+        if (!ok) break;
         const QString sql = QStringLiteral("INSERT OR IGNORE INTO keys(parent, path, name, "
                                            "display) VALUES(NULL, '%1', '%2', '%2')")
                                 .arg(QString(root.shortForm).toLower(), root.shortForm);
@@ -249,7 +279,8 @@ RegistryWrapper::RegistryWrapper(const QString& file) : file_(file) {
     ok = ok && exec("COMMIT");
     if (ok) {
         findKey_ = prepare("SELECT id, display FROM keys WHERE path = ?1");
-        insertKey_ = prepare("INSERT INTO keys(parent, path, name, display) VALUES(?1, ?2, ?3, ?4)");
+        insertKey_ =
+            prepare("INSERT INTO keys(parent, path, name, display) VALUES(?1, ?2, ?3, ?4)");
         deleteKey_ = prepare("DELETE FROM keys WHERE id = ?1");
         childKeys_ = prepare("SELECT id, name, display FROM keys WHERE parent = ?1 ORDER BY path");
         anyChild_ = prepare("SELECT 1 FROM keys WHERE parent = ?1 LIMIT 1");
@@ -268,8 +299,7 @@ RegistryWrapper::RegistryWrapper(const QString& file) : file_(file) {
              writeValue_ && deleteValue_ && deleteValues_ && listValues_ && begin_ && commit_ &&
              rollback_;
     }
-    if (!ok)
-        close();
+    if (!ok) close();
 }
 
 RegistryWrapper::~RegistryWrapper() {
@@ -283,8 +313,7 @@ void RegistryWrapper::close() {
         sqlite3_finalize(*stmt);
         *stmt = nullptr;
     }
-    if (db_)
-        sqlite3_close(db_);
+    if (db_) sqlite3_close(db_);
     db_ = nullptr;
 }
 
@@ -309,77 +338,49 @@ bool RegistryWrapper::step(sqlite3_stmt* stmt) {
 // root is the first four characters, and empty elements are ignored.
 RegistryWrapper::KeyPath RegistryWrapper::splitKeyPath(const QString& path) {
     QString text = path;
-    for (const Root& root : kRoots) {
-        if (text.contains(root.longForm, Qt::CaseInsensitive))
+    if (text.contains(QLatin1StringView("HKEY_"), Qt::CaseInsensitive)) {
+        for (const Root& root : kRoots)
             text.replace(root.longForm, root.shortForm, Qt::CaseInsensitive);
     }
     const qsizetype slash = text.indexOf(u'\\');
-    const QString rootText = (slash < 0 ? text : text.left(4)).toUpper();
-    KeyPath key;
+    const QStringView rootText = slash < 0 ? QStringView(text) : QStringView(text).left(4);
     for (int i = 0; i < int(kRoots.size()); ++i) {
-        if (rootText == kRoots[i].shortForm)
-            key.root = i;
+        if (rootText.compare(kRoots[i].shortForm, Qt::CaseInsensitive) == 0)
+            return KeyPath::below(i,
+                                  slash < 0 ? QStringView() : QStringView(text).sliced(slash + 1));
     }
-    if (key.root < 0)
-        return key;
-    if (slash >= 0)
-        key.names = text.mid(slash + 1).split(u'\\', Qt::SkipEmptyParts);
-    key.lookup = QString(kRoots[key.root].shortForm).toLower();
-    for (QString& name : key.names) {
-        name = storeText(name);
-        key.lookup += u'\\';
-        key.lookup += name.toLower();
-    }
-    return key;
+    return {};
 }
 
 RegistryWrapper::KeyPath RegistryWrapper::belowCurrentUser(const QString& subPath) {
-    KeyPath key;
-    key.root = kCurrentUser;
-    key.names = subPath.split(u'\\', Qt::SkipEmptyParts);
-    key.lookup = QString(kRoots[kCurrentUser].shortForm).toLower();
-    for (QString& name : key.names) {
-        name = storeText(name);
-        key.lookup += u'\\';
-        key.lookup += name.toLower();
-    }
-    return key;
+    return KeyPath::below(kCurrentUser, subPath);
 }
 
 qint64 RegistryWrapper::keyId(const KeyPath& key, QString* display) {
-    if (!key.valid() || !db_)
-        return -1;
+    if (!key.valid() || !db_) return -1;
     Use stmt(findKey_);
-    bindText(stmt, 1, key.lookup);
-    if (sqlite3_step(stmt) != SQLITE_ROW)
-        return -1;
-    if (display)
-        *display = columnText(stmt, 1);
+    bindLookup(stmt, 1, key.lookup);
+    if (sqlite3_step(stmt) != SQLITE_ROW) return -1;
+    if (display) *display = columnText(stmt, 1);
     return sqlite3_column_int64(stmt, 0);
 }
 
 // Creates the key and its missing parents; -1 on failure.
 qint64 RegistryWrapper::ensureKey(const KeyPath& key) {
-    if (!key.writable())
-        return -1;
+    if (!key.writable()) return -1;
     qint64 id = keyId(key);
-    if (id >= 0)
-        return id;
+    if (id >= 0) return id;
     Transaction transaction(*this);
-    if (!transaction.active())
-        return -1;
-    KeyPath prefix;
-    prefix.root = key.root;
-    prefix.lookup = QString(kRoots[key.root].shortForm).toLower();
-    QString display = kRoots[key.root].shortForm;
+    if (!transaction.active()) return -1;
+    // Walk down from the root, making each missing key on the way.
+    KeyPath prefix = KeyPath::below(key.root, {});
     id = keyId(prefix);
-    for (const QString& name : key.names) {
-        if (name.size() > kMaxName)
-            return -1;
-        prefix.lookup += u'\\';
-        prefix.lookup += name.toLower();
-        display += u'\\';
-        display += name;
+    for (QStringView name : QStringTokenizer(QStringView(key.display).sliced(prefix.display.size()),
+                                             u'\\', Qt::SkipEmptyParts)) {
+        if (name.size() > kMaxName) return -1;
+        prefix.display += u'\\';
+        prefix.display += name;
+        prefix.lookup = prefix.display.toLower();
         const qint64 existing = keyId(prefix);
         if (existing >= 0) {
             id = existing;
@@ -388,10 +389,9 @@ qint64 RegistryWrapper::ensureKey(const KeyPath& key) {
         Use insert(insertKey_);
         sqlite3_bind_int64(insert, 1, id);
         bindText(insert, 2, prefix.lookup);
-        bindText(insert, 3, name);
-        bindText(insert, 4, display);
-        if (sqlite3_step(insert) != SQLITE_DONE)
-            return -1;
+        bindText(insert, 3, name.toString());
+        bindText(insert, 4, prefix.display);
+        if (sqlite3_step(insert) != SQLITE_DONE) return -1;
         id = sqlite3_last_insert_rowid(db_);
     }
     return transaction.commit() ? id : -1;
@@ -408,14 +408,12 @@ bool RegistryWrapper::removeKey(qint64 id) {
     {
         Use values(deleteValues_);
         sqlite3_bind_int64(values, 1, id);
-        if (sqlite3_step(values) != SQLITE_DONE)
-            return false;
+        if (sqlite3_step(values) != SQLITE_DONE) return false;
     }
     {
         Use key(deleteKey_);
         sqlite3_bind_int64(key, 1, id);
-        if (sqlite3_step(key) != SQLITE_DONE)
-            return false;
+        if (sqlite3_step(key) != SQLITE_DONE) return false;
     }
     return transaction.commit();
 }
@@ -447,13 +445,12 @@ QList<RegistryWrapper::Value> RegistryWrapper::values(qint64 id) {
 }
 
 bool RegistryWrapper::readValue(const KeyPath& key, const QString& name, Value& out) {
-    if (!key.valid() || !db_)
-        return false;
+    if (!key.valid() || !db_) return false;
+    const QString valueName = lookupName(name);
     Use stmt(readValue_);
-    bindText(stmt, 1, key.lookup);
-    bindText(stmt, 2, lookupName(name));
-    if (sqlite3_step(stmt) != SQLITE_ROW)
-        return false;
+    bindLookup(stmt, 1, key.lookup);
+    bindLookup(stmt, 2, valueName);
+    if (sqlite3_step(stmt) != SQLITE_ROW) return false;
     out.type = sqlite3_column_int(stmt, 0);
     if (out.type == TypeDword)
         out.dword = sqlite3_column_int(stmt, 1);
@@ -465,16 +462,13 @@ bool RegistryWrapper::readValue(const KeyPath& key, const QString& name, Value& 
 int RegistryWrapper::writeValue(const QString& path, const QString& name, int type,
                                 const QByteArray& data, qint32 dword) {
     const KeyPath key = splitKeyPath(path);
-    if (!key.writable() || !db_ || name.size() > kMaxName)
-        return 0;
+    if (!key.writable() || !db_ || name.size() > kMaxName) return 0;
     Transaction transaction(*this);
     qint64 id = keyId(key);
     if (id < 0) {
-        if (!createKeyIfDoesntExists_)
-            return 0;
+        if (!createKeyIfDoesntExists_) return 0;
         id = ensureKey(key);
-        if (id < 0)
-            return 0;
+        if (id < 0) return 0;
     }
     const QString stored = storeText(name);
     {
@@ -488,8 +482,7 @@ int RegistryWrapper::writeValue(const QString& path, const QString& name, int ty
         else
             sqlite3_bind_blob(stmt, 5, data.constData(), static_cast<int>(data.size()),
                               SQLITE_TRANSIENT);
-        if (sqlite3_step(stmt) != SQLITE_DONE)
-            return 0;
+        if (sqlite3_step(stmt) != SQLITE_DONE) return 0;
     }
     return transaction.commit() ? 1 : 0;
 }
@@ -501,22 +494,17 @@ int RegistryWrapper::CreateKey(const QString& path) {
 int RegistryWrapper::KillKey(const QString& path) {
     const KeyPath key = splitKeyPath(path);
     const qint64 id = keyId(key);
-    if (id < 0)
-        return 0;
-    if (!key.isRoot() && !hasSubkeys(id))
-        removeKey(id);
+    if (id < 0) return 0;
+    if (!key.isRoot() && !hasSubkeys(id)) removeKey(id);
     return 1;
 }
 
 int RegistryWrapper::DeleteKey(const QString& subPath) {
     const KeyPath key = belowCurrentUser(subPath);
-    if (key.isRoot())
-        return kErrorAccessDenied;
+    if (key.isRoot()) return kErrorAccessDenied;
     const qint64 id = keyId(key);
-    if (id < 0)
-        return kErrorNotFound;
-    if (hasSubkeys(id))
-        return kErrorAccessDenied;
+    if (id < 0) return kErrorNotFound;
+    if (hasSubkeys(id)) return kErrorAccessDenied;
     return removeKey(id) ? 0 : kErrorGeneric;
 }
 
@@ -532,11 +520,9 @@ bool RegistryWrapper::HaveSubkey(const QString& path) {
 int RegistryWrapper::EnumKeys(const QString& path, QStringList& names) {
     names = QStringList{QString()};
     const qint64 id = keyId(splitKeyPath(path));
-    if (id < 0)
-        return -1;
+    if (id < 0) return -1;
     const QList<Child> list = children(id);
-    if (list.isEmpty())
-        return 0;
+    if (list.isEmpty()) return 0;
     names.clear();
     for (const Child& child : list)
         names.append(child.name);
@@ -552,17 +538,14 @@ bool RegistryWrapper::copyKey(const QString& parent, const QString& sourceName,
     const KeyPath source = splitKeyPath(base + sourceName);
     const KeyPath target = splitKeyPath(base + targetName);
     const qint64 sourceId = keyId(source);
-    if (sourceId < 0 || keyId(target) >= 0 || hasSubkeys(sourceId))
-        return false;
+    if (sourceId < 0 || keyId(target) >= 0 || hasSubkeys(sourceId)) return false;
     Transaction transaction(*this);
     const qint64 targetId = ensureKey(target);
-    if (targetId < 0)
-        return false;
+    if (targetId < 0) return false;
     const QList<Value> list = values(sourceId);
     for (int type : {int(TypeDword), int(TypeString)}) {
         for (const Value& value : list) {
-            if (value.type != type)
-                continue;
+            if (value.type != type) continue;
             Use stmt(writeValue_);
             sqlite3_bind_int64(stmt, 1, targetId);
             bindText(stmt, 2, value.name.toLower());
@@ -573,8 +556,7 @@ bool RegistryWrapper::copyKey(const QString& parent, const QString& sourceName,
             else
                 sqlite3_bind_blob(stmt, 5, value.data.constData(), int(value.data.size()),
                                   SQLITE_TRANSIENT);
-            if (sqlite3_step(stmt) != SQLITE_DONE)
-                return false;
+            if (sqlite3_step(stmt) != SQLITE_DONE) return false;
         }
     }
     return transaction.commit();
@@ -582,11 +564,9 @@ bool RegistryWrapper::copyKey(const QString& parent, const QString& sourceName,
 
 bool RegistryWrapper::RenameKey(const QString& parent, const QString& oldName,
                                 const QString& newName) {
-    if (lookupName(oldName) == lookupName(newName))
-        return true;
+    if (lookupName(oldName) == lookupName(newName)) return true;
     Transaction transaction(*this);
-    if (!copyKey(parent, oldName, newName))
-        return false;
+    if (!copyKey(parent, oldName, newName)) return false;
     // Profiles live below HKCU; the old key goes by its path below that root.
     DeleteKey(parent.mid(5) + u'\\' + oldName);
     return transaction.commit();
@@ -594,8 +574,7 @@ bool RegistryWrapper::RenameKey(const QString& parent, const QString& oldName,
 
 bool RegistryWrapper::CloneKey(const QString& parent, const QString& sourceName,
                                const QString& targetName) {
-    if (lookupName(sourceName) == lookupName(targetName))
-        return false;
+    if (lookupName(sourceName) == lookupName(targetName)) return false;
     return copyKey(parent, sourceName, targetName);
 }
 
@@ -609,21 +588,7 @@ QString RegistryWrapper::ReadSTRING(const QString& path, const QString& name,
     Value value;
     if (!readValue(splitKeyPath(path), name, value) || value.type != TypeString)
         return defaultValue;
-    // The value is fetched into a 255-byte buffer that also holds the end mark.
-    QByteArray& bytes = value.data;
-    if (bytes.size() > kMaxStringRead)
-        return defaultValue;
-    if (bytes.size() == kMaxStringRead)
-        bytes.chop(1);
-    const qsizetype nul = bytes.indexOf('\0');
-    if (nul >= 0)
-        bytes.truncate(nul);
-    qsizetype start = 0;
-    while (start < bytes.size() && bytes[start] == ' ')
-        ++start;
-    if (start == bytes.size() && defaultIfEmpty)
-        return defaultValue;
-    return cp1252::decode(QByteArrayView(bytes).sliced(start));
+    return stringRead(value.data, defaultValue, defaultIfEmpty);
 }
 
 int RegistryWrapper::WriteDWORD(const QString& path, const QString& name, qint32 value) {
@@ -632,17 +597,14 @@ int RegistryWrapper::WriteDWORD(const QString& path, const QString& name, qint32
 
 qint32 RegistryWrapper::ReadDWORD(const QString& path, const QString& name, qint32 defaultValue) {
     Value value;
-    if (!readValue(splitKeyPath(path), name, value) || value.type != TypeDword)
-        return defaultValue;
+    if (!readValue(splitKeyPath(path), name, value) || value.type != TypeDword) return defaultValue;
     return value.dword;
 }
 
-int RegistryWrapper::WriteBinary(const QString& path, const QString& name,
-                                 const QString& hexText) {
+int RegistryWrapper::WriteBinary(const QString& path, const QString& name, const QString& hexText) {
     bool ok = false;
     const QByteArray bytes = StrToBin(hexText, &ok);
-    if (!ok)
-        return 0;
+    if (!ok) return 0;
     return writeValue(path, name, TypeBinary, bytes, 0);
 }
 
@@ -657,8 +619,7 @@ QString RegistryWrapper::ReadBinary(const QString& path, const QString& name,
 int RegistryWrapper::KillValue(const QString& path, const QString& name) {
     const KeyPath key = splitKeyPath(path);
     const qint64 id = keyId(key);
-    if (id < 0)
-        return 0;
+    if (id < 0) return 0;
     Transaction transaction(*this);
     {
         Use stmt(deleteValue_);
@@ -679,50 +640,40 @@ int RegistryWrapper::EnumValues(const QString& path, QStringList& names, QString
                                 int type) {
     names = QStringList{QString()};
     values = QStringList{QString()};
-    const KeyPath key = splitKeyPath(path);
-    const qint64 id = keyId(key);
-    if (id < 0)
-        return -1;
-    int count = 0;
+    const qint64 id = keyId(splitKeyPath(path));
+    if (id < 0) return -1;
+    QStringList foundNames;
+    QStringList foundValues;
     for (const Value& value : this->values(id)) {
-        if (type != TypeAny && value.type != type)
-            continue;
-        if (count > 0) {
-            names.append(QString());
-            values.append(QString());
-        }
-        names[count] = trimBlanks(value.name);
-        switch (value.type) {
-        case TypeString:
-            values[count] = ReadSTRING(path, value.name);
-            break;
-        case TypeDword:
-            values[count] = QString::number(value.dword);
-            break;
-        case TypeBinary:
-            values[count] = trimBlanks(BinToStr(QByteArrayView(value.data).first(std::min(value.data.size(), kMaxStringRead))));
-            break;
-        default:
-            break;
-        }
-        ++count;
+        if (type != TypeAny && value.type != type) continue;
+        QString text;
+        if (value.type == TypeString)
+            text = stringRead(value.data, QString(), false);
+        else if (value.type == TypeDword)
+            text = QString::number(value.dword);
+        else if (value.type == TypeBinary)
+            text = trimBlanks(BinToStr(
+                QByteArrayView(value.data).first(std::min(value.data.size(), kMaxStringRead))));
+        foundNames.append(trimBlanks(value.name));
+        foundValues.append(text);
     }
-    return count;
+    if (foundNames.isEmpty()) return 0;
+    names = foundNames;
+    values = foundValues;
+    return int(names.size());
 }
 
 bool RegistryWrapper::exportSection(qint64 id, const QString& display, QIODevice& file,
                                     bool recursive,
                                     const std::function<void(const QString&)>& progress) {
-    const qsizetype rootLength = display.indexOf(u'\\') < 0 ? display.size() : 4;
-    QString header = display.mid(rootLength);
+    // Stored paths start with the short root; the file names the long one.
+    QString header = display.mid(4);
     for (const Root& root : kRoots) {
-        if (display.left(rootLength) == root.shortForm)
-            header.prepend(root.longForm);
+        if (QStringView(display).left(4) == root.shortForm) header.prepend(root.longForm);
     }
     if (progress) {
         progress(header);
-        if (QCoreApplication::instance())
-            QCoreApplication::processEvents();
+        if (QCoreApplication::instance()) QCoreApplication::processEvents();
     }
     const QList<Value> list = values(id);
     QString defaultText;
@@ -735,69 +686,62 @@ bool RegistryWrapper::exportSection(qint64 id, const QString& display, QIODevice
             if (value.name.isEmpty())
                 defaultText = cp1252::decode(value.data);
             else
-                strings += name + QStringLiteral("=\"") + cp1252::decode(value.data) + QStringLiteral("\"\r\n");
+                strings += name + QStringLiteral("=\"") + cp1252::decode(value.data) +
+                           QStringLiteral("\"\r\n");
         } else if (value.type == TypeBinary) {
             QString hex = BinToStr(value.data);
             hex.chop(1);
-            binaries += name + QStringLiteral("=hex:") + hex.replace(u' ', u',') +
-                        QStringLiteral("\r\n");
+            binaries +=
+                name + QStringLiteral("=hex:") + hex.replace(u' ', u',') + QStringLiteral("\r\n");
         } else if (value.type == TypeDword) {
-            dwords += name + QStringLiteral("=dword:") +
-                      QStringLiteral("%1").arg(quint32(value.dword), 8, 16, QLatin1Char('0')).toUpper() +
-                      QStringLiteral("\r\n");
+            dwords +=
+                name + QStringLiteral("=dword:") +
+                QStringLiteral("%1").arg(quint32(value.dword), 8, 16, QLatin1Char('0')).toUpper() +
+                QStringLiteral("\r\n");
         }
     }
-    const QString section = u'[' + header + QStringLiteral("]\r\n@=\"") + defaultText + QStringLiteral("\"\r\n") + strings +
-                            binaries + dwords + QStringLiteral("\r\n");
+    const QString section = u'[' + header + QStringLiteral("]\r\n@=\"") + defaultText +
+                            QStringLiteral("\"\r\n") + strings + binaries + dwords +
+                            QStringLiteral("\r\n");
     const QByteArray bytes = cp1252::encode(section);
-    if (file.write(bytes) != bytes.size())
-        return false;
-    if (!recursive)
-        return true;
+    if (file.write(bytes) != bytes.size()) return false;
+    if (!recursive) return true;
     for (const Child& child : children(id)) {
-        if (!exportSection(child.id, child.display, file, recursive, progress))
-            return false;
+        if (!exportSection(child.id, child.display, file, recursive, progress)) return false;
     }
     return true;
 }
 
 bool RegistryWrapper::ExportToReg(const QString& path, const QString& fileName, bool recursive,
                                   const std::function<void(const QString&)>& progress) {
-    if (QFile::exists(fileName))
-        return false;
+    if (QFile::exists(fileName)) return false;
     QString display;
     const qint64 id = keyId(splitKeyPath(path), &display);
-    if (id < 0)
-        return false;
+    if (id < 0) return false;
     QFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
-        return false;
-    if (file.write("REGEDIT4\r\n\r\n") < 0)
-        return false;
+    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly)) return false;
+    if (file.write("REGEDIT4\r\n\r\n") < 0) return false;
     return exportSection(id, display, file, recursive, progress) && file.flush();
 }
 
 bool RegistryWrapper::ImportFromReg(const QString& fileName) {
     createKeyIfDoesntExists_ = true;
     QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly))
-        return false;
+    if (!file.open(QIODevice::ReadOnly)) return false;
     return ImportRegText(file.readAll());
 }
 
 bool RegistryWrapper::ImportRegText(QByteArrayView text) {
     createKeyIfDoesntExists_ = true;
     const QStringList lines = cp1252::decode(text).split(QStringLiteral("\r\n"));
-    if (lines.first().toUpper() != u"REGEDIT4")
-        return false;
+    if (lines.first().toUpper() != u"REGEDIT4") return false;
     const auto clean = [](const QString& line) { return trimBlanks(line).remove(u'"'); };
     // A file applies as far as it is good: what came before a bad line stays.
     Transaction transaction(*this);
     qsizetype i = 1;
     while (i < lines.size()) {
         const QString line = clean(lines[i++]);
-        if (!line.startsWith(u'['))
-            continue;
+        if (!line.startsWith(u'[')) continue;
         const QString key = line.mid(1, line.size() - 2);
         if (key.startsWith(u'-')) {
             KillKey(key.mid(1));
@@ -805,8 +749,7 @@ bool RegistryWrapper::ImportRegText(QByteArrayView text) {
         }
         for (; i < lines.size(); ++i) {
             const QString valueLine = clean(lines[i]);
-            if (valueLine.startsWith(u'['))
-                break;
+            if (valueLine.startsWith(u'[')) break;
             if (valueLine.isEmpty() || valueLine.startsWith(u';') || !valueLine.contains(u'='))
                 continue;
             const QStringList parts = valueLine.split(u'=');
@@ -831,8 +774,7 @@ bool RegistryWrapper::ImportRegText(QByteArrayView text) {
                 WriteDWORD(key, name, number);
             } else {
                 WriteSTRING(key, name, data);
-                if (data.isEmpty() && name == u"@")
-                    KillValue(key, QString());
+                if (data.isEmpty() && name == u"@") KillValue(key, QString());
             }
         }
     }
@@ -859,10 +801,8 @@ QByteArray RegistryWrapper::StrToBin(const QString& hexText, bool* ok) {
     QByteArray bytes;
     bytes.reserve(digits.size() / 2 + 1);
     const bool valid = allHexDigits(digits);
-    if (ok)
-        *ok = valid;
-    if (!valid)
-        return {};
+    if (ok) *ok = valid;
+    if (!valid) return {};
     // Pairs from the left; an odd last digit stands alone.
     for (qsizetype i = 0; i < digits.size(); i += 2)
         bytes.append(static_cast<char>(QStringView(digits).mid(i, 2).toUInt(nullptr, 16)));
@@ -872,7 +812,6 @@ QByteArray RegistryWrapper::StrToBin(const QString& hexText, bool* ok) {
 bool RegistryWrapper::isBinValid(const QString& hexText) {
     QString digits = hexText;
     digits.remove(u' ');
-    if (digits.isEmpty())
-        return false;
+    if (digits.isEmpty()) return false;
     return allHexDigits(digits);
 }

@@ -8,7 +8,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
-
 #include <algorithm>
 
 namespace {
@@ -19,11 +18,10 @@ bool isOneOf(qint32 value, std::initializer_list<qint32> allowed) {
 
 // One argument of an Exec line: quoted, with the characters the desktop
 // entry format reserves escaped, then escaped again as a string value.
-QString execArgument(QString argument) {
+QString execArgument(const QString& argument) {
     QString quoted;
     for (QChar c : argument) {
-        if (c == u'"' || c == u'`' || c == u'$' || c == u'\\')
-            quoted += u'\\';
+        if (c == u'"' || c == u'`' || c == u'$' || c == u'\\') quoted += u'\\';
         quoted += c;
     }
     quoted.replace(u'\\', QStringLiteral("\\\\"));
@@ -109,8 +107,7 @@ QStringList SettingsWrapper::SeedStore() {
     QStringList created;
     for (const Seed& seed : seeds) {
         const QString path = RootKey() + seed.key;
-        if (store_.KeyExists(path))
-            continue;
+        if (store_.KeyExists(path)) continue;
         store_.CreateKey(path);
         if (seed.entries) {
             for (const QString& entry : *seed.entries)
@@ -164,8 +161,7 @@ qint32 SettingsWrapper::readDword(const QString& valueName, qint32 defaultValue)
     return store_.ReadDWORD(SettingsKey(), valueName, defaultValue);
 }
 
-void SettingsWrapper::writeDword(const QString& valueName, qint32 value,
-                                 const QString& property) {
+void SettingsWrapper::writeDword(const QString& valueName, qint32 value, const QString& property) {
     store_.WriteDWORD(SettingsKey(), valueName, value);
     Q_EMIT settingChanged(property.isEmpty() ? valueName : property);
 }
@@ -199,19 +195,19 @@ void SettingsWrapper::setTransparency(qint32 percent) {
                isOneOf(percent, {20, 40, 60, 80, 100}) ? percent : 100);
 }
 
-QString SettingsWrapper::readFont(const QString& valueName, const QString& defaultValue) const {
+QString SettingsWrapper::readFont(const QString& valueName, const QString& defaultValue,
+                                  bool* fellBack) const {
     const QString stored = readString(valueName, defaultValue);
-    if (fonts_.isEmpty() || fonts_.contains(stored.toLower()))
-        return stored;
-    return defaultValue;
+    const bool installed = fonts_.isEmpty() || fonts_.contains(stored.toLower());
+    if (fellBack) *fellBack = !installed;
+    return installed ? stored : defaultValue;
 }
 
 QString SettingsWrapper::ChatFont() const {
-    const QString stored = readString(QStringLiteral("ChatFont"), QStringLiteral("Arial"));
-    const QString family = readFont(QStringLiteral("ChatFont"), QStringLiteral("Arial"));
+    bool fellBack = false;
+    const QString family = readFont(QStringLiteral("ChatFont"), QStringLiteral("Arial"), &fellBack);
     // The views had the missing font: they get the default with its size again.
-    if (family != stored)
-        Q_EMIT settingChanged(QStringLiteral("ChatSize"));
+    if (fellBack) Q_EMIT settingChanged(QStringLiteral("ChatSize"));
     return family;
 }
 
@@ -237,8 +233,7 @@ void SettingsWrapper::setListFont(const QString& family) {
 
 bool SettingsWrapper::WindowsStartup() const {
     QFile file(AutostartFile());
-    if (!file.open(QIODevice::ReadOnly))
-        return false;
+    if (!file.open(QIODevice::ReadOnly)) return false;
     const IniFile entry = IniFile::parse(file.readAll());
     const QString section = QStringLiteral("Desktop Entry");
     const bool hidden = entry.value(section, u"Hidden").value_or(QString()) == u"true";

@@ -47,14 +47,26 @@ public:
     void setInstalledFonts(const QStringList& families);
 
 #define CORVANTIDE_BOOL_SETTING(Name, ValueName, Default)                                          \
-    bool Name() const { return readBool(QStringLiteral(ValueName), Default); }                     \
-    void set##Name(bool on) { writeBool(QStringLiteral(ValueName), on, QStringLiteral(#Name)); }
+    bool Name() const {                                                                            \
+        return readBool(QStringLiteral(ValueName), Default);                                       \
+    }                                                                                              \
+    void set##Name(bool on) {                                                                      \
+        writeBool(QStringLiteral(ValueName), on, QStringLiteral(#Name));                           \
+    }
 #define CORVANTIDE_DWORD_SETTING(Name, Default)                                                    \
-    qint32 Name() const { return readDword(QStringLiteral(#Name), Default); }                      \
-    void set##Name(qint32 value) { writeDword(QStringLiteral(#Name), value); }
+    qint32 Name() const {                                                                          \
+        return readDword(QStringLiteral(#Name), Default);                                          \
+    }                                                                                              \
+    void set##Name(qint32 value) {                                                                 \
+        writeDword(QStringLiteral(#Name), value);                                                  \
+    }
 #define CORVANTIDE_STRING_SETTING(Name, Default)                                                   \
-    QString Name() const { return readString(QStringLiteral(#Name), QStringLiteral(Default)); }    \
-    void set##Name(const QString& value) { writeString(QStringLiteral(#Name), value); }
+    QString Name() const {                                                                         \
+        return readString(QStringLiteral(#Name), QStringLiteral(Default));                         \
+    }                                                                                              \
+    void set##Name(const QString& value) {                                                         \
+        writeString(QStringLiteral(#Name), value);                                                 \
+    }
 
     // Connection.
     CORVANTIDE_BOOL_SETTING(RequestNews, "RequestNews", false)
@@ -165,7 +177,8 @@ private:
     void writeDword(const QString& valueName, qint32 value, const QString& property = {});
     QString readString(const QString& valueName, const QString& defaultValue) const;
     void writeString(const QString& valueName, const QString& value, const QString& property = {});
-    QString readFont(const QString& valueName, const QString& defaultValue) const;
+    QString readFont(const QString& valueName, const QString& defaultValue,
+                     bool* fellBack = nullptr) const;
 
     RegistryWrapper& store_;
     QSet<QString> fonts_;

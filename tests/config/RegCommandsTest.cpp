@@ -1,0 +1,52 @@
+#include "config/RegCommands.h"
+
+#include "QtPrinters.h"
+#include "config/RegistryWrapper.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTextStream>
+#include <gtest/gtest.h>
+
+namespace {
+
+struct Command {
+    QString out;
+    QString err;
+    QTextStream outStream{&out};
+    QTextStream errStream{&err};
+};
+
+TEST(RegCommands, ExportThenImportElsewhere) {
+    QTemporaryDir dir;
+    const QString reg = dir.filePath(QStringLiteral("backup.reg"));
+    const QString key = QStringLiteral("HKCU\\Software\\Corvantide4\\Profiles\\Main");
+    {
+        RegistryWrapper store(dir.filePath(QStringLiteral("a.sqlite")));
+        store.WriteSTRING(key, QStringLiteral("Account"), QStringLiteral("corvan"));
+        Command run;
+        EXPECT_EQ(ExportRegCommand(store, key, reg, run.outStream, run.errStream), 0);
+        EXPECT_EQ(run.out, QStringLiteral("Exported %1 to %2\n").arg(key, reg));
+        EXPECT_EQ(run.err, QString());
+
+        Command again;
+        EXPECT_EQ(ExportRegCommand(store, key, reg, again.outStream, again.errStream), 1);
+        EXPECT_TRUE(again.err.contains(QStringLiteral("already exists")));
+    }
+    RegistryWrapper other(dir.filePath(QStringLiteral("b.sqlite")));
+    Command import;
+    EXPECT_EQ(ImportRegCommand(other, reg, import.outStream, import.errStream), 0);
+    EXPECT_EQ(import.out, QStringLiteral("Imported %1\n").arg(reg));
+    EXPECT_EQ(other.ReadSTRING(key, QStringLiteral("Account")), QStringLiteral("corvan"));
+
+    QFile bad(dir.filePath(QStringLiteral("bad.reg")));
+    ASSERT_TRUE(bad.open(QIODevice::WriteOnly));
+    bad.write("Windows Registry Editor Version 5.00\r\n");
+    bad.close();
+    Command refused;
+    EXPECT_EQ(ImportRegCommand(other, bad.fileName(), refused.outStream, refused.errStream), 1);
+    EXPECT_TRUE(refused.err.contains(QStringLiteral("not a REGEDIT4 file")));
+    EXPECT_EQ(refused.out, QString());
+}
+
+} // namespace

@@ -1,0 +1,423 @@
+#include "config/RegistryWrapper.h"
+
+#include "QtPrinters.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+namespace {
+
+const QString kKey = QStringLiteral("HKCU\\Software\\Test");
+
+class Store : public ::testing::Test {
+protected:
+    QString path(const QString& name) const { return dir_.filePath(name); }
+
+    QByteArray readFile(const QString& name) const {
+        QFile file(path(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    void writeFile(const QString& name, const QByteArray& bytes) const {
+        QFile file(path(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+    }
+
+    QStringList keys(const QString& key) {
+        QStringList names;
+        store_.EnumKeys(key, names);
+        return names;
+    }
+
+    QTemporaryDir dir_;
+    RegistryWrapper store_{dir_.filePath(QStringLiteral("settings.sqlite"))};
+};
+
+TEST_F(Store, FileIsPrivateToTheUser) {
+    ASSERT_TRUE(store_.isOpen());
+    struct stat info {};
+    ASSERT_EQ(::stat(QFile::encodeName(store_.fileName()).constData(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777, 0600u);
+}
+
+TEST_F(Store, PathGrammar) {
+    ASSERT_TRUE(store_.CreateKey(QStringLiteral("hkcu\\software\\x")));
+    // One key under every spelling of the root and of the names.
+    EXPECT_TRUE(store_.KeyExists(QStringLiteral("HKCU\\SOFTWARE\\X")));
+    EXPECT_TRUE(store_.KeyExists(QStringLiteral("HKEY_CURRENT_USER\\Software\\x")));
+    EXPECT_TRUE(store_.KeyExists(QStringLiteral("hkey_current_user\\Software\\x")));
+    EXPECT_TRUE(store_.KeyExists(QStringLiteral("HKCU\\\\Software\\\\x\\\\")));
+    // The root is the first four characters, whatever follows them.
+    EXPECT_TRUE(store_.KeyExists(QStringLiteral("HKCUxyz\\Software\\x")));
+    // A root alone names the root itself.
+    EXPECT_TRUE(store_.KeyExists(QStringLiteral("HKCU")));
+    EXPECT_TRUE(store_.KeyExists(QStringLiteral("HKEY_CLASSES_ROOT")));
+    EXPECT_EQ(keys(QStringLiteral("HKCU")), QStringList{QStringLiteral("software")});
+    // Unknown roots match nothing.
+    EXPECT_FALSE(store_.KeyExists(QStringLiteral("HKXX\\Software\\x")));
+    EXPECT_FALSE(store_.KeyExists(QStringLiteral("HKC\\Software\\x")));
+    EXPECT_FALSE(store_.KeyExists(QStringLiteral("HKCUX")));
+    QStringList names;
+    EXPECT_EQ(store_.EnumKeys(QStringLiteral("Nowhere\\Software"), names), -1);
+    EXPECT_EQ(store_.CreateKey(QStringLiteral("Nowhere\\Software")), 0);
+    EXPECT_EQ(store_.WriteDWORD(QStringLiteral("Nowhere\\Software"), QStringLiteral("a"), 1), 0);
+}
+
+TEST_F(Store, NamesKeepTheirCaseAndMatchWithoutIt) {
+    store_.WriteSTRING(kKey, QStringLiteral("MixedCase"), QStringLiteral("one"));
+    store_.WriteSTRING(kKey, QStringLiteral("MIXEDCASE"), QStringLiteral("two"));
+    EXPECT_EQ(store_.ReadSTRING(kKey, QStringLiteral("mixedcase")), QStringLiteral("two"));
+    QStringList names, values;
+    ASSERT_EQ(store_.EnumValues(kKey, names, values), 1);
+    EXPECT_EQ(names[0], QStringLiteral("MixedCase"));
+    EXPECT_EQ(keys(QStringLiteral("HKCU\\software")), QStringList{QStringLiteral("Test")});
+}
+
+TEST_F(Store, LocalMachineIsEmptyAndReadOnly) {
+    const QString key = QStringLiteral("HKLM\\Software\\Winamp");
+    EXPECT_EQ(store_.CreateKey(key), 0);
+    EXPECT_EQ(store_.WriteSTRING(key, QString(), QStringLiteral("/opt/winamp")), 0);
+    EXPECT_EQ(store_.ReadSTRING(key, QString(), QStringLiteral("fallback")),
+              QStringLiteral("fallback"));
+    EXPECT_EQ(store_.ReadDWORD(key, QStringLiteral("x"), 42), 42);
+    EXPECT_TRUE(store_.KeyExists(QStringLiteral("HKLM")));
+}
+
+TEST_F(Store, StringReadRules) {
+    const auto readBack = [&](const QString& stored) {
+        store_.WriteSTRING(kKey, QStringLiteral("v"), stored);
+        return store_.ReadSTRING(kKey, QStringLiteral("v"), QStringLiteral("default"));
+    };
+    EXPECT_EQ(readBack(QString(254, u'a')), QString(254, u'a'));
+    EXPECT_EQ(readBack(QString(255, u'a')), QString(254, u'a'));
+    EXPECT_EQ(readBack(QString(300, u'a')), QStringLiteral("default"));
+    EXPECT_EQ(readBack(QStringLiteral("  abc  ")), QStringLiteral("abc  "));
+    EXPECT_EQ(readBack(QStringLiteral("ab") + QChar(0) + QStringLiteral("cd")),
+              QStringLiteral("ab"));
+    // The limit is on the stored bytes: one byte per character of the code page.
+    EXPECT_EQ(readBack(QString(254, QChar(0x20AC))), QString(254, QChar(0x20AC)));
+    EXPECT_EQ(readBack(QStringLiteral("snow \u2603")), QStringLiteral("snow ?"));
+
+    EXPECT_EQ(readBack(QString()), QString());
+    EXPECT_EQ(store_.ReadSTRING(kKey, QStringLiteral("v"), QStringLiteral("d"), true),
+              QStringLiteral("d"));
+    EXPECT_EQ(store_.ReadSTRING(kKey, QStringLiteral("missing"), QStringLiteral("d")),
+              QStringLiteral("d"));
+    EXPECT_EQ(store_.ReadSTRING(kKey + QStringLiteral("\\Missing"), QStringLiteral("v"),
+                                QStringLiteral("d")),
+              QStringLiteral("d"));
+}
+
+TEST_F(Store, TypedValues) {
+    EXPECT_EQ(store_.ReadDWORD(kKey, QStringLiteral("n"), 77), 77);
+    store_.WriteDWORD(kKey, QStringLiteral("n"), -5);
+    EXPECT_EQ(store_.ReadDWORD(kKey, QStringLiteral("n"), 77), -5);
+    // A value of another type is not there for a reader of this type.
+    EXPECT_EQ(store_.ReadSTRING(kKey, QStringLiteral("n"), QStringLiteral("d")),
+              QStringLiteral("d"));
+    store_.WriteSTRING(kKey, QStringLiteral("n"), QStringLiteral("5"));
+    EXPECT_EQ(store_.ReadDWORD(kKey, QStringLiteral("n"), 77), 77);
+
+    ASSERT_TRUE(store_.WriteBinary(kKey, QStringLiteral("b"), QStringLiteral("41 00 ff")));
+    EXPECT_EQ(store_.ReadBinary(kKey, QStringLiteral("b")), QStringLiteral("41 00 FF"));
+    store_.WriteBinary(kKey, QStringLiteral("empty"), QString());
+    EXPECT_TRUE(store_.ValueExists(kKey, QStringLiteral("empty")));
+    EXPECT_EQ(store_.ReadBinary(kKey, QStringLiteral("empty"), QStringLiteral("d")), QString());
+    EXPECT_EQ(store_.WriteBinary(kKey, QStringLiteral("bad"), QStringLiteral("4G")), 0);
+
+    // "@" is the default value for strings only.
+    store_.WriteSTRING(kKey, QStringLiteral("@"), QStringLiteral("default text"));
+    EXPECT_EQ(store_.ReadSTRING(kKey, QString()), QStringLiteral("default text"));
+    store_.WriteDWORD(kKey, QStringLiteral("@"), 3);
+    EXPECT_EQ(store_.ReadDWORD(kKey, QStringLiteral("@")), 3);
+    EXPECT_EQ(store_.ReadSTRING(kKey, QString()), QStringLiteral("default text"));
+
+    EXPECT_TRUE(store_.KillValue(kKey, QStringLiteral("N")));
+    EXPECT_FALSE(store_.ValueExists(kKey, QStringLiteral("n")));
+    EXPECT_EQ(store_.KillValue(kKey + QStringLiteral("\\Missing"), QStringLiteral("n")), 0);
+}
+
+TEST_F(Store, WritesToMissingKeysFollowTheCreateSetting) {
+    const QString key = kKey + QStringLiteral("\\A\\B");
+    store_.setCreateKeyIfDoesntExists(false);
+    EXPECT_EQ(store_.WriteDWORD(key, QStringLiteral("n"), 1), 0);
+    EXPECT_EQ(store_.WriteSTRING(key, QStringLiteral("s"), QStringLiteral("x")), 0);
+    EXPECT_FALSE(store_.KeyExists(kKey));
+    store_.setCreateKeyIfDoesntExists(true);
+    EXPECT_NE(store_.WriteDWORD(key, QStringLiteral("n"), 1), 0);
+    EXPECT_TRUE(store_.KeyExists(key));
+    EXPECT_EQ(store_.CreateKey(key), 1) << "an existing key is no failure";
+    EXPECT_EQ(store_.CreateKey(kKey + u'\\' + QString(256, u'k')), 0) << "names stop at 255";
+}
+
+TEST_F(Store, EnumerationIsStableAndAlwaysHasASlot) {
+    QStringList names, values;
+    EXPECT_EQ(store_.EnumKeys(kKey, names), -1);
+    EXPECT_EQ(names, QStringList{QString()});
+    store_.CreateKey(kKey);
+    EXPECT_EQ(store_.EnumKeys(kKey, names), 0);
+    EXPECT_EQ(names, QStringList{QString()});
+    EXPECT_EQ(store_.EnumValues(kKey, names, values), 0);
+    EXPECT_EQ(values, QStringList{QString()});
+    EXPECT_FALSE(store_.HaveSubkey(kKey));
+
+    for (const char* name : {"delta", "Alpha", "charlie", "Bravo"})
+        store_.CreateKey(kKey + u'\\' + QString::fromLatin1(name));
+    const QStringList expected = {QStringLiteral("Alpha"), QStringLiteral("Bravo"),
+                                  QStringLiteral("charlie"), QStringLiteral("delta")};
+    EXPECT_EQ(store_.EnumKeys(kKey, names), 4);
+    EXPECT_EQ(names, expected);
+    EXPECT_TRUE(store_.HaveSubkey(kKey));
+
+    store_.WriteDWORD(kKey, QStringLiteral("z"), -1);
+    store_.WriteSTRING(kKey, QStringLiteral(" padded "), QStringLiteral("  text"));
+    store_.WriteBinary(kKey, QStringLiteral("bin"), QString(600, u'A'));
+    EXPECT_EQ(store_.EnumValues(kKey, names, values), 3);
+    EXPECT_EQ(names,
+              (QStringList{QStringLiteral("z"), QStringLiteral("padded"), QStringLiteral("bin")}));
+    EXPECT_EQ(values[0], QStringLiteral("-1"));
+    EXPECT_EQ(values[1], QStringLiteral("text"));
+    EXPECT_EQ(values[2].size(), 255 * 3 - 1) << "binary data is listed up to 255 bytes";
+    EXPECT_EQ(store_.EnumValues(kKey, names, values, RegistryWrapper::TypeDword), 1);
+    EXPECT_EQ(names, QStringList{QStringLiteral("z")});
+}
+
+TEST_F(Store, DeletionLeavesKeysThatHaveSubkeys) {
+    store_.CreateKey(kKey + QStringLiteral("\\Parent\\Child"));
+    store_.WriteSTRING(kKey + QStringLiteral("\\Parent"), QStringLiteral("v"), QStringLiteral("x"));
+
+    EXPECT_EQ(store_.KillKey(kKey + QStringLiteral("\\Parent")), 1) << "it opens";
+    EXPECT_TRUE(store_.KeyExists(kKey + QStringLiteral("\\Parent")));
+    EXPECT_NE(store_.DeleteKey(QStringLiteral("Software\\Test\\Parent")), 0);
+    EXPECT_TRUE(store_.KeyExists(kKey + QStringLiteral("\\Parent")));
+
+    EXPECT_EQ(store_.DeleteKey(QStringLiteral("software\\test\\parent\\child")), 0);
+    EXPECT_NE(store_.DeleteKey(QStringLiteral("software\\test\\parent\\child")), 0);
+    EXPECT_EQ(store_.KillKey(kKey + QStringLiteral("\\Parent")), 1);
+    EXPECT_FALSE(store_.KeyExists(kKey + QStringLiteral("\\Parent")));
+    EXPECT_EQ(store_.KillKey(kKey + QStringLiteral("\\Parent")), 0);
+
+    // Values go with their key: a new key of the same name starts empty.
+    store_.CreateKey(kKey + QStringLiteral("\\Parent"));
+    EXPECT_FALSE(store_.ValueExists(kKey + QStringLiteral("\\Parent"), QStringLiteral("v")));
+    EXPECT_TRUE(store_.KillKey(QStringLiteral("HKCU")));
+    EXPECT_TRUE(store_.KeyExists(QStringLiteral("HKCU"))) << "a root is never deleted";
+}
+
+TEST_F(Store, RenameAndCloneCarryDwordsAndStringsOnly) {
+    const QString profiles = QStringLiteral("HKCU\\Software\\Corvantide4\\Profiles\\");
+    store_.WriteSTRING(profiles + QStringLiteral("Main"), QStringLiteral("Account"),
+                       QStringLiteral("corvan"));
+    store_.WriteDWORD(profiles + QStringLiteral("Main"), QStringLiteral("IdleTime"), 5);
+    store_.WriteBinary(profiles + QStringLiteral("Main"), QStringLiteral("Blob"),
+                       QStringLiteral("01"));
+
+    ASSERT_TRUE(store_.CloneKey(profiles, QStringLiteral("Main"), QStringLiteral("Copy")));
+    ASSERT_TRUE(store_.RenameKey(profiles, QStringLiteral("Main"), QStringLiteral("Renamed")));
+    EXPECT_FALSE(store_.KeyExists(profiles + QStringLiteral("Main")));
+    for (const char* name : {"Copy", "Renamed"}) {
+        const QString key = profiles + QString::fromLatin1(name);
+        EXPECT_EQ(store_.ReadSTRING(key, QStringLiteral("Account")), QStringLiteral("corvan"));
+        EXPECT_EQ(store_.ReadDWORD(key, QStringLiteral("IdleTime")), 5);
+        EXPECT_FALSE(store_.ValueExists(key, QStringLiteral("Blob")));
+    }
+    QStringList names, values;
+    store_.EnumValues(profiles + QStringLiteral("Copy"), names, values);
+    EXPECT_EQ(names, (QStringList{QStringLiteral("IdleTime"), QStringLiteral("Account")}));
+
+    // An empty key still comes into being.
+    store_.CreateKey(profiles + QStringLiteral("Empty"));
+    EXPECT_TRUE(store_.CloneKey(profiles, QStringLiteral("Empty"), QStringLiteral("Empty2")));
+    EXPECT_TRUE(store_.KeyExists(profiles + QStringLiteral("Empty2")));
+}
+
+TEST_F(Store, RenameAndCloneRefusals) {
+    const QString parent = QStringLiteral("HKCU\\Software\\Corvantide4\\Profiles");
+    store_.WriteSTRING(parent + QStringLiteral("\\Main"), QStringLiteral("Account"),
+                       QStringLiteral("a"));
+    store_.CreateKey(parent + QStringLiteral("\\Other"));
+    store_.CreateKey(parent + QStringLiteral("\\Nested\\Child"));
+
+    // Same name but for case: rename is done already, clone has nothing to do.
+    EXPECT_TRUE(store_.RenameKey(parent, QStringLiteral("Main"), QStringLiteral("MAIN")));
+    EXPECT_EQ(keys(parent).first(), QStringLiteral("Main"));
+    EXPECT_FALSE(store_.CloneKey(parent, QStringLiteral("Main"), QStringLiteral("MAIN")));
+
+    EXPECT_FALSE(store_.RenameKey(parent, QStringLiteral("Missing"), QStringLiteral("New")));
+    EXPECT_FALSE(store_.RenameKey(parent, QStringLiteral("Main"), QStringLiteral("other")));
+    EXPECT_FALSE(store_.CloneKey(parent, QStringLiteral("Main"), QStringLiteral("Other")));
+    EXPECT_FALSE(store_.RenameKey(parent, QStringLiteral("Nested"), QStringLiteral("Moved")));
+    EXPECT_FALSE(store_.CloneKey(parent, QStringLiteral("Nested"), QStringLiteral("Moved")));
+    EXPECT_EQ(keys(parent), (QStringList{QStringLiteral("Main"), QStringLiteral("Nested"),
+                                         QStringLiteral("Other")}));
+    EXPECT_TRUE(store_.KeyExists(parent + QStringLiteral("\\Nested\\Child")));
+}
+
+TEST(BinaryText, ConvertsBothWays) {
+    EXPECT_EQ(RegistryWrapper::BinToStr("AB"), QStringLiteral("41 42 "));
+    EXPECT_EQ(RegistryWrapper::BinToStr(QByteArray(1, '\0')), QStringLiteral("00 "));
+    EXPECT_EQ(RegistryWrapper::BinToStr({}), QString());
+    EXPECT_EQ(RegistryWrapper::StrToBin(QStringLiteral("41 42 ")), QByteArray("AB"));
+    EXPECT_EQ(RegistryWrapper::StrToBin(QStringLiteral("4 1 00")), QByteArray("A\0", 2));
+    EXPECT_EQ(RegistryWrapper::StrToBin(QStringLiteral("414")), QByteArray("A\x04"));
+    EXPECT_EQ(RegistryWrapper::StrToBin(QString()), QByteArray());
+    bool ok = true;
+    RegistryWrapper::StrToBin(QStringLiteral("0x41"), &ok);
+    EXPECT_FALSE(ok);
+
+    EXPECT_TRUE(RegistryWrapper::isBinValid(QStringLiteral("ab c")));
+    EXPECT_TRUE(RegistryWrapper::isBinValid(QStringLiteral("abc"))) << "odd counts pass";
+    EXPECT_FALSE(RegistryWrapper::isBinValid(QStringLiteral("   ")));
+    EXPECT_FALSE(RegistryWrapper::isBinValid(QStringLiteral("ag")));
+}
+
+TEST_F(Store, ExportFormat) {
+    const QString key = QStringLiteral("HKCU\\Software\\Export");
+    store_.WriteDWORD(key, QStringLiteral("Count"), -1);
+    store_.WriteBinary(key, QStringLiteral("Blob"), QStringLiteral("0a ff"));
+    store_.WriteSTRING(key, QStringLiteral("Path"), QStringLiteral("C:\\x \"q\""));
+    store_.CreateKey(key + QStringLiteral("\\Sub\\Deeper"));
+    store_.CreateKey(key + QStringLiteral("\\Another"));
+
+    QStringList seen;
+    ASSERT_TRUE(store_.ExportToReg(QStringLiteral("hkcu\\software\\export"), path("out.reg"), true,
+                                   [&](const QString& k) { seen.append(k); }));
+    EXPECT_EQ(readFile(QStringLiteral("out.reg")),
+              QByteArray("REGEDIT4\r\n\r\n"
+                         "[HKEY_CURRENT_USER\\Software\\Export]\r\n"
+                         "@=\"\"\r\n"
+                         "\"Path\"=\"C:\\x \"q\"\"\r\n"
+                         "\"Blob\"=hex:0A,FF\r\n"
+                         "\"Count\"=dword:FFFFFFFF\r\n"
+                         "\r\n"
+                         "[HKEY_CURRENT_USER\\Software\\Export\\Another]\r\n@=\"\"\r\n\r\n"
+                         "[HKEY_CURRENT_USER\\Software\\Export\\Sub]\r\n@=\"\"\r\n\r\n"
+                         "[HKEY_CURRENT_USER\\Software\\Export\\Sub\\Deeper]\r\n@=\"\"\r\n\r\n"));
+    EXPECT_EQ(seen.size(), 4);
+    EXPECT_EQ(seen.first(), QStringLiteral("HKEY_CURRENT_USER\\Software\\Export"));
+
+    ASSERT_TRUE(store_.ExportToReg(key, path("flat.reg"), false));
+    EXPECT_FALSE(readFile(QStringLiteral("flat.reg")).contains("Another"));
+
+    // An existing file is never overwritten, nor is a missing key exported.
+    writeFile(QStringLiteral("taken.reg"), "mine");
+    EXPECT_FALSE(store_.ExportToReg(key, path("taken.reg"), true));
+    EXPECT_EQ(readFile(QStringLiteral("taken.reg")), QByteArray("mine"));
+    EXPECT_FALSE(store_.ExportToReg(key + QStringLiteral("\\Missing"), path("none.reg"), true));
+    EXPECT_FALSE(QFile::exists(path("none.reg")));
+}
+
+TEST_F(Store, ExportImportRoundTrip) {
+    const QString key = QStringLiteral("HKCU\\Software\\Round");
+    store_.WriteSTRING(key, QStringLiteral("@"), QStringLiteral("the default"));
+    store_.WriteSTRING(key, QStringLiteral("Name"), QStringLiteral("\u00C9l\u00E8ve \u20AC"));
+    store_.WriteDWORD(key, QStringLiteral("Minus"), -1);
+    store_.WriteDWORD(key, QStringLiteral("Big"), 0x7FFFFFFF);
+    store_.WriteBinary(key, QStringLiteral("Bytes"), QStringLiteral("00 01 FE"));
+    store_.WriteBinary(key, QStringLiteral("Nothing"), QString());
+    store_.CreateKey(key + QStringLiteral("\\Empty"));
+    ASSERT_TRUE(store_.ExportToReg(key, path("round.reg"), true));
+
+    RegistryWrapper other(path("other.sqlite"));
+    ASSERT_TRUE(other.ImportFromReg(path("round.reg")));
+    EXPECT_EQ(other.ReadSTRING(key, QString()), QStringLiteral("the default"));
+    EXPECT_EQ(other.ReadSTRING(key, QStringLiteral("Name")),
+              QStringLiteral("\u00C9l\u00E8ve \u20AC"));
+    EXPECT_EQ(other.ReadDWORD(key, QStringLiteral("Minus")), -1);
+    EXPECT_EQ(other.ReadDWORD(key, QStringLiteral("Big")), 0x7FFFFFFF);
+    EXPECT_EQ(other.ReadBinary(key, QStringLiteral("Bytes")), QStringLiteral("00 01 FE"));
+    EXPECT_TRUE(other.ValueExists(key, QStringLiteral("Nothing")));
+    // The empty key comes back, without the default value its "@=\"\"" line names.
+    EXPECT_TRUE(other.KeyExists(key + QStringLiteral("\\Empty")));
+    EXPECT_FALSE(other.ValueExists(key + QStringLiteral("\\Empty"), QString()));
+    ASSERT_TRUE(other.ExportToReg(key, path("again.reg"), true));
+    EXPECT_EQ(readFile(QStringLiteral("again.reg")), readFile(QStringLiteral("round.reg")));
+}
+
+TEST_F(Store, ImportLineRules) {
+    const QString key = QStringLiteral("HKCU\\Software\\Import");
+    store_.WriteSTRING(key, QString(), QStringLiteral("old default"));
+    store_.WriteSTRING(key, QStringLiteral("Gone"), QStringLiteral("x"));
+    store_.CreateKey(QStringLiteral("HKCU\\Software\\Doomed"));
+    store_.setCreateKeyIfDoesntExists(false);
+    writeFile(QStringLiteral("in.reg"),
+              "regedit4\r\n"
+              "\"Stray\"=\"before any key\"\r\n"
+              "[HKEY_CURRENT_USER\\Software\\Import]\r\n"
+              "\"A\"=x=y\r\n"
+              "  \"Spaced\"  =  padded  \r\n"
+              "@=\"\"\r\n"
+              "\"Gone\"=-\r\n"
+              "; \"Comment\"=\"no\"\r\n"
+              "no equals sign\r\n"
+              "\"Hex\"=HEX:41,42\r\n"
+              "\"Num\"=DWORD:0000002a\r\n"
+              "[-HKEY_CURRENT_USER\\Software\\Doomed]\r\n"
+              "\"Ignored\"=\"the section of a deleted key has no body\"\r\n"
+              "[HKEY_CURRENT_USER\\Software\\Import\\New]\r\n"
+              "\"Made\"=dword:1\r\n");
+    ASSERT_TRUE(store_.ImportFromReg(path("in.reg")));
+    EXPECT_TRUE(store_.CreateKeyIfDoesntExists());
+    EXPECT_EQ(store_.ReadSTRING(key, QStringLiteral("A")), QStringLiteral("x"));
+    EXPECT_EQ(store_.ReadSTRING(key, QStringLiteral("Spaced  ")), QStringLiteral("padded"));
+    EXPECT_FALSE(store_.ValueExists(key, QString()));
+    EXPECT_FALSE(store_.ValueExists(key, QStringLiteral("Gone")));
+    EXPECT_FALSE(store_.ValueExists(key, QStringLiteral("; Comment")));
+    EXPECT_FALSE(store_.ValueExists(key, QStringLiteral("Stray")));
+    EXPECT_EQ(store_.ReadBinary(key, QStringLiteral("Hex")), QStringLiteral("41 42"));
+    EXPECT_EQ(store_.ReadDWORD(key, QStringLiteral("Num")), 42);
+    EXPECT_FALSE(store_.KeyExists(QStringLiteral("HKCU\\Software\\Doomed")));
+    EXPECT_FALSE(
+        store_.ValueExists(QStringLiteral("HKCU\\Software\\Doomed"), QStringLiteral("Ignored")));
+    EXPECT_EQ(store_.ReadDWORD(key + QStringLiteral("\\New"), QStringLiteral("Made")), 1);
+}
+
+TEST_F(Store, ImportRefusalsAndStops) {
+    EXPECT_FALSE(store_.ImportFromReg(path("missing.reg")));
+    writeFile(QStringLiteral("v5.reg"), "Windows Registry Editor Version 5.00\r\n\r\n");
+    EXPECT_FALSE(store_.ImportFromReg(path("v5.reg")));
+    // Lines end in CR LF: a file of bare LF is one long first line.
+    writeFile(QStringLiteral("lf.reg"), "REGEDIT4\n\n[HKEY_CURRENT_USER\\Software\\Lf]\n");
+    EXPECT_FALSE(store_.ImportFromReg(path("lf.reg")));
+
+    // A bad number ends the import; what came before stays.
+    writeFile(QStringLiteral("bad.reg"), "REGEDIT4\r\n[HKCU\\Software\\Bad]\r\n"
+                                         "\"First\"=dword:00000001\r\n"
+                                         "\"Broken\"=dword:123456789\r\n"
+                                         "\"Later\"=dword:00000002\r\n");
+    EXPECT_FALSE(store_.ImportFromReg(path("bad.reg")));
+    EXPECT_EQ(store_.ReadDWORD(QStringLiteral("HKCU\\Software\\Bad"), QStringLiteral("First")), 1);
+    EXPECT_FALSE(
+        store_.ValueExists(QStringLiteral("HKCU\\Software\\Bad"), QStringLiteral("Later")));
+}
+
+TEST(StoreFile, SurvivesReopening) {
+    QTemporaryDir dir;
+    const QString file = dir.filePath(QStringLiteral("s.sqlite"));
+    {
+        RegistryWrapper store(file);
+        store.WriteSTRING(kKey, QStringLiteral("kept"), QStringLiteral("yes"));
+    }
+    RegistryWrapper store(file);
+    EXPECT_EQ(store.ReadSTRING(kKey, QStringLiteral("kept")), QStringLiteral("yes"));
+    // The running program owns its store; a second user of it gets defaults.
+    RegistryWrapper second(file);
+    EXPECT_FALSE(second.isOpen());
+    EXPECT_EQ(second.ReadSTRING(kKey, QStringLiteral("kept"), QStringLiteral("d")),
+              QStringLiteral("d"));
+
+    // A file that is not a store gives an object that reads defaults.
+    QFile junk(dir.filePath(QStringLiteral("junk.sqlite")));
+    ASSERT_TRUE(junk.open(QIODevice::WriteOnly));
+    junk.write(QByteArray(4096, 'x'));
+    junk.close();
+    RegistryWrapper broken(junk.fileName());
+    EXPECT_FALSE(broken.isOpen());
+    EXPECT_EQ(broken.ReadDWORD(kKey, QStringLiteral("kept"), 9), 9);
+    EXPECT_EQ(broken.WriteDWORD(kKey, QStringLiteral("kept"), 1), 0);
+}
+
+} // namespace

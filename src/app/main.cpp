@@ -1,8 +1,10 @@
 #include "app/HeadlessConsole.h"
+#include "chat/BotElement.h"
 #include "config/Folders.h"
 #include "config/RegCommands.h"
 #include "config/RegistryWrapper.h"
 #include "gui/frmBot.h"
+#include "presentation/ChatWriter.h"
 #include "session/ShutdownSequence.h"
 #include "session/SlotTable.h"
 #include "session/StartupSequence.h"
@@ -69,6 +71,29 @@ int runSettingsCommand(const Options& options) {
     return ExportRegCommand(store, options.exportReg[0], options.exportReg[1], out, err);
 }
 
+// A line typed on the terminal goes to the profile on screen, as the input
+// box would send it.
+void sendTypedLine(const QString& line) {
+    const int index = SlotTable::instance().CurrentIndex();
+    if (index == 0) {
+        WriteChat(0, Status::Error,
+                  QStringLiteral("There is no profile on screen to send to; load one first."));
+        return;
+    }
+    if (!line.isEmpty()) Bots(index).Queue.append(line);
+}
+
+// Without a window the first loaded profile is the one typing goes to.
+void showFirstLoadedProfile() {
+    SlotTable& table = SlotTable::instance();
+    for (int i = 1; i <= table.highestIndex(); ++i) {
+        if (Bots(i).IsLoaded) {
+            table.SelectBot(i);
+            return;
+        }
+    }
+}
+
 void connectLoadedProfiles() {
     SlotTable& table = SlotTable::instance();
     for (int i = 1; i <= table.highestIndex(); ++i)
@@ -87,7 +112,9 @@ int runHeadless(QCoreApplication& app, const Options& options) {
         console.flush();
         return 1;
     }
+    showFirstLoadedProfile();
     if (options.connect) QTimer::singleShot(0, &app, connectLoadedProfiles);
+    console.setLineHandler(sendTypedLine);
     console.startReading();
     const int code = app.exec();
     ShutdownSequence().run();

@@ -1,6 +1,7 @@
 #include "commands/ChatInput.h"
 
 #include "chat/BotElement.h"
+#include "chat/ChannelView.h"
 #include "presentation/ChatWriter.h"
 #include "session/PacketWriter.h"
 #include "session/SlotTable.h"
@@ -80,6 +81,14 @@ void SendChatLine(int Index, QString Text) {
     PacketWriter w;
     w.WriteSTRING(Text);
     w.SendPacket(Index, 0x0E);
+    if (Text.startsWith(u'/'))
+        return; // the server's answer shows by itself
+    // The bot's own talk, as the channel sees it, decoded when it went out coded.
+    QString shown = Text;
+    if (shown[0].unicode() == 164 || shown[0].unicode() == 171)
+        DecryptChat(shown);
+    channelview::Show(Index, rtbChat(Index), QStringLiteral("talk"), bot.UniqueAccount, shown, {},
+                      bot.MyPing(), bot.MyFlags);
 }
 
 void EncryptChat(QString& Text) {

@@ -131,7 +131,7 @@ TEST(ScreenshotTest, TheWindowShowsTheChannelsUsersAndColouredChat) {
     SettingsWrapper::instance().setTimeStamp(true);
     const int slot = SlotTable::instance().LoadProfile(QStringLiteral("Demo"));
     ConfigWrapper& c = Bots(slot).Config;
-    c.setAccount(QStringLiteral("CorvDemo"));
+    c.setAccount(QStringLiteral("demobot"));
     c.setPassword(QStringLiteral("demo"));
     c.setClient(QStringLiteral("STAR"));
     c.setVerbyte(QStringLiteral("d3"));

@@ -1,0 +1,48 @@
+#include "common/SandboxProcess.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+
+SandboxProcess::~SandboxProcess() {
+    if (m_process.state() != QProcess::NotRunning) {
+        m_process.kill();
+        m_process.waitForFinished(3000);
+    }
+}
+
+QString SandboxProcess::binary() {
+    return QStringLiteral(CORVANTIDE_BINARY_DIR "/corvantide-sandbox");
+}
+
+bool SandboxProcess::start(const QStringList& options) {
+    m_process.setProcessChannelMode(QProcess::SeparateChannels);
+    m_process.start(binary(), QStringList{QStringLiteral("--bncs-port"), QStringLiteral("0"),
+                                          QStringLiteral("--bnls-port"), QStringLiteral("0")} +
+                                  options);
+    if (!m_process.waitForStarted(5000))
+        return false;
+    while (bncsPort == 0 || bnlsPort == 0) {
+        if (!m_process.canReadLine() && !m_process.waitForReadyRead(5000))
+            return false;
+        while (m_process.canReadLine()) {
+            const QString line = QString::fromUtf8(m_process.readLine()).trimmed();
+            const int port = line.section(u':', -1).toInt();
+            if (line.startsWith(QLatin1String("BNCS listening")))
+                bncsPort = port;
+            else if (line.startsWith(QLatin1String("BNLS listening")))
+                bnlsPort = port;
+        }
+    }
+    return true;
+}
+
+bool waitFor(const std::function<bool()>& done, int ms) {
+    QElapsedTimer clock;
+    clock.start();
+    while (!done()) {
+        if (clock.elapsed() > ms)
+            return false;
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    }
+    return true;
+}

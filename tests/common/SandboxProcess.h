@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QProcess>
+#include <QStringList>
+
+// The local test server in a child process, on ports the system picks.
+class SandboxProcess {
+public:
+    ~SandboxProcess();
+    // Starts the sandbox with `options` and reads the two ports it prints.
+    bool start(const QStringList& options = {});
+    static QString binary();
+
+    int bncsPort = 0;
+    int bnlsPort = 0;
+    QString bncsServer() const { return QStringLiteral("127.0.0.1:%1").arg(bncsPort); }
+    QString bnlsServer() const { return QStringLiteral("127.0.0.1:%1").arg(bnlsPort); }
+
+private:
+    QProcess m_process;
+};
+
+// Runs the event loop until `done` holds or `ms` pass; true when it held.
+bool waitFor(const std::function<bool()>& done, int ms = 10000);

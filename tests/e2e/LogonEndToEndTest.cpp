@@ -1,0 +1,233 @@
+// The bot against the local sandbox over loopback: every product by every
+// route it allows, account creation, refusals, and the order on the wire.
+#include "common/SandboxProcess.h"
+#include "chat/TimedEvents.h"
+#include "common/SlotFixture.h"
+#include "config/SettingsWrapper.h"
+#include "platform/ChatDocument.h"
+#include "session/ConnectionWrapper.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+namespace {
+
+const QString kVectors = QStringLiteral(CORVANTIDE_SHARED_DIR "/vectors/");
+
+struct Product {
+    const char* client;
+    const char* key;
+    const char* key2;
+    bool localCapable;
+};
+
+constexpr Product kProducts[] = {
+    {"STAR", "7178075237576", "", false},
+    {"SEXP", "9230867218823", "", false},
+    {"W2BN", "WF4G4B99KVMB2DTT", "", false},
+    {"D2DV", "8K4NNCFJPXKW7CNW", "", true},
+    {"D2XP", "KGC6RPK4X4G2DXGT", "HFXMFMW78PX7CWBR", true},
+    {"WAR3", "V9FBR8JC4RJWCGPCMGPT9J2CND", "", true},
+    {"W3XP", "7TGH6YHF7KTDNCJGEFTVDCGKCV", "BV6C66KR2HZ9NNWCHP4HEXPH4M", true},
+};
+
+// Game files for local hashing, under the names each product's folder uses.
+class GameFolder {
+public:
+    GameFolder() {
+        const QString exe = kVectors + QStringLiteral("exeinfo/War3.exe");
+        const QString second = kVectors + QStringLiteral("checkrevision/file2.bin");
+        const QString third = kVectors + QStringLiteral("checkrevision/file3.bin");
+        for (const auto& [name, from] :
+             {std::pair{"Game.exe", exe}, {"War3.exe", exe}, {"Bnclient.dll", second},
+              {"Storm.dll", second}, {"D2client.dll", third}, {"Game.dll", third}}) {
+            const QString to = dir.filePath(QString::fromLatin1(name));
+            QFile::copy(from, to);
+            QFile::setPermissions(to, QFile::ReadOwner | QFile::WriteOwner);
+        }
+        files = dir.filePath(QStringLiteral("War3.exe")) + u',' + dir.filePath("Storm.dll") +
+                u',' + dir.filePath("Game.dll");
+    }
+    QTemporaryDir dir;
+    QString files; // the sandbox's --hash-files
+};
+
+class LogonEndToEnd : public SlotFixture {
+protected:
+    // The program's timers run as they do in a real run: the delayed chat
+    // events, the send queue and the watchdog.
+    void SetUp() override {
+        SlotFixture::SetUp();
+        TimedEvents::instance().start();
+    }
+    void TearDown() override { TimedEvents::instance().stop(); }
+
+    bool startSandbox(QStringList options = {}) {
+        options << QStringLiteral("--hash-files") << game.files << QStringLiteral("--trace-file")
+                << trace.filePath(QStringLiteral("trace.log"));
+        return sandbox.start(options);
+    }
+    int load(const Product& p, const QString& account, const QString& password) {
+        return load(p, account, password, sandbox);
+    }
+    int load(const Product& p, const QString& account, const QString& password,
+             const SandboxProcess& server) {
+        const int i = SlotTable::instance().LoadProfile(account + QString::fromLatin1(p.client));
+        ConfigWrapper& c = Bots(i).Config;
+        c.setAccount(account);
+        c.setPassword(password);
+        c.setClient(QString::fromLatin1(p.client));
+        c.setVerbyte(QStringLiteral("d3"));
+        c.setCdkey(QString::fromLatin1(p.key));
+        c.setCdkey2(QString::fromLatin1(p.key2));
+        c.setServer(server.bncsServer());
+        c.setServerBNLS(server.bnlsServer());
+        c.setChannel(QStringLiteral("Lobby"));
+        return i;
+    }
+    void useLocalHashing(bool on) {
+        SettingsWrapper& s = SettingsWrapper::instance();
+        s.setLocalHashing(on);
+        s.setPathD2DV(game.dir.path());
+        s.setPathD2XP(game.dir.path());
+        s.setPathWAR3(game.dir.path());
+    }
+    QString chat(int i) { return rtbChat(i).text(); }
+    // The sandbox's trace as "bncs out 0x50" lines, in order.
+    QStringList wireOrder() {
+        QFile file(trace.filePath(QStringLiteral("trace.log")));
+        file.open(QIODevice::ReadOnly);
+        QStringList order;
+        for (const QByteArray& line : file.readAll().split('\n')) {
+            const QList<QByteArray> f = line.split(' ');
+            if (f.size() >= 6 && f[0] == "trace" && (f[4] == "in" || f[4] == "out"))
+                order << QString::fromLatin1(f[2] + ' ' + f[4] + ' ' + f[5]);
+        }
+        return order;
+    }
+
+    GameFolder game;
+    QTemporaryDir trace;
+    SandboxProcess sandbox;
+};
+
+} // namespace
+
+TEST_F(LogonEndToEnd, EveryProductReachesChatByEveryRoute) {
+    ASSERT_TRUE(startSandbox()) << "no sandbox at " << SandboxProcess::binary().toStdString();
+    int n = 0;
+    for (const Product& p : kProducts) {
+        for (const bool local : {false, true}) {
+            if (local && !p.localCapable)
+                continue;
+            useLocalHashing(local);
+            const int i = load(p, QStringLiteral("route%1").arg(n++), QStringLiteral("secret"));
+            SlotTable::instance().ConnectBot(i);
+            EXPECT_TRUE(waitFor([&] { return Bots(i).Channel() == QLatin1String("Lobby"); }))
+                << p.client << (local ? " local" : " bnls") << "\n"
+                << chat(i).toStdString();
+            EXPECT_TRUE(Bots(i).Online()) << p.client;
+        }
+    }
+}
+
+TEST_F(LogonEndToEnd, AMissingAccountIsCreatedAndAWrongPasswordEndsTheSession) {
+    ASSERT_TRUE(startSandbox({QStringLiteral("--account"), QStringLiteral("known:right")}));
+    useLocalHashing(false);
+    for (const Product& p : {kProducts[0], kProducts[5]}) {
+        const int fresh = load(p, QStringLiteral("newcomer") + QString::fromLatin1(p.client),
+                               QStringLiteral("pass"));
+        SlotTable::instance().ConnectBot(fresh);
+        ASSERT_TRUE(waitFor([&] { return Bots(fresh).Online(); })) << chat(fresh).toStdString();
+
+        const int wrong = load(p, QStringLiteral("known"), QStringLiteral("WRONG!"));
+        SlotTable::instance().ConnectBot(wrong);
+        ASSERT_TRUE(waitFor([&] { return chat(wrong).contains("[Connections Closed]"); }))
+            << chat(wrong).toStdString();
+        EXPECT_TRUE(chat(wrong).contains(QStringLiteral("[BNET] Account's password was incorrect!")));
+        EXPECT_FALSE(Bots(wrong).CanConnect);
+        // No retry: the watchdog leaves a killed slot alone however old its attempt.
+        Bots(wrong).LastConnect -= 60000;
+        ConnectionWrapper::Watchdog(wrong);
+        EXPECT_EQ(chat(wrong).count(QStringLiteral("Connecting to BNLS host")), 1);
+    }
+}
+
+TEST_F(LogonEndToEnd, VersionResultsShowTheirWordsForEachRoute) {
+    struct Case {
+        const char* result;
+        bool local;
+        const char* line;
+    };
+    for (const Case c :
+         {Case{"0x100", true, "[BNET] Your hash files are out of date!"},
+          Case{"0x100", false, "[BNLS] Server has not been updated for new hash files yet!"},
+          Case{"0x101", true, "[BNET] Incorrect version byte specified for this client."},
+          Case{"0x101", false, "[BNLS] The version byte you specified does not match"}}) {
+        SandboxProcess server;
+        ASSERT_TRUE(server.start({QStringLiteral("--hash-files"), game.files,
+                                  QStringLiteral("--version-result"), QString::fromLatin1(c.result)}));
+        useLocalHashing(c.local);
+        const int i = load(kProducts[3], QStringLiteral("version") + QString::number(c.local),
+                           QStringLiteral("pass"), server);
+        SlotTable::instance().ConnectBot(i);
+        ASSERT_TRUE(waitFor([&] { return chat(i).contains("[Connections Closed]"); }))
+            << chat(i).toStdString();
+        EXPECT_TRUE(chat(i).contains(QString::fromLatin1(c.line))) << c.result << c.local;
+        SlotTable::instance().UnloadProfile(Bots(i).Profile());
+    }
+}
+
+TEST_F(LogonEndToEnd, AFailedBnlsCheckStandsStillUntilTheWatchdog) {
+    ASSERT_TRUE(startSandbox({QStringLiteral("--bnls-fail")}));
+    useLocalHashing(false);
+    const int i = load(kProducts[0], QStringLiteral("stuck"), QStringLiteral("pass"));
+    SlotTable::instance().ConnectBot(i);
+    ASSERT_TRUE(waitFor([&] { return chat(i).contains("[BNLS] Version check failed."); }));
+    waitFor([] { return false; }, 500);
+    EXPECT_FALSE(chat(i).contains(QStringLiteral("Authorizing client information")));
+    EXPECT_TRUE(Bots(i).CanConnect);
+    // Thirty seconds after the attempt the watchdog begins it again.
+    Bots(i).LastConnect -= 31000;
+    SlotTable::instance().LastReconnect -= 4000;
+    ConnectionWrapper::Watchdog(i);
+    EXPECT_EQ(chat(i).count(QStringLiteral("[BNLS] Connecting to BNLS host..")), 2);
+}
+
+TEST_F(LogonEndToEnd, TheWireCarriesTheLogonInItsOrder) {
+    ASSERT_TRUE(startSandbox());
+    useLocalHashing(false);
+    const int i = load(kProducts[0], QStringLiteral("ordered"), QStringLiteral("pass"));
+    SlotTable::instance().ConnectBot(i);
+    ASSERT_TRUE(waitFor([&] { return Bots(i).Online(); })) << chat(i).toStdString();
+    waitFor([] { return false; }, 300);
+    QStringList order = wireOrder();
+    // Pings and keep-alives may fall anywhere; the logon steps may not.
+    order.removeIf([](const QString& s) {
+        return s.endsWith(QLatin1String("0x25")) || s.endsWith(QLatin1String("0x00"));
+    });
+    auto indexOf = [&](const char* step) { return order.indexOf(QString::fromLatin1(step)); };
+    const int proto = indexOf("bncs in proto");
+    const int authInfo = indexOf("bncs in 0x50");
+    const int challenge = indexOf("bncs out 0x50");
+    const int bnlsAsk = indexOf("bnls in 0x1a");
+    const int bnlsAnswer = indexOf("bnls out 0x1a");
+    const int authCheck = indexOf("bncs in 0x51");
+    const int logon = indexOf("bncs in 0x3a");
+    const int enter = indexOf("bncs in 0x0a");
+    const int list = indexOf("bncs in 0x0b");
+    const int join = indexOf("bncs in 0x0c");
+    for (int step : {proto, authInfo, challenge, bnlsAsk, bnlsAnswer, authCheck, logon, enter,
+                     list, join})
+        ASSERT_GE(step, 0) << order.join(QStringLiteral("\n")).toStdString();
+    EXPECT_LT(proto, authInfo);
+    EXPECT_LT(authInfo, challenge);
+    EXPECT_LT(challenge, bnlsAsk);
+    EXPECT_LT(bnlsAsk, bnlsAnswer);
+    EXPECT_LT(bnlsAnswer, authCheck);
+    EXPECT_LT(authCheck, logon);
+    EXPECT_LT(logon, enter);
+    EXPECT_LT(enter, list);
+    EXPECT_LT(list, join);
+}

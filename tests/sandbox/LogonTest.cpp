@@ -1,0 +1,260 @@
+#include "SandboxHarness.h"
+#include "logon/BncsUtil.h"
+#include "logon/ExeInfo.h"
+#include "logon/PasswordHash.h"
+#include "logon/VersionCheck.h"
+#include "session/PacketWriter.h"
+
+#include <gtest/gtest.h>
+
+using namespace sandboxtest;
+
+namespace {
+
+sandbox::SandboxOptions withAccount(const QString& name, const QString& password,
+                                    const QString& email = {}) {
+    sandbox::SandboxOptions o;
+    o.accounts.append({name, password, email});
+    return o;
+}
+
+// Identifies as the product and passes the version check with the server's own BNLS.
+void passVersionCheck(Server& server, Client& client, const char* product,
+                      const QStringList& keys) {
+    const auto answer = askBnls(server.bnlsPort(), product, client.identify(product));
+    ASSERT_EQ(answer.success, 1u);
+    ASSERT_EQ(client.authCheck(keys, answer.version, answer.checksum), 0u);
+}
+
+} // namespace
+
+TEST(SandboxLogon, EveryProductLogsOnAndGetsItsStatstring) {
+    Server server;
+    const std::map<const char*, const char*> statstrings{{"STAR", "RATS 0 0 0 0 0 0 0 0 RATS"},
+                                                         {"SEXP", "PXES 0 0 0 0 0 0 0 0 PXES"},
+                                                         {"W2BN", "NB2W 0 0 0 0 0 0 0 0 NB2W"},
+                                                         {"D2DV", "VD2D"},
+                                                         {"D2XP", "PX2D"},
+                                                         {"WAR3", "3RAW 1R3W 0"},
+                                                         {"W3XP", "PX3W 1R3W 0"}};
+    for (const auto& [product, statstring] : statstrings) {
+        SCOPED_TRACE(product);
+        Client c(server.bncsPort());
+        const QString account = QStringLiteral("user_") + QString::fromLatin1(product);
+        ASSERT_EQ(logOn(server, c, product, account, "pass"), account);
+        const bool newSystem = QByteArray(product).contains('3');
+        EXPECT_EQ(c.challenge.logonType, newSystem ? 2u : 0u);
+        EXPECT_TRUE(c.challenge.archive.startsWith("ver-IX86-"));
+        c.join(QString(), 1);
+        const auto self = c.nextEvent(1);
+        ASSERT_TRUE(self);
+        EXPECT_EQ(self->text, QString::fromLatin1(statstring));
+    }
+}
+
+TEST(SandboxLogon, OldSystemChecksThePasswordCreatesAccountsAndChangesPasswords) {
+    Server server(withAccount("alice", "Secret"));
+    {
+        Client c(server.bncsPort());
+        passVersionCheck(server, c, "STAR", {kStarKey});
+        EXPECT_EQ(c.oldLogon("alice", "wrong"), 2u);
+        EXPECT_EQ(c.oldLogon("nobody", "x"), 1u);
+        // The logon hashes the lower-cased password, whatever case the account was made with.
+        EXPECT_EQ(c.oldLogon("ALICE", "SECRET"), 0u);
+        EXPECT_TRUE(c.next(0x59)) << "an account without e-mail is asked for one";
+        EXPECT_EQ(c.enterChat(), "alice");
+    }
+    {
+        Client c(server.bncsPort());
+        passVersionCheck(server, c, "SEXP", {kStarKey});
+        EXPECT_EQ(c.oldCreate("ab", "x"), 6u);
+        EXPECT_EQ(c.oldCreate("bad name", "x"), 2u);
+        EXPECT_EQ(c.oldCreate("blizzardfan", "x"), 3u);
+        EXPECT_EQ(c.oldCreate("Alice", "x"), 4u);
+        EXPECT_EQ(c.oldCreate("bob", "hunter2"), 0u);
+        EXPECT_EQ(c.oldLogon("bob", "hunter2"), 0u);
+    }
+    {
+        // 0x31: old password's double hash, new password's single hash.
+        Client c(server.bncsPort());
+        passVersionCheck(server, c, "W2BN", {kD2Key});
+        const auto change = [&](const QString& oldPass, const QString& newPass) {
+            const auto proof = logon::doublePasswordHash(oldPass.toStdString(), c.clientToken,
+                                                         c.challenge.serverToken);
+            const auto hash = logon::passwordHash(newPass.toStdString());
+            PacketWriter w;
+            w.WriteDWORD(c.clientToken);
+            w.WriteDWORD(c.challenge.serverToken);
+            w.WriteVOID(QByteArray(reinterpret_cast<const char*>(proof.data()), 20));
+            w.WriteVOID(QByteArray(reinterpret_cast<const char*>(hash.data()), 20));
+            w.WriteSTRING(QStringLiteral("bob"));
+            c.send(0x31, w.payload());
+            return c.next(0x31)->reader().ReadDWORD();
+        };
+        EXPECT_EQ(change("wrong", "new"), 0u);
+        EXPECT_EQ(change("hunter2", "fresh"), 1u);
+        EXPECT_EQ(c.oldLogon("bob", "hunter2"), 2u);
+        EXPECT_EQ(c.oldLogon("bob", "fresh"), 0u);
+    }
+}
+
+TEST(SandboxLogon, NewSystemRunsTheProofExchange) {
+    Server server(withAccount("carol", "pw", "carol@example.com"));
+    Client c(server.bncsPort());
+    passVersionCheck(server, c, "WAR3", {kWar3Key});
+    bool holds = false;
+    EXPECT_EQ(c.newLogon("carol", "bad", &holds), 2u);
+    EXPECT_EQ(c.newLogon("dave", "pw"), 1u);
+    EXPECT_EQ(c.newCreate("d", "pw"), 7u);
+    EXPECT_EQ(c.newCreate("da ve", "pw"), 8u);
+    EXPECT_EQ(c.newCreate("Carol", "pw"), 4u);
+    EXPECT_EQ(c.newCreate("dave", "Pw"), 0u);
+    // An account without e-mail passes with 0x0E; the server's proof holds either way.
+    EXPECT_EQ(c.newLogon("dave", "PW", &holds), 0x0Eu);
+    EXPECT_TRUE(holds);
+    PacketWriter email;
+    email.WriteSTRING(QStringLiteral("dave@example.com"));
+    c.send(0x59, email.payload());
+    EXPECT_EQ(c.enterChat(), "dave");
+    EXPECT_EQ(server.context().store.find("dave")->email, "dave@example.com");
+
+    Client again(server.bncsPort());
+    passVersionCheck(server, again, "W3XP", {kWar3Key, "7TGH6YHF7KTDNCJGEFTVDCGKCV"});
+    holds = false;
+    EXPECT_EQ(again.newLogon("carol", "pw", &holds), 0u);
+    EXPECT_TRUE(holds);
+}
+
+TEST(SandboxLogon, NewSystemPasswordChangeAndCrossSystemRefusals) {
+    Server server(withAccount("erin", "old"));
+    server.context().store.create({"oldtimer", logon::passwordHash("x"), std::nullopt, {}});
+    Client c(server.bncsPort());
+    passVersionCheck(server, c, "WAR3", {kWar3Key});
+    EXPECT_EQ(c.newLogon("oldtimer", "x"), 5u) << "an old-system account must be upgraded";
+
+    const auto changeTo = [&](const char* from, const char* to) {
+        const logon::NlsHandle nls = logon::nls_init("erin", from);
+        std::uint8_t key[32];
+        logon::nls_get_A(nls, key);
+        PacketWriter w;
+        w.WriteVOID(QByteArray(reinterpret_cast<const char*>(key), 32));
+        w.WriteSTRING(QStringLiteral("erin"));
+        c.send(0x55, w.payload());
+        PacketReader r = c.next(0x55)->reader();
+        EXPECT_EQ(r.ReadDWORD(), 0u);
+        const QByteArray salt = r.ReadVOID(32), serverKey = r.ReadVOID(32);
+        std::uint8_t proof[84];
+        const auto* b = reinterpret_cast<const std::uint8_t*>(serverKey.data());
+        const auto* s = reinterpret_cast<const std::uint8_t*>(salt.data());
+        const logon::NlsHandle fresh = logon::nls_account_change_proof(nls, proof, to, b, s);
+        c.send(0x56, QByteArray(reinterpret_cast<const char*>(proof), 84));
+        PacketReader reply = c.next(0x56)->reader();
+        const quint32 status = reply.ReadDWORD();
+        const QByteArray m2 = reply.ReadVOID(20);
+        const bool holds =
+            logon::nls_check_M2(nls, reinterpret_cast<const std::uint8_t*>(m2.data()), b, s) != 0;
+        logon::nls_free(fresh);
+        logon::nls_free(nls);
+        return std::pair{status, holds};
+    };
+    EXPECT_EQ(changeTo("wrong", "new").first, 2u);
+    EXPECT_EQ(changeTo("old", "new"), std::pair(0u, true));
+    EXPECT_EQ(c.newLogon("erin", "old"), 2u);
+    EXPECT_EQ(c.newLogon("erin", "new"), 0x0Eu);
+
+    Client star(server.bncsPort());
+    passVersionCheck(server, star, "STAR", {kStarKey});
+    EXPECT_EQ(star.oldLogon("erin", "new"), 6u) << "a new-system account can't use the old one";
+}
+
+TEST(SandboxLogon, AuthCheckRefusesWrongVersionsAndKeys) {
+    Server server;
+    const auto attempt = [&](const char* product, const QStringList& keys, int checksumDelta = 0,
+                             int versionDelta = 0) {
+        Client c(server.bncsPort());
+        const auto answer = askBnls(server.bnlsPort(), product, c.identify(product));
+        return c.authCheck(keys, answer.version + versionDelta, answer.checksum + checksumDelta);
+    };
+    EXPECT_EQ(attempt("STAR", {kStarKey}, 1), 0x101u);
+    EXPECT_EQ(attempt("STAR", {kStarKey}, 0, -1), 0x100u);
+    EXPECT_EQ(attempt("STAR", {kD2Key}), 0x203u) << "a 16-character key for StarCraft";
+    EXPECT_EQ(attempt("D2XP", {kD2Key}), 0x200u) << "the expansion needs its second key";
+    EXPECT_EQ(attempt("D2XP", {kD2Key, kStarKey}), 0x213u);
+    EXPECT_EQ(attempt("D2DV", {kD2Key}), 0u);
+
+    // A key the server has never issued: its hash can't be matched.
+    sandbox::SandboxOptions o;
+    o.versionResult = 0;
+    Server lenient(o);
+    Client c(lenient.bncsPort());
+    c.identify("STAR");
+    PacketWriter w;
+    for (quint32 v : {c.clientToken, 0u, 0u, 1u, 0u, 13u, 1u, 1234567u, 0u})
+        w.WriteDWORD(v);
+    w.WriteVOID(QByteArray(20, 'x'));
+    w.WriteSTRING(QString());
+    w.WriteSTRING(QString());
+    c.send(0x51, w.payload());
+    EXPECT_EQ(c.next(0x51)->reader().ReadDWORD(), 0x200u);
+}
+
+TEST(SandboxLogon, ForcedVersionResultsAndKeysInUse) {
+    for (quint32 forced : {0x100u, 0x101u}) {
+        sandbox::SandboxOptions o;
+        o.versionResult = forced;
+        Server server(o);
+        Client c(server.bncsPort());
+        c.identify("W2BN");
+        EXPECT_EQ(c.authCheck({kD2Key}, 0, 0), forced);
+    }
+    sandbox::SandboxOptions o;
+    o.exclusiveKeys = true;
+    Server server(o);
+    Client first(server.bncsPort());
+    passVersionCheck(server, first, "STAR", {kStarKey});
+    Client second(server.bncsPort());
+    const auto answer = askBnls(server.bnlsPort(), "STAR", second.identify("STAR"));
+    EXPECT_EQ(second.authCheck({kStarKey}, answer.version, answer.checksum), 0x201u);
+}
+
+TEST(SandboxLogon, BnlsAnswersAsTheGameFilesDoAndFailsOnRequest) {
+    // Real game files: the version comes from the executable's resource.
+    const QString shared = QStringLiteral(CORVANTIDE_SHARED_DIR "/vectors/");
+    const QStringList files{shared + "exeinfo/Game.exe", shared + "checkrevision/file2.bin",
+                            shared + "checkrevision/odd.bin"};
+    sandbox::SandboxOptions o;
+    o.hashFiles = files;
+    Server server(o);
+    Client c(server.bncsPort());
+    const auto challenge = c.identify("D2DV");
+    const int archive = logon::archiveNumber(challenge.archive.toStdString());
+    const auto local = logon::checkRevision(
+        challenge.formula.toStdString(), archive,
+        {files[0].toStdString(), files[1].toStdString(), files[2].toStdString()});
+    const auto exe = logon::ExeInfo::read(files[0].toStdString());
+    ASSERT_TRUE(local && exe);
+    const auto answer = askBnls(server.bnlsPort(), "D2DV", challenge);
+    EXPECT_EQ(answer.checksum, *local);
+    EXPECT_EQ(answer.version, exe->version);
+    EXPECT_EQ(c.authCheck({kD2Key}, exe->version, *local), 0u) << "local hashing passes too";
+
+    // 0x1A carries the archive by name and the cookie comes back.
+    Client bnls(server.bnlsPort(), true);
+    PacketWriter w;
+    for (quint32 v : {1u, 0u, 0xC00C1Eu, 0u, 0u})
+        w.WriteDWORD(v);
+    w.WriteSTRING(challenge.archive);
+    w.WriteSTRING(challenge.formula);
+    bnls.send(0x1A, w.payload());
+    PacketReader r = bnls.next(0x1A)->reader();
+    EXPECT_EQ(r.ReadDWORD(), 1u);
+    r.ReadDWORD();
+    EXPECT_EQ(r.ReadDWORD(), *local);
+    r.ReadSTRING();
+    EXPECT_EQ(r.ReadDWORD(), 0xC00C1Eu);
+
+    sandbox::SandboxOptions failing;
+    failing.bnlsFail = true;
+    Server down(failing);
+    EXPECT_EQ(askBnls(down.bnlsPort(), "STAR", challenge).success, 0u);
+}

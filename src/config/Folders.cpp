@@ -67,15 +67,28 @@ QString GetSpecialFolder(int folder) {
     }
 }
 
+namespace {
+
+// The application data folder, or the program folder when the host has none.
+QString settingsBase() {
+    const QString base = GetSpecialFolder(FolderAppData);
+    return base.isEmpty() ? GetProgramFolder() : base;
+}
+
+} // namespace
+
 QString GetSettingsPath() {
-    QString base = GetSpecialFolder(FolderAppData);
-    if (base.isEmpty()) base = GetProgramFolder();
+    const QString base = settingsBase();
     QDir().mkpath(base);
     const QString vendor = base + QStringLiteral("/Ostrelund");
     const QString settings = vendor + QStringLiteral("/Corvantide");
     makePrivateFolder(vendor);
     makePrivateFolder(settings);
     return settings + u'/';
+}
+
+QString SettingsFilePath(const QString& name) {
+    return settingsBase() + QStringLiteral("/Ostrelund/Corvantide/") + name;
 }
 
 QString GetProgramFolder() {

@@ -30,6 +30,10 @@ QString GetSpecialFolder(int folder);
 // The settings folder with a trailing slash, created (mode 0700) when missing,
 // on every call: a folder removed during a run comes back.
 QString GetSettingsPath();
+// Where a file of the settings folder lies, without creating anything: for
+// reads made per name on screen, where a missing folder only means a missing
+// file.
+QString SettingsFilePath(const QString& name);
 
 // The program's own folder, without a trailing slash, created when missing.
 QString GetProgramFolder();

@@ -1,6 +1,66 @@
 #include "platform/ChatDocument.h"
 
+#include <algorithm>
+
+namespace {
+
+constexpr char16_t kDiabloLead = 0xFF;
+
+bool isDiabloCode(QChar c) {
+    return c == u'c' || c == u'C';
+}
+
+} // namespace
+
 ChatDocument::ChatDocument(QObject* parent) : QObject(parent) {}
+
+QChar ChatDocument::at(int pos) const {
+    if (pos < 0 || pos >= m_length) return {};
+    const auto [index, start] = locate(pos);
+    return m_runs[index].text[pos - start];
+}
+
+CharFormat ChatDocument::formatAt(int pos) const {
+    if (pos < 0 || pos >= m_length) return {};
+    return m_runs[locate(pos).first].format;
+}
+
+int ChatDocument::nextEscape(int from, EscapeKind kind) const {
+    auto it = std::lower_bound(m_escapes.begin(), m_escapes.end(), from,
+                               [](const Escape& e, int pos) { return e.position < pos; });
+    for (; it != m_escapes.end(); ++it) {
+        if (it->kind == kind) return it->position;
+    }
+    return -1;
+}
+
+void ChatDocument::indexEscapes(QStringView text, int from) {
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const char16_t c = text[i].unicode();
+        if (c == StarCraftEscape)
+            m_escapes.push_back({from + int(i), StarCraftEscape});
+        else if (c == kDiabloLead && i + 1 < text.size() && isDiabloCode(text[i + 1]))
+            m_escapes.push_back({from + int(i), EscapeKind(text[i + 1].unicode())});
+    }
+}
+
+void ChatDocument::reindexEscapeAt(int pos) {
+    const int lead = pos - 1;
+    if (lead < 0 || at(lead) != QChar(kDiabloLead)) return;
+    auto it = std::lower_bound(m_escapes.begin(), m_escapes.end(), lead,
+                               [](const Escape& e, int p) { return e.position < p; });
+    const bool present = it != m_escapes.end() && it->position == lead;
+    const QChar next = at(pos);
+    if (isDiabloCode(next)) {
+        const EscapeKind kind = EscapeKind(next.unicode());
+        if (present)
+            it->kind = kind;
+        else
+            m_escapes.insert(it, {lead, kind});
+    } else if (present) {
+        m_escapes.erase(it);
+    }
+}
 
 QString ChatDocument::text() const {
     return textFrom(0);
@@ -26,16 +86,21 @@ void ChatDocument::append(QStringView text, const CharFormat& format) {
     if (text.isEmpty())
         return;
     const int from = m_length;
+    // A "\u00FF" that ended the text before may now lead an escape.
+    if (from > 0 && m_runs.back().text.back() == QChar(kDiabloLead) && isDiabloCode(text[0]))
+        m_escapes.push_back({from - 1, EscapeKind(text[0].unicode())});
     if (!m_runs.empty() && m_runs.back().format == format)
         m_runs.back().text += text;
     else
         m_runs.push_back({text.toString(), format});
     m_length += int(text.size());
+    indexEscapes(text, from);
     Q_EMIT changed(from);
 }
 
 void ChatDocument::clear() {
     m_runs.clear();
+    m_escapes.clear();
     m_length = 0;
     Q_EMIT cleared();
 }
@@ -50,6 +115,13 @@ void ChatDocument::remove(int from, int count) {
     m_runs.erase(m_runs.begin() + first, m_runs.begin() + last);
     m_length -= to - from;
     mergeFrom(first == 0 ? 0 : first - 1);
+
+    const auto byPosition = [](const Escape& e, int pos) { return e.position < pos; };
+    auto gone = std::lower_bound(m_escapes.begin(), m_escapes.end(), from, byPosition);
+    auto kept = std::lower_bound(gone, m_escapes.end(), to, byPosition);
+    for (auto it = m_escapes.erase(gone, kept); it != m_escapes.end(); ++it)
+        it->position -= to - from;
+    reindexEscapeAt(from);
     Q_EMIT changed(from);
 }
 

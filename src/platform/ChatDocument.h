@@ -2,7 +2,6 @@
 
 #include <QObject>
 #include <QString>
-
 #include <vector>
 
 struct CharFormat {
@@ -23,6 +22,10 @@ struct TextRun {
 // The text of one chat view: runs of characters that share a format. Text is
 // only ever appended at the end; restyling and removal work on a range and are
 // cheap near the end, where the writer does all its work.
+//
+// The view also keeps the places where the game clients' colour escapes start
+// ("\u00C1" and "\u00FF" followed by 'c' or 'C'), so that the writer finds
+// them without rereading the text.
 class ChatDocument : public QObject {
     Q_OBJECT
 public:
@@ -34,6 +37,21 @@ public:
     // The text from `from` to the end.
     QString textFrom(int from) const;
     const std::vector<TextRun>& runs() const { return m_runs; }
+    // The character at `pos`; a null character outside the text.
+    QChar at(int pos) const;
+    // The format of the character at `pos`; the default outside the text.
+    CharFormat formatAt(int pos) const;
+
+    // Kinds of colour escape: the StarCraft one, and the Diablo one spelled
+    // with a lower-case or an upper-case 'c'.
+    enum EscapeKind : char16_t {
+        StarCraftEscape = 0xC1,
+        DiabloEscape = u'c',
+        DiabloEscapeUpper = u'C'
+    };
+    // Where the first escape of that kind at or after `from` starts; -1 if none.
+    int nextEscape(int from, EscapeKind kind) const;
+    bool hasEscapes() const { return !m_escapes.empty(); }
 
     void append(QStringView text, const CharFormat& format);
     void clear();
@@ -57,8 +75,18 @@ private:
     // Index of the run holding `pos` and the position where that run starts.
     std::pair<size_t, int> locate(int pos) const;
     void mergeFrom(size_t index);
+    // Records escapes that start in `text`, appended at `from`.
+    void indexEscapes(QStringView text, int from);
+    // After a removal at `pos`: whether a "\u00FF" just before it now starts
+    // an escape.
+    void reindexEscapeAt(int pos);
 
+    struct Escape {
+        int position;
+        EscapeKind kind;
+    };
     std::vector<TextRun> m_runs;
+    std::vector<Escape> m_escapes; // by position
     int m_length = 0;
 };
 

@@ -1,9 +1,11 @@
 #include "session/ShutdownSequence.h"
 
 #include "chat/TimedEvents.h"
+#include "presentation/ChatLog.h"
 
 ShutdownSequence::ShutdownSequence() {
     m_steps = {
+        {QStringLiteral("Saving log files.."), SaveLogFiles},
         {QStringLiteral("Killing timers.."), [] { TimedEvents::instance().stop(); }},
     };
 }

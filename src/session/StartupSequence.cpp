@@ -2,6 +2,8 @@
 
 #include "chat/BotElement.h"
 #include "chat/TimedEvents.h"
+#include "commands/AliasesAndGroups.h"
+#include "commands/BlocksAndFilters.h"
 #include "config/Folders.h"
 #include "config/RegistryWrapper.h"
 #include "config/SettingsWrapper.h"
@@ -40,6 +42,12 @@ bool printWelcome() {
     WriteChat(0, {{0xFFFF00, QStringLiteral("Welcome to Corvantide v") + Machine().versionText()}});
     WriteChat(0, {{0xFFFFFF, QString(69, u'-')}});
     WriteChat(0, {{0xFFFF, QStringLiteral("Starting Corvantide..")}});
+    return true;
+}
+
+bool applyPreviousTheme() {
+    SeedDefaultThemes();
+    LoadTheme(SettingsWrapper::instance().ThemeFile());
     return true;
 }
 
@@ -93,9 +101,27 @@ bool checkStructure() {
     return true;
 }
 
+bool importBlockedUsers() {
+    WriteStartupLine(QStringLiteral("- Importing Blocked Users.."));
+    LoadBlocks();
+    return true;
+}
+
 bool importCachedSettings() {
     WriteStartupLine(QStringLiteral("- Importing Cached Settings.."));
     SettingsWrapper::instance().WriteBackStartupSettings();
+    return true;
+}
+
+bool importGroupsAndAliases() {
+    WriteStartupLine(QStringLiteral("- Importing Groups & Aliases.."));
+    RefreshAliasesAndGroups(SlotTable::instance().CurrentIndex());
+    return true;
+}
+
+bool importMessageFilters() {
+    WriteStartupLine(QStringLiteral("- Importing Message Filters.."));
+    LoadFilters();
     return true;
 }
 
@@ -120,6 +146,16 @@ bool importProfiles() {
     return true;
 }
 
+// The style sheets of the theme folder become the rows of the theme menu;
+// the window dresses itself in the one ThemeID names.
+bool importThemes() {
+    WriteStartupLine(QStringLiteral("- Importing Themes.."));
+    ImportThemes();
+    const QString active = ActiveThemeName();
+    if (!active.isEmpty()) Q_EMIT ThemeEvents::instance().styleSheetChosen(active);
+    return true;
+}
+
 bool startTimers() {
     WriteStartupLine(QStringLiteral("- Initializing timers.."));
     TimedEvents::instance().start();
@@ -141,10 +177,15 @@ StartupSequence::StartupSequence() {
         {QStringLiteral("Grabbing cached variables.."), grabCachedVariables},
         {QString(), openStore},
         {QStringLiteral("Printing welcome message..."), printWelcome},
+        {QStringLiteral("Applying previous Theme.."), applyPreviousTheme},
         {QStringLiteral("Checking BNCSutil..."), checkLogonLibrary},
         {QStringLiteral("Determining usage/stucture..."), checkStructure},
+        {QStringLiteral("Importing Blocked Users.."), importBlockedUsers},
         {QStringLiteral("Importing Cached Settings.."), importCachedSettings},
+        {QStringLiteral("Importing Groups && Aliases.."), importGroupsAndAliases},
+        {QStringLiteral("Importing Message Filters.."), importMessageFilters},
         {QStringLiteral("Importing Profiles.."), importProfiles},
+        {QStringLiteral("Importing Themes.."), importThemes},
         {QStringLiteral("Initializing timers..."), startTimers},
         {QString(), finish},
     };

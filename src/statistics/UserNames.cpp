@@ -1,6 +1,8 @@
 #include "statistics/UserNames.h"
 
 #include "chat/BotElement.h"
+#include "commands/AliasesAndGroups.h"
+#include "config/SettingsWrapper.h"
 #include "session/SlotTable.h"
 
 QString ConvertUsername(const QString& Name, bool ToServer, int Index) {
@@ -15,4 +17,11 @@ QString ConvertUsername(const QString& Name, bool ToServer, int Index) {
     if (client == QLatin1String("D2DV") || client == QLatin1String("D2XP"))
         return u'*' + account;
     return account;
+}
+
+QString GetDisplayName(const QString& Name) {
+    const QString plain = ConvertUsername(Name, false, -1);
+    const QString alias = FindAlias(plain);
+    if (!alias.isEmpty()) return alias;
+    return SettingsWrapper::instance().HideChars() ? plain : Name;
 }

@@ -114,8 +114,11 @@ TEST_F(BotElementTest, EmptyingTheProfileEmptiesTheSlotAndClosesItsSockets) {
     EXPECT_EQ(wsBNET(slot).State(), SocketControl::Closed);
     EXPECT_EQ(wsBNLS(slot).State(), SocketControl::Closed);
     EXPECT_TRUE(bot().Profile().isEmpty());
-    // The queue's clearing is the one line left in the emptied view.
-    EXPECT_EQ(rtbChat(slot).text(), QStringLiteral("Cleared the queue.\r\n"));
+    // The queue's clearing is the one line left in the emptied view, behind
+    // its timestamp.
+    const QString text = rtbChat(slot).text();
+    EXPECT_TRUE(text.endsWith(QStringLiteral("Cleared the queue.\r\n"))) << text.toStdString();
+    EXPECT_EQ(text.count(QStringLiteral("\r\n")), 1);
 }
 
 TEST_F(BotElementTest, DelayedEventsAreOneBasedWithAnEmptyHead) {

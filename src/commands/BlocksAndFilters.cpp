@@ -1,0 +1,182 @@
+#include "commands/BlocksAndFilters.h"
+
+#include "config/Folders.h"
+#include "config/TextListFile.h"
+#include "presentation/UserColors.h"
+
+#include <vector>
+
+namespace {
+
+// A list as kept in memory: the entries as written, and the same entries
+// prepared for matching, so that the tests on every chat line touch no file
+// and lower-case nothing twice.
+class PatternList {
+public:
+    PatternList() { clear(); }
+
+    const QStringList& entries() const { return m_entries; }
+
+    void clear() {
+        m_entries = QStringList{QString()};
+        m_patterns = {QString()};
+    }
+    void add(const QString& entry) {
+        if (m_entries.size() == 1 && m_entries.first().isEmpty()) {
+            m_entries.first() = entry;
+            m_patterns.front() = prepare(entry);
+        } else {
+            m_entries.append(entry);
+            m_patterns.push_back(prepare(entry));
+        }
+    }
+    void removeAt(qsizetype i) {
+        m_entries.removeAt(i);
+        m_patterns.erase(m_patterns.begin() + i);
+        if (m_entries.isEmpty()) clear();
+    }
+    bool matches(const QString& text, bool skipEmpty) const {
+        const QString lowered = text.toLower();
+        for (size_t i = 0; i < m_patterns.size(); ++i) {
+            if (skipEmpty && m_entries[qsizetype(i)].isEmpty()) continue;
+            if (matchPrepared(lowered, m_patterns[i])) return true;
+        }
+        return false;
+    }
+
+    // The pattern lower-cased, with the stand-ins for brackets resolved.
+    static QString prepare(const QString& pattern) {
+        QString out = pattern.toLower();
+        for (QChar& c : out) {
+            if (c == QChar(0xA7))
+                c = u'[';
+            else if (c == QChar(0xA8))
+                c = u']';
+        }
+        return out;
+    }
+
+    // Whole text against whole pattern; '*' takes any run. The classic
+    // two-finger walk: on a mismatch, the last star takes one character more.
+    static bool matchPrepared(QStringView text, QStringView pattern) {
+        qsizetype t = 0, p = 0, star = -1, resume = 0;
+        while (t < text.size()) {
+            if (p < pattern.size() && pattern[p] == u'*') {
+                star = p++;
+                resume = t;
+            } else if (p < pattern.size() && pattern[p] == text[t]) {
+                ++p;
+                ++t;
+            } else if (star >= 0) {
+                p = star + 1;
+                t = ++resume;
+            } else {
+                return false;
+            }
+        }
+        while (p < pattern.size() && pattern[p] == u'*')
+            ++p;
+        return p == pattern.size();
+    }
+
+private:
+    QStringList m_entries;
+    std::vector<QString> m_patterns;
+};
+
+PatternList& blocks() {
+    static PatternList list;
+    return list;
+}
+
+PatternList& filters() {
+    static PatternList list;
+    return list;
+}
+
+QString cutAtHash(const QString& name) {
+    const qsizetype hash = name.indexOf(u'#');
+    return hash < 0 ? name : name.left(hash);
+}
+
+// The first entry equal to the name as plain text, '*' being no wildcard.
+qsizetype findEntry(const QString& name) {
+    const QStringList& entries = blocks().entries();
+    for (qsizetype i = 0; i < entries.size(); ++i) {
+        if (entries[i].toLower() == name.toLower()) return i;
+    }
+    return -1;
+}
+
+} // namespace
+
+bool MatchesPattern(const QString& Text, const QString& Pattern) {
+    return PatternList::matchPrepared(Text.toLower(), PatternList::prepare(Pattern));
+}
+
+QString BlockedUsersFile() {
+    return GetSettingsPath() + QStringLiteral("BlockedUsers.ini");
+}
+
+QString MessageFiltersFile() {
+    return GetSettingsPath() + QStringLiteral("MessageFilters.ini");
+}
+
+const QStringList& BlockedUsers() {
+    return blocks().entries();
+}
+
+const QStringList& MessageFilters() {
+    return filters().entries();
+}
+
+void LoadBlocks() {
+    blocks().clear();
+    TouchFile(BlockedUsersFile());
+    for (const QString& line : ReadTextLines(BlockedUsersFile())) {
+        if (!line.isEmpty()) blocks().add(line);
+    }
+}
+
+void SaveBlocks() {
+    TouchFile(BlockedUsersFile());
+    QStringList lines;
+    for (const QString& entry : blocks().entries()) {
+        if (!entry.isEmpty()) lines.append(entry);
+    }
+    WriteTextLines(BlockedUsersFile(), lines);
+}
+
+bool AddBlock(const QString& Name) {
+    const QString name = cutAtHash(Name);
+    if (findEntry(name) >= 0) return false;
+    blocks().add(name);
+    SaveBlocks();
+    RecolorUserLists();
+    return true;
+}
+
+bool RemoveBlock(const QString& Name) {
+    const qsizetype at = findEntry(cutAtHash(Name));
+    if (at < 0) return false;
+    blocks().removeAt(at);
+    SaveBlocks();
+    RecolorUserLists();
+    return true;
+}
+
+bool IsBlocked(const QString& Name) {
+    return blocks().matches(cutAtHash(Name), false);
+}
+
+void LoadFilters() {
+    filters().clear();
+    TouchFile(MessageFiltersFile());
+    for (const QString& line : ReadTextLines(MessageFiltersFile())) {
+        if (line.contains(u'*')) filters().add(line);
+    }
+}
+
+bool IsFiltered(const QString& Text) {
+    return filters().matches(Text, true);
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+// Two program-wide lists hold lines back before anything else looks at them:
+// the blocked users (BlockedUsers.ini) and the message filters
+// (MessageFilters.ini), plain text lists in the settings folder, held in
+// memory for all profiles alike. Each list has at least one slot; an empty
+// list has one empty slot. Entries are patterns where only '*' is a wildcard.
+
+// Whether the whole text matches the whole pattern, without regard to case.
+// '*' matches any run of characters; every other character stands for itself,
+// except that a \u00A7 stands for '[' and a \u00A8 for ']'.
+bool MatchesPattern(const QString& Text, const QString& Pattern);
+
+const QStringList& BlockedUsers();
+void LoadBlocks();
+void SaveBlocks();
+// True when the name went onto the list; false when it was there already
+// (compared as plain text, '*' included).
+bool AddBlock(const QString& Name);
+// True when an entry equal to the name was removed.
+bool RemoveBlock(const QString& Name);
+// Whether the name, cut at its first '#', matches an entry.
+bool IsBlocked(const QString& Name);
+
+const QStringList& MessageFilters();
+// Only lines that hold a '*' are filters; the rest are skipped.
+void LoadFilters();
+bool IsFiltered(const QString& Text);
+
+// The files, in the settings folder.
+QString BlockedUsersFile();
+QString MessageFiltersFile();

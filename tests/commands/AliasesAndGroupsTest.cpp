@@ -1,0 +1,108 @@
+#include "commands/AliasesAndGroups.h"
+
+#include "common/ChatFixture.h"
+#include "platform/ListModel.h"
+
+#include <QSignalSpy>
+
+class AliasesAndGroupsTest : public ChatFixture {
+protected:
+    static QStringList members(const QString& alias) {
+        QStringList names;
+        ListAliasMembers(alias, names);
+        return names;
+    }
+};
+
+TEST_F(AliasesAndGroupsTest, MembersArePlainNamesFoundInAnyCase) {
+    CreateAlias("Robert", {"Hero*Bob", "rob"});
+    EXPECT_EQ(members("Robert"), (QStringList{"Bob", "rob"}));
+    EXPECT_EQ(FindAlias("bob"), QStringLiteral("Robert"));
+    EXPECT_EQ(FindAlias("BOB"), QStringLiteral("Robert"));
+    EXPECT_EQ(IsAliasMember("Robert", "ROB"), QStringLiteral("Robert"));
+    EXPECT_EQ(IsAliasMember("Robert", "nobody"), QString());
+    EXPECT_EQ(FindAlias("Robert"), QString()) << "an alias is no member of itself";
+
+    CreateAlias("Another", {"bob"});
+    QStringList names;
+    ListAliases(names);
+    EXPECT_EQ(FindAlias("bob"), names.first()) << "the store's first answers";
+}
+
+TEST_F(AliasesAndGroupsTest, ListsHaveOneEmptySlotOrMinusOne) {
+    QStringList names{"junk"};
+    EXPECT_EQ(ListAliases(names), -1) << "no Aliases key at all";
+    EXPECT_EQ(names, QStringList{QString()});
+    CreateAlias("Empty", {QString()});
+    EXPECT_EQ(ListAliasMembers("Empty", names), 0);
+    EXPECT_EQ(names, QStringList{QString()});
+    EXPECT_EQ(ListAliases(names), 0);
+    EXPECT_EQ(names, QStringList{"Empty"});
+}
+
+TEST_F(AliasesAndGroupsTest, AddingAndRemovingMembersRewritesTheAlias) {
+    CreateAlias("Team", {"ann"});
+    AddAliasMember("Team", "Hero*Bob");
+    AddAliasMember("Team", "bob"); // made once all the same
+    EXPECT_EQ(members("Team"), (QStringList{"ann", "Bob"}));
+    RemoveAliasMember("Team", "ANN");
+    RemoveAliasMember("Team", "bob");
+    EXPECT_EQ(members("Team"), QStringList{QString()}) << "the alias stays without members";
+    QStringList names;
+    ListAliases(names);
+    EXPECT_EQ(names, QStringList{"Team"});
+
+    EXPECT_TRUE(DeleteAlias("Team"));
+    AddAliasMember("Team", "carl");
+    EXPECT_EQ(ListAliasMembers("Team", names), -1) << "a deleted alias is not made again";
+    EXPECT_FALSE(DeleteAlias("Team"));
+}
+
+TEST_F(AliasesAndGroupsTest, GroupsKeepColourAndPrefixThroughRewrites) {
+    CreateGroup("Ops", {"ann"}, 0x00FF00, "[op]");
+    AddGroupMember("Ops", "bob");
+    EXPECT_EQ(GetGroupColor("Ops"), 0x00FF00);
+    EXPECT_EQ(GetGroupPrefix("Ops"), QStringLiteral("[op]"));
+    EXPECT_EQ(FindGroup("BOB"), QStringLiteral("Ops"));
+    RemoveGroupMember("Ops", "ann");
+    EXPECT_EQ(FindGroup("ann"), QString());
+    EXPECT_EQ(GetGroupColor("Ops"), 0x00FF00);
+
+    // A group made by hand, without values: no colour, its name as prefix.
+    RegistryWrapper::instance().CreateKey(SettingsWrapper::RootKey() + "Groups\\Bare\\carl");
+    EXPECT_EQ(GetGroupColor("Bare"), -1);
+    EXPECT_EQ(GetGroupPrefix("Bare"), QStringLiteral("Bare"));
+    EXPECT_EQ(IsGroupMember("Bare", "Carl"), QStringLiteral("Bare"));
+    EXPECT_TRUE(DeleteGroup("Ops"));
+    EXPECT_FALSE(RegistryWrapper::instance().KeyExists(SettingsWrapper::RootKey() + "Groups\\Ops"));
+}
+
+TEST_F(AliasesAndGroupsTest, RefreshRenamesAndRecoloursTheList) {
+    const int slot = SlotTable::instance().LoadProfile("refresh");
+    CurrentTheme().userList.Normal = 1;
+    for (const char* name : {"Hero*bob", "ann", "gone"}) {
+        ListItem item = ListItem::withText(name);
+        item.tag = name;
+        lvUsers(slot).add(item);
+    }
+    Bots(slot).userAdd("Hero*bob", 0, 0, {}, 0);
+    Bots(slot).userAdd("ann", 0, 0, {}, 0);
+    CreateAlias("Robert", {"bob"});
+    CreateGroup("Blue", {"ann"}, 0xFF0000, "");
+    QSignalSpy menus(&AliasEvents::instance(), &AliasEvents::menusChanged);
+
+    RefreshAliasesAndGroups(slot);
+    EXPECT_EQ(lvUsers(slot).item(1).text, QStringLiteral("Robert"));
+    EXPECT_EQ(lvUsers(slot).item(1).color, 1u);
+    EXPECT_EQ(lvUsers(slot).item(2).color, 0xFF0000u);
+    EXPECT_EQ(lvUsers(slot).item(3).color, 0xFFFFFFu) << "a user who left keeps the colour";
+    EXPECT_EQ(menus.count(), 1);
+
+    RemoveAliasMember("Robert", "bob");
+    SettingsWrapper::instance().setHideChars(false);
+    RefreshAliasesAndGroups(slot);
+    EXPECT_EQ(lvUsers(slot).item(1).text, QStringLiteral("Hero*bob"));
+    SettingsWrapper::instance().setHideChars(true);
+    RefreshAliasesAndGroups(slot);
+    EXPECT_EQ(lvUsers(slot).item(1).text, QStringLiteral("bob"));
+}

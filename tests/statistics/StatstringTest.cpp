@@ -1,0 +1,116 @@
+#include "statistics/Statstring.h"
+
+#include "common/ChatFixture.h"
+#include "platform/Cp1252.h"
+#include "statistics/FlagNames.h"
+
+namespace {
+
+// A Diablo II character record: 33 bytes with class, level, flags, title and
+// ladder at their places (counted from 1).
+QString d2(const char* code, const char* name, quint8 characterClass, quint8 level, quint8 flags,
+           quint8 title, quint8 ladder = 0xFF) {
+    QByteArray data(33, '\x80');
+    data[14 - 1] = char(characterClass);
+    data[26 - 1] = char(level);
+    data[27 - 1] = char(flags);
+    data[28 - 1] = char(title);
+    data[31 - 1] = char(ladder);
+    return QLatin1String(code) + QStringLiteral("USEast,") + QLatin1String(name) + u',' +
+           cp1252::decode(data);
+}
+
+QString detailed(const QString& statstring) {
+    return ParseStatstring(statstring, true);
+}
+
+} // namespace
+
+class StatstringTest : public ChatFixture {};
+
+TEST_F(StatstringTest, StarCraftAndWarCraftTwoRecords) {
+    EXPECT_EQ(detailed("RATS 0 0 0 0 0 0 0 0 RATS"), QStringLiteral("StarCraft (0 wins)"));
+    EXPECT_EQ(detailed("PXES 1200 005 12 0"),
+              QStringLiteral("StarCraft BroodWar (12 wins, rating of 1200, rank of 5)"));
+    EXPECT_EQ(detailed("RTSJ 0 3 7 1"),
+              QStringLiteral("Japanese StarCraft (7 wins, rank of 3 [spawn])"));
+    EXPECT_EQ(detailed("NB2W 1500 0 20 1 0 0 1700 9"),
+              QStringLiteral("WarCraft II (20 wins, rating of 1500, ironman rating of 1700, "
+                             "ironman rank of 9 [spawn])"));
+    // Too few fields: the display name alone, and no failure.
+    EXPECT_EQ(detailed("RATS 5"), QStringLiteral("StarCraft"));
+    EXPECT_EQ(detailed("RATS"), QStringLiteral("StarCraft"));
+    EXPECT_EQ(ParseStatstring("PXES 1200 5 12 0", false), QStringLiteral("StarCraft BroodWar"));
+}
+
+TEST_F(StatstringTest, DiabloNeedsExactlyTenFields) {
+    EXPECT_EQ(detailed("LTRD 12 1 3 40 30 35 50 1000 0"),
+              QStringLiteral("Diablo (Level 12 Rogue with 3 dots, 40 strength, 30 magic, 35 "
+                             "dexterity, 50 vitality, and 1000 gold)"));
+    EXPECT_EQ(detailed("RHSD 1 7 0 1 1 1 1 1 0"),
+              QStringLiteral("Diablo ShareWare (Level 1 Invalid Class with 0 dots, 1 strength, 1 "
+                             "magic, 1 dexterity, 1 vitality, and 1 gold)"));
+    EXPECT_EQ(detailed("LTRD 12 1"),
+              QStringLiteral("Diablo (Illegal Diablo Character \"LTRD 12 1\")"));
+    EXPECT_EQ(detailed("RHSD 12 1"), QStringLiteral("Diablo ShareWare"));
+}
+
+TEST_F(StatstringTest, WarCraftThreeIconsAndClanTags) {
+    QString clan = "kept";
+    EXPECT_EQ(ParseStatstring("3RAW 2H3W 0 DCBA", true, clan),
+              QStringLiteral("WarCraft III Reign of Chaos (Footman Icon)"));
+    EXPECT_EQ(clan, QStringLiteral("ABCD"));
+    clan = "kept";
+    EXPECT_EQ(ParseStatstring("PX3W 6T3W 0 NALC", false, clan),
+              QStringLiteral("WarCraft III The Frozen Throne"));
+    EXPECT_EQ(clan, QStringLiteral("CLAN")) << "the tag is taken without detail too";
+    clan = "kept";
+    EXPECT_EQ(ParseStatstring("3RAW", true, clan), QStringLiteral("WarCraft III Reign of Chaos"));
+    EXPECT_EQ(ParseStatstring("3RAW 6T3W 0", true, clan),
+              QStringLiteral("WarCraft III Reign of Chaos (Unknown Icon)"));
+    EXPECT_EQ(clan, QStringLiteral("kept"));
+    EXPECT_EQ(detailed("PX3W 6T3W 0"),
+              QStringLiteral("WarCraft III The Frozen Throne (Archimonde Icon)"));
+    EXPECT_EQ(GetWarcraftIconName("WAR3", "1Q"), QStringLiteral("Peon Icon"));
+    EXPECT_EQ(GetWarcraftIconName("W3XP", "1T"), QStringLiteral("Peon Icon"));
+    EXPECT_EQ(GetWarcraftIconName("WAR3", "5R"), QStringLiteral("Deathwing Icon"));
+    EXPECT_EQ(GetWarcraftIconName("WAR3", "2T"), QStringLiteral("Unknown Icon"));
+    EXPECT_EQ(detailed("3RAWx"), QStringLiteral("WarCraft III Reign of Chaos (Unknown Icon)"));
+}
+
+TEST_F(StatstringTest, DiabloTwoCharacters) {
+    EXPECT_EQ(detailed("VD2D"), QStringLiteral("Diablo II Classic (Open character)"));
+    EXPECT_EQ(detailed("VD2DUSEast,Hero,short"),
+              QStringLiteral("Diablo II Classic (Hero on realm USEast)"));
+    EXPECT_EQ(detailed("VD2DUSEast"), QStringLiteral("Diablo II Classic (Open character)"));
+    EXPECT_EQ(detailed("VD2D,,"), QStringLiteral("Diablo II Classic (Open character)"));
+
+    // Class 5, title value 2, hardcore: a Duke.
+    EXPECT_EQ(detailed(d2("VD2D", "Grom", 5, 80, 0x04, 2 << 3, 1)),
+              QStringLiteral("Diablo II Classic (Duke Grom, a hardcore ladder level 80 barbarian "
+                             "on realm USEast)"));
+    // An expansion character, title value 3, hardcore and female: Guardian.
+    EXPECT_EQ(detailed(d2("PX2D", "Ama", 1, 99, 0x20 | 0x04 | 0x08, 3 << 3)),
+              QStringLiteral("Diablo II Lord of Destruction (GuardianAma, a dead hardcore level 99 "
+                             "expansion amazon on realm USEast)"));
+    EXPECT_EQ(detailed(d2("PX2D", "Mat", 7, 50, 0x20, 3 << 3)),
+              QStringLiteral("Diablo II Lord of Destruction (Matriarch Mat, a level 50 expansion "
+                             "assassin on realm USEast)"));
+    // A classic character on the expansion has no title; dead needs hardcore.
+    EXPECT_EQ(detailed(d2("PX2D", "Old", 3, 30, 0x08, 1 << 3)),
+              QStringLiteral("Diablo II Lord of Destruction (Old, a level 30 necromancer on realm "
+                             "USEast)"));
+    EXPECT_EQ(
+        detailed(d2("VD2D", "Who", 9, 1, 0, 1 << 3)),
+        QStringLiteral("Diablo II Classic (Sir Who, a level 1 unknown class on realm USEast)"));
+}
+
+TEST_F(StatstringTest, OverridesRenameProductsAndUnknownCodesAreQuoted) {
+    EXPECT_EQ(detailed("ZZZZ 1 2 3"), QStringLiteral("Unknown Client \"ZZZZ\""));
+    EXPECT_EQ(detailed("TAHC"), QStringLiteral("Chat Client"));
+    EXPECT_EQ(detailed(""), QStringLiteral("Unknown Client \"\""));
+    writeFile(OverridesFile(), "[Client]\r\nSTAR=Brood Classic\r\nUNKNOWN=Mystery\r\n");
+    EXPECT_EQ(detailed("RATS 0 0 1 0"), QStringLiteral("Brood Classic (1 wins)"));
+    EXPECT_EQ(detailed("ZZZZ"), QStringLiteral("Mystery \"ZZZZ\""));
+    EXPECT_EQ(GetProductName("SEXP"), QStringLiteral("StarCraft BroodWar"));
+}

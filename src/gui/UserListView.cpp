@@ -1,8 +1,10 @@
 #include "gui/UserListView.h"
 
 #include "chat/BotElement.h"
+#include "commands/AliasesAndGroups.h"
 #include "gui/IconPainter.h"
 #include "platform/ListModel.h"
+#include "presentation/UserTooltip.h"
 #include "session/SlotTable.h"
 #include "statistics/UserNames.h"
 
@@ -96,6 +98,7 @@ UserListView::UserListView(Kind kind, QWidget* parent) : QTreeView(parent), m_ki
     setSelectionBehavior(QAbstractItemView::SelectRows);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setMouseTracking(true);
+    viewport()->setMouseTracking(true);
     setItemDelegate(new ListItemDelegate(this));
     showSlot(0);
 }
@@ -137,6 +140,44 @@ QString UserListView::selectedUser() const {
 
 QString UserListView::serverName(const QString& username) const {
     return ConvertUsername(username, true, m_slot);
+}
+
+QString UserListView::tooltipFor(int row) const {
+    if (!m_list || row < 0 || row >= m_list->count()) return {};
+    const auto tip = BuildUserTooltip(m_slot, m_list->item(row + 1).tag);
+    if (!tip) return {};
+    return (QStringList{tip->title} + tip->lines).join(u'\n');
+}
+
+// The tooltip is built when the pointer comes onto another item, and shown
+// at once; staying on the same item builds nothing.
+void UserListView::hover(const QPoint& pos) {
+    if (m_kind != Kind::Users) return;
+    const QModelIndex index = indexAt(pos);
+    BotElement& bot = Bots(m_slot);
+    if (!index.isValid()) {
+        if (bot.HoveredItem != 0) QToolTip::hideText();
+        forgetHover();
+        return;
+    }
+    const int item = index.row() + 1;
+    if (item == bot.HoveredItem) return;
+    bot.HoveredItem = item;
+    bot.HoveredIcon = 0;
+    ++m_tooltipBuilds;
+    const QString text = tooltipFor(index.row());
+    if (text.isEmpty()) {
+        QToolTip::hideText();
+        return;
+    }
+    // The title line in bold over the user's lines.
+    QStringList lines = text.split(u'\n');
+    QString html =
+        QStringLiteral("<b>") + lines.takeFirst().toHtmlEscaped() + QStringLiteral("</b>");
+    for (const QString& line : lines)
+        html += QStringLiteral("<br>") + line.toHtmlEscaped().replace(u' ', QChar::Nbsp);
+    const QRect itemRect = visualRect(index).united(visualRect(index.siblingAtColumn(1)));
+    QToolTip::showText(viewport()->mapToGlobal(pos), html, viewport(), itemRect);
 }
 
 void UserListView::forgetHover() {
@@ -185,7 +226,48 @@ QMenu* UserListView::contextMenu() {
     }
     m_menu->addAction(QStringLiteral("Whois"), command(QStringLiteral("/whois ")))
         ->setObjectName(QStringLiteral("mnuWhois"));
+    m_menu->addSeparator();
+    addMembershipMenu(QStringLiteral("Alias"), ConvertUsername(user, false, -1), Membership::Alias);
+    addMembershipMenu(QStringLiteral("Group"), ConvertUsername(user, false, -1), Membership::Group);
     return m_menu;
+}
+
+void UserListView::addMembershipMenu(const QString& caption, const QString& name, Membership kind) {
+    const bool alias = kind == Membership::Alias;
+    QMenu* menu = m_menu->addMenu(caption);
+    menu->setObjectName(alias ? QStringLiteral("mnuAlias") : QStringLiteral("mnuGroup"));
+    const int slot = m_slot;
+    // "None" takes the user out of the alias or group they are in; a row
+    // moves them into that one.
+    const auto leave = [alias, name] {
+        const QString current = alias ? FindAlias(name) : FindGroup(name);
+        if (current.isEmpty()) return;
+        if (alias)
+            RemoveAliasMember(current, name);
+        else
+            RemoveGroupMember(current, name);
+    };
+    menu->addAction(QStringLiteral("None"), this,
+                    [leave, slot] {
+                        leave();
+                        RefreshAliasesAndGroups(slot);
+                    })
+        ->setObjectName(alias ? QStringLiteral("mnuNoAlias") : QStringLiteral("mnuNoGroup"));
+    menu->addSeparator();
+    QStringList names;
+    const int last = alias ? ListAliases(names) : ListGroups(names);
+    for (int i = 0; i <= last && i < names.size(); ++i) {
+        const QString target = names[i];
+        if (target.isEmpty()) continue;
+        menu->addAction(target, this, [leave, alias, target, name, slot] {
+            leave();
+            if (alias)
+                AddAliasMember(target, name);
+            else
+                AddGroupMember(target, name);
+            RefreshAliasesAndGroups(slot);
+        });
+    }
 }
 
 void UserListView::keyPressEvent(QKeyEvent* event) {
@@ -206,6 +288,7 @@ void UserListView::keyPressEvent(QKeyEvent* event) {
 }
 
 void UserListView::mouseMoveEvent(QMouseEvent* event) {
+    hover(event->position().toPoint());
     QTreeView::mouseMoveEvent(event);
 }
 

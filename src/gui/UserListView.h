@@ -23,6 +23,11 @@ public:
 
     // The raw name of the selected item; empty with none.
     QString selectedUser() const;
+    // The tooltip for the item of a row (0-based) as it is shown: the title
+    // line, then the user's lines; empty when the user isn't in the channel.
+    QString tooltipFor(int row) const;
+    // How often a tooltip was built, for the hover rule.
+    int tooltipBuilds() const { return m_tooltipBuilds; }
     // The context menu as it would pop up for the selected item; null with
     // no selection. Owned by the view.
     QMenu* contextMenu();
@@ -42,10 +47,13 @@ protected:
     bool viewportEvent(QEvent* event) override;
 
 private:
+    void hover(const QPoint& pos);
     void forgetHover();
     // The user's name as the server takes it from this profile.
     QString serverName(const QString& username) const;
     void configureColumns();
+    enum class Membership { Alias, Group };
+    void addMembershipMenu(const QString& caption, const QString& name, Membership kind);
 
     Kind m_kind;
     int m_slot = 0;

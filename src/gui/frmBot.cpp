@@ -14,6 +14,7 @@
 #include "platform/ChatDocument.h"
 #include "platform/ListModel.h"
 #include "presentation/ChatWriter.h"
+#include "presentation/Theme.h"
 #include "session/MachineFacts.h"
 #include "session/SlotTable.h"
 
@@ -136,6 +137,8 @@ frmBot::frmBot(QWidget* parent) : QMainWindow(parent) {
     connect(&TimedEvents::instance(), &TimedEvents::statusChanged, this, &frmBot::onStatusChanged);
     connect(&SettingsWrapper::instance(), &SettingsWrapper::settingChanged, this,
             &frmBot::onSettingChanged);
+    connect(&ThemeEvents::instance(), &ThemeEvents::styleSheetChosen, this, &frmBot::applyTheme);
+    connect(&ThemeEvents::instance(), &ThemeEvents::themeLoaded, this, &frmBot::applyBackColor);
 
     m_tmrUpdate = new QTimer(this);
     m_tmrUpdate->setInterval(1000);
@@ -283,6 +286,14 @@ QMenu* frmBot::buildViewMenu() {
         connect(row, &QAction::triggered, this,
                 [&settings, percent] { settings.setTransparency(percent); });
     }
+    m_mnuTheme = view->addMenu(QStringLiteral("Theme"));
+    m_mnuTheme->setObjectName(QStringLiteral("mnuTheme"));
+    m_mnuTheme
+        ->addAction(QStringLiteral("Reload List"), this, [this] { fillThemes(ImportThemes()); })
+        ->setObjectName(QStringLiteral("mnuReloadList"));
+    m_mnuTheme->addSeparator();
+    m_themes = new QActionGroup(this);
+    fillThemes(ThemeNames());
     return view;
 }
 
@@ -386,6 +397,33 @@ void frmBot::openSettingsFile(const QString& name) {
     QFile file(path);
     if (!file.exists() && file.open(QIODevice::WriteOnly)) file.close();
     QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+}
+
+void frmBot::fillThemes(const QStringList& names) {
+    for (QAction* row : m_themes->actions())
+        delete row;
+    const QString active = ActiveThemeName();
+    for (const QString& name : names) {
+        QAction* row = m_mnuTheme->addAction(name, this, [name] { ChooseTheme(name); });
+        row->setCheckable(true);
+        row->setChecked(name == active);
+        m_themes->addAction(row);
+    }
+}
+
+void frmBot::applyTheme(const QString& name) {
+    // A theme's style sheet dresses the window; one that can't be read
+    // leaves the window as it was.
+    const QString sheet = ReadThemeStyleSheet(name);
+    if (!sheet.isEmpty()) setStyleSheet(sheet);
+    for (QAction* row : m_themes->actions())
+        row->setChecked(row->text() == name);
+}
+
+void frmBot::applyBackColor() {
+    QPalette p = palette();
+    p.setColor(QPalette::Window, IconPainter::fromBgr(CurrentTheme().interface.BackColor));
+    setPalette(p);
 }
 
 void frmBot::connectSlot(int slot) {

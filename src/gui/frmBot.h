@@ -62,6 +62,7 @@ public:
     QMenu* mnuProfileClick() const { return m_mnuProfileClick; }
     QMenu* mnuProfiles() const { return m_mnuProfiles; }
     QMenu* mnuChannels() const { return m_mnuChannels; }
+    QMenu* mnuTheme() const { return m_mnuTheme; }
     QAction* mnuConnect() const { return m_mnuConnect; }
     QAction* mnuDisconnect() const { return m_mnuDisconnect; }
     QAction* mnuClear() const { return m_mnuClear; }
@@ -99,6 +100,10 @@ private:
     void refreshMenuMarks();
     void updateListHeading();
     void openSettingsFile(const QString& name);
+    // The rows of the theme menu, one per style sheet, the active one marked.
+    void fillThemes(const QStringList& names);
+    void applyTheme(const QString& name);
+    void applyBackColor();
 
     ProfileTabBar* m_tabs = nullptr;
     QStackedWidget* m_chatStack = nullptr;
@@ -134,4 +139,6 @@ private:
     QAction* m_mnuLocked = nullptr;
     QAction* m_mnuAlwaysLoad = nullptr;
     QActionGroup* m_opacity = nullptr;
+    QMenu* m_mnuTheme = nullptr;
+    QActionGroup* m_themes = nullptr;
 };

@@ -3,6 +3,7 @@
 #include "gui/ChatView.h"
 #include "gui/IconPainter.h"
 #include "gui/ProfileTabBar.h"
+#include "presentation/Theme.h"
 
 #include <QLabel>
 #include <QMenu>
@@ -195,6 +196,27 @@ TEST_F(WindowTest, TheWhisperPanelAndSidebarFollowTheirSettings) {
     window->resize(100, 100);
     EXPECT_GE(window->width(), frmBot::kMinimumSize.width());
     EXPECT_GE(window->height(), frmBot::kMinimumSize.height());
+}
+
+TEST_F(WindowTest, TheThemeMenuListsTheStyleSheetsAndDressesTheWindow) {
+    SeedDefaultThemes();
+    const auto rows = [&] {
+        QStringList names;
+        for (QAction* action : window->mnuTheme()->actions()) {
+            if (action->isCheckable()) names << action->text();
+        }
+        return names;
+    };
+    window->mnuTheme()->actions().first()->trigger(); // Reload List
+    ASSERT_TRUE(rows().contains(QStringLiteral("Default")));
+    EXPECT_TRUE(console().contains(QStringLiteral("- Importing theme Default")));
+    window->setStyleSheet({});
+    for (QAction* action : window->mnuTheme()->actions()) {
+        if (action->text() == QLatin1String("Default")) action->trigger();
+    }
+    EXPECT_EQ(SettingsWrapper::instance().ThemeID(), QStringLiteral("Default.theme"));
+    EXPECT_FALSE(window->styleSheet().isEmpty());
+    EXPECT_TRUE(console().contains(QStringLiteral("Applying theme: Default.theme")));
 }
 
 } // namespace

@@ -19,6 +19,7 @@
 #include "session/SlotTable.h"
 
 #include <QActionGroup>
+#include <QApplication>
 #include <QCloseEvent>
 #include <QDesktopServices>
 #include <QFile>
@@ -109,7 +110,9 @@ QToolButton* toolbarButton(const QString& text, const QString& name) {
 frmBot::frmBot(QWidget* parent) : QMainWindow(parent) {
     setObjectName(QStringLiteral("frmBot"));
     setWindowIcon(IconPainter::icon(IconPainter::Program));
-    setPalette(darkPalette());
+    // For the whole program: dialogs and menus too, and the widgets a theme's
+    // style sheet leaves to the palette.
+    QApplication::setPalette(darkPalette());
     setMinimumSize(kMinimumSize);
     resize(960, 620);
     SettingsWrapper::instance().setInstalledFonts(QFontDatabase::families());

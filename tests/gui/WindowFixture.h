@@ -4,7 +4,6 @@
 #include "config/SettingsWrapper.h"
 #include "gui/frmBot.h"
 #include "platform/ChatDocument.h"
-#include "session/PacketWriter.h"
 
 #include <QApplication>
 #include <memory>
@@ -41,14 +40,7 @@ protected:
 
     static void event(int slot, quint32 id, const QString& user, const QString& text = {},
                       quint32 flags = 0, quint32 ping = 20) {
-        PacketWriter w;
-        w.WriteDWORD(id);
-        w.WriteDWORD(flags);
-        w.WriteDWORD(ping);
-        w.WriteVOID(QByteArray(12, '\0'));
-        w.WriteSTRING(user);
-        w.WriteSTRING(text);
-        wsBNET(slot).simulateData(PacketWriter::frameBNCS(0x0F, w.payload()));
+        wsBNET(slot).simulateData(chatEventFrame(id, flags, ping, user, text));
     }
 
     std::unique_ptr<frmBot> window;

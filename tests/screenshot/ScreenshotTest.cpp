@@ -1,4 +1,5 @@
 #include "chat/BotElement.h"
+#include "common/SandboxProcess.h"
 #include "config/SettingsWrapper.h"
 #include "gui/UserListView.h"
 #include "gui/frmBot.h"
@@ -12,8 +13,6 @@
 #include <QElapsedTimer>
 #include <QImage>
 #include <QPlainTextEdit>
-#include <QProcess>
-#include <QScopeGuard>
 #include <QScreen>
 #include <QTest>
 #include <QTextBlock>
@@ -22,35 +21,6 @@
 #include <set>
 
 namespace {
-
-// Reads "BNCS listening on 127.0.0.1:N" and the BNLS line; false, with what
-// the program said, when it ends or stays silent instead.
-bool readPorts(QProcess& sandbox, int& bncs, int& bnls, QString& said) {
-    while (bncs == 0 || bnls == 0) {
-        if (!sandbox.waitForReadyRead(5000)) {
-            said += QString::fromLocal8Bit(sandbox.readAll());
-            return false;
-        }
-        while (sandbox.canReadLine()) {
-            const QString line = QString::fromUtf8(sandbox.readLine()).trimmed();
-            said += line + u'\n';
-            const int port = line.section(u':', -1).toInt();
-            if (line.startsWith(QLatin1String("BNCS listening")))
-                bncs = port;
-            else if (line.startsWith(QLatin1String("BNLS listening")))
-                bnls = port;
-        }
-    }
-    return true;
-}
-
-bool waitFor(const std::function<bool()>& done, int ms) {
-    QElapsedTimer clock;
-    clock.start();
-    while (!done() && clock.elapsed() < ms)
-        QTest::qWait(50);
-    return done();
-}
 
 // The screen's pixels under a widget.
 QImage regionOf(const QImage& screen, const QWidget* widget) {
@@ -127,26 +97,13 @@ int pixelsOf(const QImage& image, QRgb colour) {
 TEST(ScreenshotTest, TheWindowShowsTheChannelsUsersAndColouredChat) {
     if (QGuiApplication::platformName() != QLatin1String("xcb"))
         GTEST_SKIP() << "Xvfb is not installed: the screenshot needs an X server of its own";
-    const QString sandboxPath = qEnvironmentVariable(
-        "CORVANTIDE_SANDBOX", QStringLiteral(CORVANTIDE_BINARY_DIR "/corvantide-sandbox"));
-    QProcess sandbox;
-    const auto stop = qScopeGuard([&sandbox] {
-        sandbox.kill();
-        sandbox.waitForFinished();
-    });
-    sandbox.setProcessChannelMode(QProcess::MergedChannels);
-    sandbox.start(sandboxPath, {QStringLiteral("--bncs-port"), QStringLiteral("0"),
-                                QStringLiteral("--bnls-port"), QStringLiteral("0"),
-                                QStringLiteral("--residents"), QStringLiteral("40"),
-                                QStringLiteral("--resident-rate"), QStringLiteral("6"),
-                                QStringLiteral("--resident-channel"), QStringLiteral("Sandbox"),
-                                QStringLiteral("--seed"), QStringLiteral("7")});
-    int bncs = 0;
-    int bnls = 0;
-    QString said;
-    if (!sandbox.waitForStarted(5000) || !readPorts(sandbox, bncs, bnls, said)) {
-        GTEST_SKIP() << "the local server " << sandboxPath.toStdString()
-                     << " did not start; it said: " << said.trimmed().toStdString();
+    SandboxProcess sandbox;
+    if (!sandbox.start({QStringLiteral("--residents"), QStringLiteral("40"),
+                        QStringLiteral("--resident-rate"), QStringLiteral("6"),
+                        QStringLiteral("--resident-channel"), QStringLiteral("Sandbox"),
+                        QStringLiteral("--seed"), QStringLiteral("7")})) {
+        GTEST_SKIP() << "the local server " << SandboxProcess::binary().toStdString()
+                     << " did not start";
     }
 
     // As the program starts: the window first, then the start-up with its
@@ -163,8 +120,8 @@ TEST(ScreenshotTest, TheWindowShowsTheChannelsUsersAndColouredChat) {
     c.setClient(QStringLiteral("STAR"));
     c.setVerbyte(QStringLiteral("d3"));
     c.setCdkey(QStringLiteral("7178075237576"));
-    c.setServer(QStringLiteral("127.0.0.1:%1").arg(bncs));
-    c.setServerBNLS(QStringLiteral("127.0.0.1:%1").arg(bnls));
+    c.setServer(sandbox.bncsServer());
+    c.setServerBNLS(sandbox.bnlsServer());
     c.setChannel(QStringLiteral("Sandbox"));
 
     window.resize(1100, 680);

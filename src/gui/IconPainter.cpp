@@ -150,15 +150,20 @@ void drawRepresentative(QPainter& p) {
     p.drawPath(star);
 }
 
-void drawSquelched(QPainter& p) {
+// A speech bubble over the upper part of the grid, its tail at the lower left.
+void speechBubble(QPainter& p, qreal height, const QColor& fill, const QColor& rim) {
     QPainterPath bubble;
-    bubble.addRoundedRect(QRectF(1.5, 2.5, 13, 8), 3, 3);
-    bubble.moveTo(4, 10);
-    bubble.lineTo(3, 14);
-    bubble.lineTo(8, 10);
-    p.setPen(QPen(QColor(0x50, 0x50, 0x50), 1));
-    p.setBrush(QColor(0xb0, 0xb0, 0xb0));
+    bubble.addRoundedRect(QRectF(1.5, 2.5, 13, height), 3.5, 3.5);
+    bubble.moveTo(4, 2 + height);
+    bubble.lineTo(3.5, 14.5);
+    bubble.lineTo(8, 2 + height);
+    p.setPen(QPen(rim, 1));
+    p.setBrush(fill);
     p.drawPath(bubble.simplified());
+}
+
+void drawSquelched(QPainter& p) {
+    speechBubble(p, 8, QColor(0xb0, 0xb0, 0xb0), QColor(0x50, 0x50, 0x50));
     p.setPen(QPen(QColor(0xd0, 0x20, 0x20), 2, Qt::SolidLine, Qt::RoundCap));
     p.drawLine(QPointF(3, 13), QPointF(13, 2));
 }
@@ -277,14 +282,7 @@ bool drawWarcraft3(QPainter& p, const QString& key) {
 
 void drawTabState(QPainter& p, const QString& key) {
     if (key == IconPainter::TabTalk) {
-        QPainterPath bubble;
-        bubble.addRoundedRect(QRectF(1.5, 2.5, 13, 9), 3.5, 3.5);
-        bubble.moveTo(4, 11);
-        bubble.lineTo(3.5, 14.5);
-        bubble.lineTo(8, 11);
-        p.setPen(QPen(QColor(0x9a, 0x5a, 0x00), 1));
-        p.setBrush(QColor(0xff, 0xa8, 0x20));
-        p.drawPath(bubble.simplified());
+        speechBubble(p, 9, QColor(0xff, 0xa8, 0x20), QColor(0x9a, 0x5a, 0x00));
         p.setPen(Qt::NoPen);
         p.setBrush(Qt::white);
         for (int i = 0; i < 3; ++i)

@@ -210,6 +210,7 @@ BENCHMARK(SandboxLoad)
     ->Args({50, 10})
     ->Args({50, 100})
     ->Args({50, 1000})
+    ->Args({50, 4000})
     ->Iterations(1)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);

@@ -2,21 +2,9 @@
 
 #include <QString>
 
-class ChatDocument;
-
-// What the chat events show of a channel: the event lines in a view and the
-// items of the user list, kept in the order operators first, then arrivals.
+// The items of a slot's user list as the chat events keep them: operators
+// and representatives on top, everybody else in order of arrival.
 namespace channelview {
-
-// An event line through the theme's template `key`.
-void Show(int Index, ChatDocument& view, const QString& key, const QString& user,
-          const QString& message, const QString& statstring = {}, qint32 ping = 0,
-          qint32 flags = 0, const QString& channel = {}, qint32 channelFlags = 0);
-// The name as the screen shows it.
-QString DisplayName(int Index, const QString& username);
-// A blocked user or a filtered text is neither shown nor answered.
-bool IsHidden(int Index, const QString& plainName, const QString& text);
-void RefreshAliasesAndGroups(int Index);
 
 // Operators and representatives go to the top, everybody else to the end.
 void InsertUserItem(int Index, const QString& username, qint32 flags, qint32 ping,

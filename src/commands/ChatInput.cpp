@@ -2,7 +2,11 @@
 
 #include "chat/BotElement.h"
 #include "chat/ChannelView.h"
+#include "commands/AliasesAndGroups.h"
+#include "commands/BlocksAndFilters.h"
 #include "presentation/ChatWriter.h"
+#include "presentation/EventTemplates.h"
+#include "presentation/Theme.h"
 #include "session/PacketWriter.h"
 #include "session/SlotTable.h"
 #include "statistics/UserNames.h"
@@ -20,18 +24,15 @@ QString rewriteRealmWhisper(int Index, const QString& text) {
     const qsizetype blank = text.indexOf(u' ');
     const QString rest = text.mid(blank + 1);
     const qsizetype second = rest.indexOf(u' ');
-    if (!isDiablo(Index) || second < 0 || rest.startsWith(u'*'))
-        return text;
+    if (!isDiablo(Index) || second < 0 || rest.startsWith(u'*')) return text;
     const QString word = text.left(blank);
     QString name = rest.left(second);
     const QString message = rest.mid(second + 1);
     bool tagged = false;
     for (const char* tag : {"@USEast", "@USWest", "@Europe", "@Asia"})
         tagged = tagged || name.contains(QLatin1String(tag));
-    if (!tagged)
-        return word + QStringLiteral(" *") + name + u' ' + message;
-    if (name.contains(u'*'))
-        name = u'*' + ConvertUsername(name, false, -1);
+    if (!tagged) return word + QStringLiteral(" *") + name + u' ' + message;
+    if (name.contains(u'*')) name = u'*' + ConvertUsername(name, false, -1);
     return word + u' ' + name + u' ' + message;
 }
 
@@ -39,13 +40,11 @@ QString rewriteRealmWhisper(int Index, const QString& text) {
 
 void SendChatLine(int Index, QString Text) {
     BotElement& bot = Bots(Index);
-    if (!bot.Online())
-        return;
+    if (!bot.Online()) return;
     Text.remove(u'\n');
     Text.remove(u'\r');
     Text.remove(QChar(u'\0'));
-    if (Text.isEmpty())
-        return;
+    if (Text.isEmpty()) return;
     const qsizetype blank = Text.indexOf(u' ');
     if (blank >= 0) {
         const QString word = Text.left(blank).toLower();
@@ -56,8 +55,7 @@ void SendChatLine(int Index, QString Text) {
         } else if (word == QLatin1String("/sendall")) {
             SlotTable& table = SlotTable::instance();
             for (int i = 1; i <= table.highestIndex(); ++i) {
-                if (Bots(i).Online() && Bots(i).IsLoaded)
-                    Bots(i).Queue.append(rest);
+                if (Bots(i).Online() && Bots(i).IsLoaded) Bots(i).Queue.append(rest);
             }
             return;
         } else if (word == QLatin1String("/reply") || word == QLatin1String("/r")) {
@@ -81,14 +79,12 @@ void SendChatLine(int Index, QString Text) {
     PacketWriter w;
     w.WriteSTRING(Text);
     w.SendPacket(Index, 0x0E);
-    if (Text.startsWith(u'/'))
-        return; // the server's answer shows by itself
+    if (Text.startsWith(u'/')) return; // the server's answer shows by itself
     // The bot's own talk, as the channel sees it, decoded when it went out coded.
     QString shown = Text;
-    if (shown[0].unicode() == 164 || shown[0].unicode() == 171)
-        DecryptChat(shown);
-    channelview::Show(Index, rtbChat(Index), QStringLiteral("talk"), bot.UniqueAccount, shown, {},
-                      bot.MyPing(), bot.MyFlags);
+    if (shown[0].unicode() == 164 || shown[0].unicode() == 171) DecryptChat(shown);
+    ParseOutput(Index, rtbChat(Index), CurrentTheme().events.talk, bot.UniqueAccount, shown, {},
+                bot.MyPing(), bot.MyFlags);
 }
 
 void EncryptChat(QString& Text) {

@@ -2,13 +2,17 @@
 // whispers, and what the server says itself.
 #include "chat/BotElement.h"
 #include "chat/ChannelView.h"
+#include "commands/AliasesAndGroups.h"
+#include "commands/BlocksAndFilters.h"
 #include "commands/ChatInput.h"
 #include "config/SettingsWrapper.h"
 #include "platform/ListModel.h"
 #include "platform/TickCount.h"
 #include "plugins/PluginHost.h"
 #include "presentation/ChatWriter.h"
+#include "presentation/EventTemplates.h"
 #include "presentation/TextFormat.h"
+#include "presentation/Theme.h"
 #include "session/ConnectionWrapper.h"
 #include "session/PacketReader.h"
 #include "session/PacketWriter.h"
@@ -85,22 +89,53 @@ void ConnectionWrapper::Handle_ChatEvent(int Index, PacketReader& Reader) {
 void ConnectionWrapper::RunChatEvent(int Index, quint8 EventID, const QString& Username,
                                      const QString& Text, qint32 Flags, qint32 Ping) {
     switch (EventID) {
-    case 1: Handle_ChatEvent_UserShow(Index, Username, Text, Flags, Ping); break;
-    case 2: Handle_ChatEvent_Join(Index, Username, Text, Flags, Ping); break;
-    case 3: Handle_ChatEvent_Leave(Index, Username, Text, Flags, Ping); break;
-    case 4: Handle_ChatEvent_WhisperFrom(Index, Username, Text, Flags, Ping); break;
-    case 5: Handle_ChatEvent_Talk(Index, Username, Text, Flags, Ping); break;
-    case 6: Handle_ChatEvent_BroadCast(Index, Text); break;
-    case 7: Handle_ChatEvent_JoinChannel(Index, Text, Flags); break;
-    case 9: Handle_ChatEvent_UserFlags(Index, Username, Text, Flags, Ping); break;
-    case 10: Handle_ChatEvent_WhisperTo(Index, Username, Text, Flags, Ping); break;
-    case 13: Handle_ChannelFull(Index, Text); break;
-    case 14: Handle_ChannelNotExist(Index, Text); break;
-    case 15: Handle_ChannelRestricted(Index, Text); break;
-    case 18: Handle_ChatEvent_Information(Index, Text); break;
-    case 19: Handle_ChatEvent_Error(Index, Text); break;
-    case 23: Handle_ChatEvent_Emote(Index, Username, Text, Flags, Ping); break;
-    default: break; // only the plug-ins hear of it
+    case 1:
+        Handle_ChatEvent_UserShow(Index, Username, Text, Flags, Ping);
+        break;
+    case 2:
+        Handle_ChatEvent_Join(Index, Username, Text, Flags, Ping);
+        break;
+    case 3:
+        Handle_ChatEvent_Leave(Index, Username, Text, Flags, Ping);
+        break;
+    case 4:
+        Handle_ChatEvent_WhisperFrom(Index, Username, Text, Flags, Ping);
+        break;
+    case 5:
+        Handle_ChatEvent_Talk(Index, Username, Text, Flags, Ping);
+        break;
+    case 6:
+        Handle_ChatEvent_BroadCast(Index, Text);
+        break;
+    case 7:
+        Handle_ChatEvent_JoinChannel(Index, Text, Flags);
+        break;
+    case 9:
+        Handle_ChatEvent_UserFlags(Index, Username, Text, Flags, Ping);
+        break;
+    case 10:
+        Handle_ChatEvent_WhisperTo(Index, Username, Text, Flags, Ping);
+        break;
+    case 13:
+        Handle_ChannelFull(Index, Text);
+        break;
+    case 14:
+        Handle_ChannelNotExist(Index, Text);
+        break;
+    case 15:
+        Handle_ChannelRestricted(Index, Text);
+        break;
+    case 18:
+        Handle_ChatEvent_Information(Index, Text);
+        break;
+    case 19:
+        Handle_ChatEvent_Error(Index, Text);
+        break;
+    case 23:
+        Handle_ChatEvent_Emote(Index, Username, Text, Flags, Ping);
+        break;
+    default:
+        break; // only the plug-ins hear of it
     }
 }
 
@@ -112,17 +147,16 @@ void ConnectionWrapper::Handle_ChatEvent_JoinChannel(int Index, const QString& C
     bot.ChannelTick = GetTickCount();
     bot.setChannel(Channel);
     bot.ChannelFlags = Flags;
-    if (SlotTable::instance().CurrentIndex() == Index)
-        channelview::RefreshAliasesAndGroups(Index);
-    channelview::Show(Index, rtbChat(Index), QStringLiteral("channeljoined"), {}, {}, {}, 0, 0,
-                      Channel, Flags);
+    if (SlotTable::instance().CurrentIndex() == Index) RefreshAliasesAndGroups(Index);
+    ParseOutput(Index, rtbChat(Index), CurrentTheme().events.channeljoined, {}, {}, {}, 0, 0,
+                Channel, Flags);
     if (Channel == QLatin1String("The Void")) {
         bot.MyFlags = 0;
         if (!settings().VoidView()) {
             const bool realm = bot.Config.Client().left(2).toUpper() == QLatin1String("D2");
-            bot.Queue.append(QStringLiteral("/unsquelch ") +
-                             (realm ? ConvertUsername(bot.UniqueAccount, true, -1)
-                                    : bot.UniqueAccount));
+            bot.Queue.append(
+                QStringLiteral("/unsquelch ") +
+                (realm ? ConvertUsername(bot.UniqueAccount, true, -1) : bot.UniqueAccount));
         }
     }
     runScript(Index, "Event_JoinChannel", {Channel, Flags});
@@ -138,8 +172,8 @@ void ConnectionWrapper::Handle_ChatEvent_UserShow(int Index, const QString& User
         bot.MyStatstring = Text;
     }
     if (!settings().HidePresent())
-        channelview::Show(Index, rtbChat(Index), QStringLiteral("present"),
-                          channelview::DisplayName(Index, Username), {}, Text, Ping, Flags);
+        ParseOutput(Index, rtbChat(Index), CurrentTheme().events.present, GetDisplayName(Username),
+                    {}, Text, Ping, Flags);
     bot.userDel(Username);
     bot.userAdd(Username, Flags, Ping, Text, GetTickCount());
     channelview::RemoveUserItems(Index, plain);
@@ -155,8 +189,8 @@ void ConnectionWrapper::Handle_ChatEvent_Join(int Index, const QString& Username
         if (!repeat) {
             LastJoinUser = Username;
             LastJoinTick = GetTickCount();
-            channelview::Show(Index, rtbChat(Index), QStringLiteral("join"),
-                              channelview::DisplayName(Index, Username), {}, Text, Ping, Flags);
+            ParseOutput(Index, rtbChat(Index), CurrentTheme().events.join, GetDisplayName(Username),
+                        {}, Text, Ping, Flags);
         }
     }
     const QString plain = plainName(Username);
@@ -175,30 +209,30 @@ void ConnectionWrapper::Handle_ChatEvent_Leave(int Index, const QString& Usernam
     if (!settings().HideJoinLeave()) {
         const bool quick = position > 0 && withinFloodDelay(bot.user(position).Uptime);
         if (!quick)
-            channelview::Show(Index, rtbChat(Index), QStringLiteral("leave"),
-                              channelview::DisplayName(Index, Username), Text, {}, Ping, Flags);
+            ParseOutput(Index, rtbChat(Index), CurrentTheme().events.leave,
+                        GetDisplayName(Username), Text, {}, Ping, Flags);
     }
     bot.userDel(plain);
     channelview::RemoveUserItems(Index, plain);
-    if (bot.Config.Stalk() && sameName(bot.Config.Stalker(), plain))
-        requestFriendsList(Index);
+    if (bot.Config.Stalk() && sameName(bot.Config.Stalker(), plain)) requestFriendsList(Index);
     runScript(Index, "Event_UserLeave", {Username});
 }
 
 void ConnectionWrapper::Handle_ChatEvent_UserFlags(int Index, const QString& Username,
-                                                   const QString& Text, qint32 Flags,
-                                                   qint32 Ping) {
+                                                   const QString& Text, qint32 Flags, qint32 Ping) {
     BotElement& bot = Bots(Index);
     const QString plain = plainName(Username);
     const int position = bot.UserFind(plain);
     if (position > 0) {
         const bool had = bot.user(position).Flags & 0x02;
         const bool has = Flags & 0x02;
-        const QString name = channelview::DisplayName(Index, Username);
+        const QString name = GetDisplayName(Username);
         if (had && !has)
-            WriteChat(Index, Status::Information, name + QStringLiteral(" lost channel operator status."));
+            WriteChat(Index, Status::Information,
+                      name + QStringLiteral(" lost channel operator status."));
         else if (!had && has)
-            WriteChat(Index, Status::Information, name + QStringLiteral(" gained channel operator status."));
+            WriteChat(Index, Status::Information,
+                      name + QStringLiteral(" gained channel operator status."));
     }
     const auto updateStored = [&] {
         if (position > 0) {
@@ -228,17 +262,17 @@ void ConnectionWrapper::Handle_ChatEvent_UserFlags(int Index, const QString& Use
 }
 
 void ConnectionWrapper::Handle_ChannelFull(int Index, const QString& Text) {
-    channelview::Show(Index, rtbChat(Index), QStringLiteral("channelfull"), {}, Text);
+    ParseOutput(Index, rtbChat(Index), CurrentTheme().events.channelfull, {}, Text);
     runScript(Index, "Event_ChannelFull", {Text});
 }
 
 void ConnectionWrapper::Handle_ChannelNotExist(int Index, const QString& Text) {
-    channelview::Show(Index, rtbChat(Index), QStringLiteral("channeldoesnotexist"), {}, Text);
+    ParseOutput(Index, rtbChat(Index), CurrentTheme().events.channeldoesnotexist, {}, Text);
     runScript(Index, "Event_ChannelDoesNotExist", {Text});
 }
 
 void ConnectionWrapper::Handle_ChannelRestricted(int Index, const QString& Text) {
-    channelview::Show(Index, rtbChat(Index), QStringLiteral("channelrestricted"), {}, Text);
+    ParseOutput(Index, rtbChat(Index), CurrentTheme().events.channelrestricted, {}, Text);
     runScript(Index, "Event_ChannelRestricted", {Text});
 }
 
@@ -246,19 +280,17 @@ void ConnectionWrapper::Handle_ChatEvent_Talk(int Index, const QString& Username
                                               qint32 Flags, qint32 Ping) {
     BotElement& bot = Bots(Index);
     const QString plain = plainName(Username);
-    if (settings().DecodeUTF8())
-        Text = DecodeUTF8(Text);
+    if (settings().DecodeUTF8()) Text = DecodeUTF8(Text);
     const int current = SlotTable::instance().CurrentIndex();
     if (bot.Channel() != Bots(current).Channel()) {
         bot.IsActive = true;
         bot.LastActive = GetTickCount();
     }
     bool shown = false;
-    if (!channelview::IsHidden(Index, plain, Text)) {
+    if (!(IsBlocked(plain) || IsFiltered(Text))) {
         if (Text.size() >= 2) {
             const char16_t first = Text[0].unicode();
-            if (first == 171 || (first == 164 && settings().Decryption()))
-                DecryptChat(Text);
+            if (first == 171 || (first == 164 && settings().Decryption())) DecryptChat(Text);
             // The command dispatcher and bot mail answer here once they exist;
             // the line is shown either way.
         }
@@ -268,14 +300,13 @@ void ConnectionWrapper::Handle_ChatEvent_Talk(int Index, const QString& Username
             UserElement& u = bot.user(position);
             u.LastAction = GetTickCount();
             gated = u.Uptime > 0 && withinFloodDelay(u.Uptime);
-            if (!gated)
-                u.Uptime = GetTickCount();
+            if (!gated) u.Uptime = GetTickCount();
         }
         shown = !gated;
     }
     if (shown)
-        channelview::Show(Index, rtbChat(Index), QStringLiteral("talk"),
-                          channelview::DisplayName(Index, Username), Text, {}, Ping, Flags);
+        ParseOutput(Index, rtbChat(Index), CurrentTheme().events.talk, GetDisplayName(Username),
+                    Text, {}, Ping, Flags);
     runScript(Index, "Event_UserTalk", {Username, Text, Flags, Ping});
 }
 
@@ -287,14 +318,12 @@ void ConnectionWrapper::Handle_ChatEvent_Emote(int Index, const QString& Usernam
     if (position > 0) {
         UserElement& u = bot.user(position);
         u.LastAction = GetTickCount();
-        if (withinFloodDelay(u.Uptime))
-            return;
+        if (withinFloodDelay(u.Uptime)) return;
     }
-    if (settings().DecodeUTF8())
-        Text = DecodeUTF8(Text);
-    if (!channelview::IsHidden(Index, plain, Text))
-        channelview::Show(Index, rtbChat(Index), QStringLiteral("emote"),
-                          channelview::DisplayName(Index, Username), Text, {}, Ping, Flags);
+    if (settings().DecodeUTF8()) Text = DecodeUTF8(Text);
+    if (!(IsBlocked(plain) || IsFiltered(Text)))
+        ParseOutput(Index, rtbChat(Index), CurrentTheme().events.emote, GetDisplayName(Username),
+                    Text, {}, Ping, Flags);
     runScript(Index, "Event_UserEmote", {Username, Text, Flags, Ping}, "Event_Emote");
 }
 
@@ -302,8 +331,7 @@ void ConnectionWrapper::Handle_ChatEvent_WhisperFrom(int Index, const QString& U
                                                      QString Text, qint32 Flags, qint32& Ping) {
     BotElement& bot = Bots(Index);
     bot.LastWhisper = Username;
-    if (settings().DecodeUTF8())
-        Text = DecodeUTF8(Text);
+    if (settings().DecodeUTF8()) Text = DecodeUTF8(Text);
     const QString plain = plainName(Username);
     const int position = bot.UserFind(plain);
     bool passes = true;
@@ -312,10 +340,10 @@ void ConnectionWrapper::Handle_ChatEvent_WhisperFrom(int Index, const QString& U
         u.LastAction = GetTickCount();
         passes = !withinFloodDelay(u.Uptime);
     }
-    if (passes && !channelview::IsHidden(Index, plain, Text)) {
+    if (passes && !(IsBlocked(plain) || IsFiltered(Text))) {
         ChatDocument& view = settings().WhisperPanel() ? rtbWhisper(Index) : rtbChat(Index);
-        channelview::Show(Index, view, QStringLiteral("whisperfrom"),
-                          channelview::DisplayName(Index, Username), Text, {}, Ping, Flags);
+        ParseOutput(Index, view, CurrentTheme().events.whisperfrom, GetDisplayName(Username), Text,
+                    {}, Ping, Flags);
         // Commands by whisper reach the dispatcher here once it exists.
     }
     if (matchesPattern(Text, QStringLiteral("Your friend * has exited Battle.net.")) ||
@@ -324,14 +352,13 @@ void ConnectionWrapper::Handle_ChatEvent_WhisperFrom(int Index, const QString& U
     runScript(Index, "Event_WhisperFrom", {Username, Text, Flags, Ping});
 }
 
-void ConnectionWrapper::Handle_ChatEvent_WhisperTo(int Index, const QString& Username,
-                                                   QString Text, qint32 Flags, qint32& Ping) {
+void ConnectionWrapper::Handle_ChatEvent_WhisperTo(int Index, const QString& Username, QString Text,
+                                                   qint32 Flags, qint32& Ping) {
     Bots(Index).LastWhispered = Username;
-    if (settings().DecodeUTF8())
-        Text = DecodeUTF8(Text);
+    if (settings().DecodeUTF8()) Text = DecodeUTF8(Text);
     ChatDocument& view = settings().WhisperPanel() ? rtbWhisper(Index) : rtbChat(Index);
-    channelview::Show(Index, view, QStringLiteral("whisperto"),
-                      channelview::DisplayName(Index, Username), Text, {}, Ping, Flags);
+    ParseOutput(Index, view, CurrentTheme().events.whisperto, GetDisplayName(Username), Text, {},
+                Ping, Flags);
     runScript(Index, "Event_WhisperTo", {Username, Text, Flags, Ping});
 }
 
@@ -340,24 +367,22 @@ void ConnectionWrapper::Handle_ChatEvent_Information(int Index, const QString& T
     BotElement& bot = Bots(Index);
     if (Text == QLatin1String("Your friends are:")) {
         if (settings().HideOfflineFriends())
-            WriteChat(Index, {{StatusColor(Status::Information), line},
-                              {0x404040, QStringLiteral(" (Corvantide is hiding your offline friends)")}});
+            WriteChat(Index,
+                      {{StatusColor(Status::Information), line},
+                       {0x404040, QStringLiteral(" (Corvantide is hiding your offline friends)")}});
         else
             WriteChat(Index, Status::Information, line);
     } else if (matchesPattern(Text, QStringLiteral("##: * offline")) ||
                matchesPattern(Text, QStringLiteral("#: * offline"))) {
-        if (!settings().HideOfflineFriends())
-            WriteChat(Index, Status::Information, line);
+        if (!settings().HideOfflineFriends()) WriteChat(Index, Status::Information, line);
     } else if (matchesPattern(Text, QStringLiteral("* was unbanned by *")) ||
                matchesPattern(Text, QStringLiteral("* was banned by *"))) {
-        if (!settings().HideBanUnban())
-            WriteChat(Index, Status::Warning, line);
+        if (!settings().HideBanUnban()) WriteChat(Index, Status::Warning, line);
     } else if (matchesPattern(Text, QStringLiteral("Removed * from your friends list."))) {
         const QString name = Text.mid(8).section(u' ', 0, 0);
         ListModel& friends = lvFriends(Index);
         for (int i = friends.count(); i >= 1; --i) {
-            if (sameName(friends.item(i).tag, name))
-                friends.removeAt(i);
+            if (sameName(friends.item(i).tag, name)) friends.removeAt(i);
         }
         WriteChat(Index, Status::Information, line);
     } else if (matchesPattern(Text, QStringLiteral("Added * to your friends list."))) {
@@ -397,6 +422,6 @@ void ConnectionWrapper::Handle_ChatEvent_Error(int Index, const QString& Text) {
 }
 
 void ConnectionWrapper::Handle_ChatEvent_BroadCast(int Index, const QString& Text) {
-    channelview::Show(Index, rtbChat(Index), QStringLiteral("broadcast"), {}, Text);
+    ParseOutput(Index, rtbChat(Index), CurrentTheme().events.broadcast, {}, Text);
     runScript(Index, "Event_Broadcast", {Text});
 }

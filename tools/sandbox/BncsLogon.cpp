@@ -21,6 +21,10 @@ constexpr quint32 kKeyInUse = 0x201;
 constexpr quint32 kKeyWrongProduct = 0x203;
 constexpr quint32 kSecondKey = 0x010;
 
+// How each system refuses a new account's name.
+constexpr BncsLogon::Refusals kOldSystemRefusals{6, 2, 3, 4};
+constexpr BncsLogon::Refusals kNewSystemRefusals{7, 8, 9, 4};
+
 // The archive's time in 0x50: a FILETIME, 100 ns steps since 1601; here 2004-01-01.
 constexpr quint64 kArchiveTime = (1072915200ull + 11644473600ull) * 10000000ull;
 
@@ -200,26 +204,26 @@ bool BncsLogon::oldLogon(PacketReader& r) {
     return true;
 }
 
+quint32 BncsLogon::create(const AccountRecord& account, const Refusals& refusals) {
+    switch (AccountStore::checkName(account.name)) {
+    case AccountStore::NameCheck::TooShort:
+        return refusals.tooShort;
+    case AccountStore::NameCheck::TooLong:
+    case AccountStore::NameCheck::InvalidCharacters:
+        return refusals.invalid;
+    case AccountStore::NameCheck::BannedWord:
+        return refusals.banned;
+    case AccountStore::NameCheck::Ok:
+        break;
+    }
+    return m_context.store.create(account) ? 0 : refusals.exists;
+}
+
 bool BncsLogon::oldCreate(PacketReader& r) {
     if (!oldSystemAllowed()) return false;
     const auto hash = readArray<20>(r);
     const QString name = r.ReadSTRING();
-    quint32 status = 0;
-    switch (AccountStore::checkName(name)) {
-    case AccountStore::NameCheck::TooShort:
-        status = 6;
-        break;
-    case AccountStore::NameCheck::TooLong:
-    case AccountStore::NameCheck::InvalidCharacters:
-        status = 2;
-        break;
-    case AccountStore::NameCheck::BannedWord:
-        status = 3;
-        break;
-    case AccountStore::NameCheck::Ok:
-        status = m_context.store.create({name, hash, std::nullopt, QString()}) ? 0 : 4;
-        break;
-    }
+    const quint32 status = create({name, hash, std::nullopt, QString()}, kOldSystemRefusals);
     PacketWriter w;
     w.WriteDWORD(status);
     w.WriteSTRING(QString());
@@ -250,22 +254,7 @@ bool BncsLogon::newCreate(PacketReader& r) {
     secrets.salt = readArray<32>(r);
     secrets.verifier = readArray<32>(r);
     const QString name = r.ReadSTRING();
-    quint32 status = 0;
-    switch (AccountStore::checkName(name)) {
-    case AccountStore::NameCheck::TooShort:
-        status = 7;
-        break;
-    case AccountStore::NameCheck::TooLong:
-    case AccountStore::NameCheck::InvalidCharacters:
-        status = 8;
-        break;
-    case AccountStore::NameCheck::BannedWord:
-        status = 9;
-        break;
-    case AccountStore::NameCheck::Ok:
-        status = m_context.store.create({name, std::nullopt, secrets, QString()}) ? 0 : 4;
-        break;
-    }
+    const quint32 status = create({name, std::nullopt, secrets, QString()}, kNewSystemRefusals);
     PacketWriter w;
     w.WriteDWORD(status);
     m_reply(0x52, w.payload());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "logon/NlsServer.h"
+#include "sandbox/AccountStore.h"
 #include "sandbox/VersionOracle.h"
 #include "session/PacketReader.h"
 
@@ -46,7 +47,14 @@ public:
     bool changeEmail(PacketReader& r);
     bool forgotPassword(PacketReader& r);
 
+    // The status an account creation answers with for a name that is too short, too long or
+    // of the wrong characters, holds a banned word, or is taken.
+    struct Refusals {
+        quint32 tooShort, invalid, banned, exists;
+    };
+
 private:
+    quint32 create(const AccountRecord& account, const Refusals& refusals);
     bool oldSystemAllowed() const;
     bool newSystemAllowed() const;
     quint32 checkVersion(quint32 version, quint32 checksum);

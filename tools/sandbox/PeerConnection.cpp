@@ -10,6 +10,8 @@ namespace {
 
 // A client that doesn't take the last bytes within this time is cut off.
 constexpr int kFlushTimeoutMs = 5000;
+// Nor may a client that stops reading make the server hold its chat without end.
+constexpr qint64 kLargestBacklog = 16 << 20;
 
 } // namespace
 
@@ -19,7 +21,16 @@ PeerConnection::PeerConnection(QTcpSocket* socket, const SessionFactory& makeSes
     m_socket->setParent(this);
     m_socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
     WireLink link;
-    link.send = [this](const QByteArray& bytes) { m_socket->write(bytes); };
+    link.send = [this](const QByteArray& bytes) {
+        m_socket->write(bytes);
+        if (m_socket->bytesToWrite() > kLargestBacklog && !m_dropping) {
+            m_dropping = true;
+            // Not now: the hub may be in the middle of telling a channel.
+            QMetaObject::invokeMethod(
+                this, [this] { m_session->close(QStringLiteral("not reading")); },
+                Qt::QueuedConnection);
+        }
+    };
     link.close = [this] { serverHangsUp(); };
     m_session = makeSession(std::move(link));
     connect(m_socket, &QTcpSocket::readyRead, this, &PeerConnection::readAll);

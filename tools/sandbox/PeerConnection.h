@@ -33,6 +33,7 @@ private:
     QTcpSocket* m_socket;
     std::unique_ptr<WireSession> m_session;
     bool m_closing = false;
+    bool m_dropping = false; // the client stopped reading; its session ends shortly
     bool m_finished = false;
 };
 

@@ -48,7 +48,7 @@ int main(int argc, char** argv) {
 
     ResidentCrowd crowd(context->hub, options->residents, options->residentRate,
                         options->residentChannel, options->seed);
-    crowd.start();
+    if (options->residents > 0) crowd.start();
     script.play();
     return app.exec();
 }

@@ -155,7 +155,7 @@ TEST(ScreenshotTest, TheWindowShowsTheChannelsUsersAndColouredChat) {
     EXPECT_GE(textLines(chatPixels, chatBackground), 10);
     // Every colour of the lines in view shows on the screen.
     const std::set<QRgb> colours = shownColours(chat);
-    EXPECT_FALSE(colours.empty());
+    EXPECT_GE(colours.size(), 3u) << "the theme colours names, messages and times apart";
     for (const QRgb colour : colours)
         EXPECT_GE(pixelsOf(chatPixels, colour), 10)
             << "colour " << QColor(colour).name().toStdString();

@@ -127,10 +127,7 @@ frmBot::frmBot(QWidget* parent) : QMainWindow(parent) {
     connect(&table, &SlotTable::slotCreated, this, &frmBot::addSlotViews);
     connect(&table, &SlotTable::activeSlotChanged, this, &frmBot::onSlotSelected);
     connect(&table, &SlotTable::slotLoaded, this, &frmBot::tmrUpdate_Timer);
-    connect(&table, &SlotTable::slotUnloaded, this, [this](int index) {
-        if (index == SlotTable::instance().CurrentIndex()) selectSlot(0);
-        tmrUpdate_Timer();
-    });
+    connect(&table, &SlotTable::slotUnloaded, this, &frmBot::tmrUpdate_Timer);
     connect(&table, &SlotTable::profilesChanged, this, &frmBot::DisplayProfiles);
     connect(&table, &SlotTable::clanTagChanged, m_panels, &FoldOutPanels::refreshClan);
     connect(&table, &SlotTable::channelListChanged, this, [this](int index) {

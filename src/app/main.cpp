@@ -1,19 +1,23 @@
 #include "app/HeadlessConsole.h"
-#include "config/Folders.h"
 #include "chat/BotElement.h"
+#include "config/Folders.h"
 #include "config/RegCommands.h"
 #include "config/RegistryWrapper.h"
+#include "gui/frmBot.h"
 #include "presentation/ChatWriter.h"
 #include "session/ShutdownSequence.h"
 #include "session/SlotTable.h"
 #include "session/StartupSequence.h"
 
+#include <QApplication>
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QMessageBox>
 #include <QTextStream>
 #include <QTimer>
-
 #include <cstdio>
+#include <cstring>
+#include <memory>
 #include <unistd.h>
 
 namespace {
@@ -59,8 +63,7 @@ int runSettingsCommand(const Options& options) {
     QTextStream out(stdout);
     QTextStream err(stderr);
     RegistryWrapper& store = RegistryWrapper::instance();
-    if (!options.importReg.isEmpty())
-        return ImportRegCommand(store, options.importReg, out, err);
+    if (!options.importReg.isEmpty()) return ImportRegCommand(store, options.importReg, out, err);
     if (options.exportReg.size() != 2) {
         err << "--export-reg takes a key and a file: --export-reg KEY --export-reg FILE\n";
         return 2;
@@ -77,8 +80,7 @@ void sendTypedLine(const QString& line) {
                   QStringLiteral("There is no profile on screen to send to; load one first."));
         return;
     }
-    if (!line.isEmpty())
-        Bots(index).Queue.append(line);
+    if (!line.isEmpty()) Bots(index).Queue.append(line);
 }
 
 // Without a window the first loaded profile is the one typing goes to.
@@ -111,8 +113,7 @@ int runHeadless(QCoreApplication& app, const Options& options) {
         return 1;
     }
     showFirstLoadedProfile();
-    if (options.connect)
-        QTimer::singleShot(0, &app, connectLoadedProfiles);
+    if (options.connect) QTimer::singleShot(0, &app, connectLoadedProfiles);
     console.setLineHandler(sendTypedLine);
     console.startReading();
     const int code = app.exec();
@@ -121,24 +122,60 @@ int runHeadless(QCoreApplication& app, const Options& options) {
     return code;
 }
 
+int runWindow(QCoreApplication& app, const Options& options) {
+    QApplication::setStyle(QStringLiteral("Fusion"));
+    // The window exists before the start-up so that it sees every slot and
+    // every line from the first.
+    frmBot window;
+    StartupSequence startup;
+    if (!startup.run()) return 1;
+    if (options.connect) QTimer::singleShot(0, &app, connectLoadedProfiles);
+    window.show();
+    const int code = app.exec();
+    ShutdownSequence().run();
+    return code;
+}
+
+// A run without a window: headless, a settings file command, or only the
+// help or version text.
+bool runsWithoutWindow(int argc, char** argv) {
+    for (int i = 1; i < argc; ++i) {
+        for (const char* option : {"--headless", "--import-reg", "--export-reg", "--help", "-h",
+                                   "--version", "-v", "--help-all"}) {
+            const size_t length = std::strlen(option);
+            if (std::strncmp(argv[i], option, length) == 0 &&
+                (argv[i][length] == '\0' || argv[i][length] == '='))
+                return true;
+        }
+    }
+    return false;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
-    QCoreApplication app(argc, argv);
+    const bool windowless = runsWithoutWindow(argc, argv);
+    std::unique_ptr<QCoreApplication> application;
+    if (windowless)
+        application = std::make_unique<QCoreApplication>(argc, argv);
+    else
+        application = std::make_unique<QApplication>(argc, argv);
+    QCoreApplication& app = *application;
     QCoreApplication::setApplicationName(QStringLiteral("Corvantide"));
     QCoreApplication::setApplicationVersion(QStringLiteral(CORVANTIDE_VERSION));
     const Options options = parseOptions(app);
-    if (!options.home.isEmpty())
-        SetHomeFolder(options.home);
+    if (!options.home.isEmpty()) SetHomeFolder(options.home);
     if (!options.importReg.isEmpty() || !options.exportReg.isEmpty())
         return runSettingsCommand(options);
     if (!RegistryWrapper::instance().isOpen()) {
         // Another Corvantide holds this settings store; a second one would
         // run on defaults and lose every change.
-        std::fprintf(stderr, "Could not open the settings store %s: is Corvantide already "
-                             "running with this home?\n",
-                     qPrintable(RegistryWrapper::defaultStoreFile()));
+        const QString text = QStringLiteral("Could not open the settings store %1: is Corvantide "
+                                            "already running with this home?")
+                                 .arg(RegistryWrapper::defaultStoreFile());
+        std::fprintf(stderr, "%s\n", qPrintable(text));
+        if (!windowless) QMessageBox::critical(nullptr, QStringLiteral("Corvantide"), text);
         return 1;
     }
-    return runHeadless(app, options);
+    return options.headless ? runHeadless(app, options) : runWindow(app, options);
 }

@@ -2,11 +2,9 @@
 
 #include "platform/ListModel.h"
 #include "presentation/UserColors.h"
+#include "presentation/UserIcons.h"
 #include "session/SlotTable.h"
-#include "statistics/FlagNames.h"
 #include "statistics/UserNames.h"
-
-#include <algorithm>
 
 namespace channelview {
 namespace {
@@ -22,10 +20,7 @@ ListItem userItem(int Index, const QString& username, qint32 flags, qint32 ping,
     item.tag = username;
     item.color = GetUserColor(Index, ConvertUsername(username, false, -1), flags, false);
     item.subText = QString::number(ping);
-    item.subIconKey = GetPingIcon(ping);
-    // The product travels reversed at the head of the statstring ("RATS").
-    item.iconKey = statstring.left(4);
-    std::reverse(item.iconKey.begin(), item.iconKey.end());
+    GetUserIcons(Index, statstring, flags, ping, item.iconKey, item.subIconKey);
     return item;
 }
 

@@ -157,15 +157,6 @@ void readTheme(const ThemeReader& in, ThemeRecord& t) {
     in.text("ChatEvent", "error", e.info);
 }
 
-// Base names of the style sheets in the theme folder, in name order.
-QStringList styleSheetNames() {
-    QStringList names;
-    for (const QString& file : ListFiles(ThemePath() + QStringLiteral("*.qss"))) {
-        if (!file.isEmpty()) names.append(file.chopped(4));
-    }
-    return names;
-}
-
 } // namespace
 
 ThemeRecord& CurrentTheme() {
@@ -210,8 +201,16 @@ void SeedDefaultThemes() {
     }
 }
 
+QStringList ThemeNames() {
+    QStringList names;
+    for (const QString& file : ListFiles(ThemePath() + QStringLiteral("*.qss"))) {
+        if (!file.isEmpty()) names.append(file.chopped(4));
+    }
+    return names;
+}
+
 QStringList ImportThemes() {
-    const QStringList names = styleSheetNames();
+    const QStringList names = ThemeNames();
     for (const QString& name : names)
         WriteChat(0, {{0x00FFFF, QStringLiteral("- Importing theme ") + name}});
     return names;
@@ -219,7 +218,7 @@ QStringList ImportThemes() {
 
 QString ActiveThemeName() {
     const QString wanted = SettingsWrapper::instance().ThemeID().toLower();
-    for (const QString& name : styleSheetNames()) {
+    for (const QString& name : ThemeNames()) {
         if (name.toLower() + QStringLiteral(".theme") == wanted) return name;
     }
     return {};

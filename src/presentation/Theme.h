@@ -145,6 +145,8 @@ void SeedDefaultThemes();
 // give the names of the style sheets (the rows of the theme menu), the one
 // that ThemeID chooses, and a style sheet's text.
 QStringList ImportThemes();
+// The same names, in name order, without a word on the console.
+QStringList ThemeNames();
 QString ActiveThemeName();
 QString ReadThemeStyleSheet(const QString& name);
 // The theme menu: reports the choice on the slot on screen, stores it in

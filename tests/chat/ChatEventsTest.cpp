@@ -7,18 +7,6 @@
 
 namespace {
 
-QByteArray chatEvent(quint32 id, quint32 flags, quint32 ping, const QString& user,
-                     const QString& text) {
-    PacketWriter w;
-    w.WriteDWORD(id);
-    w.WriteDWORD(flags);
-    w.WriteDWORD(ping);
-    w.WriteVOID(QByteArray(12, '\0'));
-    w.WriteSTRING(user);
-    w.WriteSTRING(text);
-    return PacketWriter::frameBNCS(0x0F, w.payload());
-}
-
 class ChatEventsTest : public SlotFixture {
 protected:
     void SetUp() override {
@@ -30,7 +18,7 @@ protected:
     }
     void event(quint32 id, const QString& user, const QString& text = {}, quint32 flags = 0,
                quint32 ping = 20) {
-        wsBNET(slot).simulateData(chatEvent(id, flags, ping, user, text));
+        wsBNET(slot).simulateData(chatEventFrame(id, flags, ping, user, text));
     }
     QStringList listNames() {
         QStringList names;

@@ -1,1 +1,0 @@
-// Keeps the window library linkable while it has no widgets of its own.

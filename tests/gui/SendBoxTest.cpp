@@ -1,0 +1,112 @@
+#include "gui/SendBox.h"
+
+#include "WindowFixture.h"
+
+#include <QClipboard>
+#include <QLineEdit>
+#include <QTest>
+
+namespace {
+
+class SendBoxTest : public WindowFixture {
+protected:
+    void SetUp() override {
+        WindowFixture::SetUp();
+        SettingsWrapper::instance().setEncryption(false);
+        box = window->cboSend();
+        edit = box->lineEdit();
+        edit->setFocus();
+    }
+    void type(const QString& text) { QTest::keyClicks(edit, text); }
+    void paste(const QString& clipboard) {
+        QApplication::clipboard()->setText(clipboard);
+        QTest::keyClick(edit, Qt::Key_V, Qt::ControlModifier);
+    }
+    SendBox* box = nullptr;
+    QLineEdit* edit = nullptr;
+};
+
+TEST_F(SendBoxTest, EnterOnTheConsoleSendsNothingAndKeepsTheText) {
+    SlotTable::instance().SelectBot(0);
+    type(QStringLiteral("hello"));
+    QTest::keyClick(edit, Qt::Key_Return);
+    EXPECT_EQ(box->currentText(), QStringLiteral("hello"));
+    EXPECT_TRUE(Bots(0).Queue.isEmpty());
+    EXPECT_EQ(box->count(), 0);
+}
+
+TEST_F(SendBoxTest, EnterOnAProfileQueuesTheLineAndEmptiesTheBox) {
+    const int slot = onlineSlot(QStringLiteral("Typist"));
+    SlotTable::instance().SelectBot(slot);
+    QTest::keyClick(edit, Qt::Key_Return);
+    EXPECT_TRUE(Bots(slot).Queue.isEmpty()) << "an empty box sends nothing";
+    type(QStringLiteral("first"));
+    QTest::keyClick(edit, Qt::Key_Return);
+    type(QStringLiteral("second"));
+    QTest::keyClick(edit, Qt::Key_Enter);
+    EXPECT_EQ(Bots(slot).Queue, (QStringList{"first", "second"}));
+    EXPECT_TRUE(box->currentText().isEmpty());
+    // The history holds the newest line first.
+    ASSERT_EQ(box->count(), 2);
+    EXPECT_EQ(box->itemText(0), QStringLiteral("second"));
+    EXPECT_EQ(box->itemText(1), QStringLiteral("first"));
+}
+
+TEST_F(SendBoxTest, APasteOfSeveralLinesSendsEachLine) {
+    const int slot = onlineSlot(QStringLiteral("Paster"));
+    SlotTable::instance().SelectBot(slot);
+    type(QStringLiteral("draft"));
+    paste(QStringLiteral("one\r\ntwo\r\nthree"));
+    EXPECT_EQ(Bots(slot).Queue, (QStringList{"one", "two", "three"}));
+    EXPECT_TRUE(box->currentText().isEmpty());
+
+    // Line ends of this desktop count as well; empty lines send nothing.
+    Bots(slot).Queue.clear();
+    paste(QStringLiteral("four\n\nfive\n"));
+    EXPECT_EQ(Bots(slot).Queue, (QStringList{"four", "five"}));
+
+    // One line without a line end only fills the box, at the caret.
+    Bots(slot).Queue.clear();
+    type(QStringLiteral("say "));
+    paste(QStringLiteral("six"));
+    EXPECT_TRUE(Bots(slot).Queue.isEmpty());
+    EXPECT_EQ(box->currentText(), QStringLiteral("say six"));
+}
+
+TEST_F(SendBoxTest, APasteOfSeveralLinesOnTheConsoleSendsNothing) {
+    SlotTable::instance().SelectBot(0);
+    type(QStringLiteral("kept"));
+    paste(QStringLiteral("a\r\nb"));
+    EXPECT_TRUE(Bots(0).Queue.isEmpty());
+    EXPECT_EQ(box->currentText(), QStringLiteral("kept"));
+}
+
+TEST_F(SendBoxTest, CtrlKeysPutColourEscapesAtTheCaret) {
+    type(QStringLiteral("ab"));
+    QTest::keyClick(edit, Qt::Key_Left);
+    QTest::keyClick(edit, Qt::Key_I, Qt::ControlModifier);
+    QTest::keyClick(edit, Qt::Key_End);
+    QTest::keyClick(edit, Qt::Key_B, Qt::ControlModifier);
+    QTest::keyClick(edit, Qt::Key_U, Qt::ControlModifier);
+    QTest::keyClick(edit, Qt::Key_S, Qt::ControlModifier);
+    QTest::keyClick(edit, Qt::Key_Tab);
+    EXPECT_EQ(box->currentText(), QStringLiteral("a\u00FFcIb\u00FFcB\u00FFcU\u00FFcS"));
+    EXPECT_TRUE(edit->hasFocus()) << "the tab key is swallowed, focus stays";
+}
+
+TEST_F(SendBoxTest, PlainLinesAreCodedWhenEncryptionIsOn) {
+    const int slot = onlineSlot(QStringLiteral("Secret"));
+    SlotTable::instance().SelectBot(slot);
+    SettingsWrapper::instance().setEncryption(true);
+    type(QStringLiteral("abc"));
+    QTest::keyClick(edit, Qt::Key_Return);
+    type(QStringLiteral("/who x"));
+    QTest::keyClick(edit, Qt::Key_Return);
+    SettingsWrapper::instance().setEncryption(false);
+    ASSERT_EQ(Bots(slot).Queue.size(), 2);
+    EXPECT_EQ(Bots(slot).Queue[0], QStringLiteral("\u00AB\u00DA\u00DB\u00DC"));
+    EXPECT_EQ(Bots(slot).Queue[1], QStringLiteral("/who x"));
+    EXPECT_EQ(box->itemText(1), Bots(slot).Queue[0]) << "the history keeps the coded form";
+}
+
+} // namespace

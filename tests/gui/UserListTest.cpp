@@ -1,0 +1,190 @@
+#include "WindowFixture.h"
+#include "commands/AliasesAndGroups.h"
+#include "gui/SendBox.h"
+#include "gui/UserListView.h"
+#include "platform/ListModel.h"
+
+#include <QClipboard>
+#include <QMenu>
+#include <QTest>
+#include <QToolTip>
+
+namespace {
+
+class UserListTest : public WindowFixture {
+protected:
+    void SetUp() override {
+        WindowFixture::SetUp();
+        slot = onlineSlot(QStringLiteral("Watcher"));
+        SlotTable::instance().SelectBot(slot);
+        list = window->userList();
+    }
+    // The names in the order the view shows them.
+    QStringList shownNames() const {
+        QStringList names;
+        const QAbstractItemModel* model = list->model();
+        for (int row = 0; row < model->rowCount(); ++row)
+            names << model->index(row, 0).data().toString();
+        return names;
+    }
+    void select(int row) { list->setCurrentIndex(list->model()->index(row, 0)); }
+    QAction* menuAction(QMenu* menu, const QString& name) {
+        for (QAction* action : menu->actions()) {
+            if (action->objectName() == name) return action;
+        }
+        return nullptr;
+    }
+    int slot = 0;
+    UserListView* list = nullptr;
+};
+
+TEST_F(UserListTest, OperatorsStandOnTopInReverseOrderOfArrival) {
+    event(slot, 1, QStringLiteral("first"), QStringLiteral("RATS 0"));
+    event(slot, 2, QStringLiteral("a"), QStringLiteral("RATS 0"), 0x02);
+    event(slot, 2, QStringLiteral("plain"), QStringLiteral("PXES 0"));
+    event(slot, 2, QStringLiteral("b"), QStringLiteral("RATS 0"), 0x02);
+    event(slot, 2, QStringLiteral("c"), QStringLiteral("3RAW 0"), 0x02);
+    event(slot, 2, QStringLiteral("last"), QStringLiteral("RATS 0"));
+    EXPECT_EQ(shownNames(), (QStringList{"c", "b", "a", "first", "plain", "last"}));
+    // Operators wear their mark instead of the product; the others their product.
+    const QAbstractItemModel* model = list->model();
+    EXPECT_EQ(model->index(0, 0).data(ListModel::IconKeyRole).toString(),
+              QStringLiteral("Operator"));
+    EXPECT_EQ(model->index(3, 0).data(ListModel::IconKeyRole).toString(), QStringLiteral("STAR"));
+    EXPECT_EQ(model->index(4, 0).data(ListModel::IconKeyRole).toString(), QStringLiteral("SEXP"));
+    EXPECT_EQ(model->index(4, 1).data().toString(), QStringLiteral("20"));
+    EXPECT_EQ(model->index(4, 1).data(ListModel::IconKeyRole).toString(), QStringLiteral("Green"));
+    // Another slot's list is not shown.
+    SlotTable::instance().SelectBot(0);
+    EXPECT_TRUE(shownNames().isEmpty());
+}
+
+TEST_F(UserListTest, KeysWhisperAndCopyTheSelectedUser) {
+    // Nothing to act on: Ctrl+C leaves the clipboard alone.
+    QApplication::clipboard()->setText(QStringLiteral("untouched"));
+    QTest::keyClick(list, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("untouched"));
+
+    event(slot, 1, QStringLiteral("alice"), QStringLiteral("RATS 0"));
+    event(slot, 1, QStringLiteral("bob"), QStringLiteral("RATS 0"));
+    select(1);
+    QTest::keyClick(list, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("bob"));
+    QTest::keyClick(list, Qt::Key_Space);
+    EXPECT_EQ(window->cboSend()->currentText(), QStringLiteral("/w bob "));
+}
+
+TEST_F(UserListTest, TheContextMenuOffersWhatCanBeDoneToTheUser) {
+    EXPECT_EQ(list->contextMenu(), nullptr) << "no selection, no menu";
+    event(slot, 1, QStringLiteral("loud"), QStringLiteral("RATS 0"));
+    event(slot, 1, QStringLiteral("hushed"), QStringLiteral("RATS 0"), 0x20);
+    select(0);
+    QMenu* menu = list->contextMenu();
+    ASSERT_NE(menu, nullptr);
+    EXPECT_EQ(menu->defaultAction(), menuAction(menu, QStringLiteral("mnuWhisperUser")));
+    EXPECT_EQ(menuAction(menu, QStringLiteral("mnuSquelchUser"))->text(),
+              QStringLiteral("Squelch"));
+    menuAction(menu, QStringLiteral("mnuBanUser"))->trigger();
+    EXPECT_EQ(Bots(slot).Queue, QStringList{QStringLiteral("/ban loud")});
+
+    select(1);
+    menu = list->contextMenu();
+    QAction* squelch = menuAction(menu, QStringLiteral("mnuSquelchUser"));
+    EXPECT_EQ(squelch->text(), QStringLiteral("Unsquelch"));
+    squelch->trigger();
+    QMenu* stats = menu->findChild<QMenu*>(QStringLiteral("mnuStatsUser"));
+    ASSERT_NE(stats, nullptr);
+    ASSERT_EQ(stats->actions().size(), 7);
+    stats->actions().at(5)->trigger();
+    EXPECT_EQ(Bots(slot).Queue,
+              (QStringList{"/ban loud", "/unsquelch hushed", "/stats hushed WAR3"}));
+    menu->defaultAction()->trigger();
+    EXPECT_EQ(window->cboSend()->currentText(), QStringLiteral("/w hushed "));
+}
+
+TEST_F(UserListTest, TooltipLinesTellWhatIsKnownOfTheUser) {
+    CreateGroup(QStringLiteral("Mods"), {QStringLiteral("clanner")}, 0xFFFFFF,
+                QStringLiteral("Mods"));
+    event(slot, 1, QStringLiteral("alice"), QStringLiteral("RATS 1500 0 12 0 0 0 0 0 RATS"), 0, 20);
+    event(slot, 1, QStringLiteral("clanner"), QStringLiteral("PX3W 3H3W 0 NALC"), 0x02, 250);
+    event(slot, 1, QStringLiteral("spawn"), QStringLiteral("RATS"), 0x10, 0);
+    const QStringList alice = list->tooltipFor(1).split(u'\n');
+    ASSERT_EQ(alice.size(), 6) << alice.join(u'|').toStdString();
+    EXPECT_EQ(alice[0], QStringLiteral("alice"));
+    EXPECT_EQ(alice[1], QStringLiteral("Flags: 0x00   (Normal)"));
+    EXPECT_EQ(alice[2], QStringLiteral("Ping: 20ms   (Excellent, Green)"));
+    EXPECT_EQ(alice[3], QStringLiteral("Product: StarCraft"));
+    EXPECT_EQ(alice[4], QStringLiteral("Stats: 12 wins, rating of 1500"));
+    EXPECT_TRUE(alice[5].startsWith(QStringLiteral("Uptime: ")));
+
+    const QStringList clanner = list->tooltipFor(0).split(u'\n');
+    ASSERT_EQ(clanner.size(), 8) << clanner.join(u'|').toStdString();
+    EXPECT_EQ(clanner[1], QStringLiteral("Member of: Clan CLAN"));
+    EXPECT_EQ(clanner[2], QStringLiteral("Flags: 0x02   (Mod)"));
+    EXPECT_EQ(clanner[3], QStringLiteral("Group: Mods"));
+    EXPECT_EQ(clanner[4], QStringLiteral("Ping: 250ms   (Low, Lime)"));
+    EXPECT_EQ(clanner[5], QStringLiteral("Product: WarCraft III The Frozen Throne"));
+    EXPECT_EQ(clanner[6], QStringLiteral("Stats: Sorceress Icon"));
+
+    // No clan, no group, no statistics: four lines under the title, none empty.
+    const QStringList spawn = list->tooltipFor(2).split(u'\n');
+    EXPECT_EQ(spawn.size(), 5) << spawn.join(u'|').toStdString();
+    EXPECT_FALSE(spawn.contains(QString()));
+    EXPECT_EQ(spawn[1], QStringLiteral("Flags: 0x10   (UDP)"));
+    DeleteGroup(QStringLiteral("Mods"));
+}
+
+TEST_F(UserListTest, TheTooltipIsBuiltOncePerItemUnderThePointer) {
+    event(slot, 1, QStringLiteral("alice"), QStringLiteral("RATS 0 0 0"));
+    event(slot, 1, QStringLiteral("bob"), QStringLiteral("RATS 0 0 0"));
+    QWidget* viewport = list->viewport();
+    const QRect first = list->visualRect(list->model()->index(0, 0));
+    QTest::mouseMove(viewport, first.center());
+    EXPECT_EQ(list->tooltipBuilds(), 1);
+    EXPECT_EQ(Bots(slot).HoveredItem, 1);
+    EXPECT_TRUE(QToolTip::isVisible());
+    EXPECT_TRUE(QToolTip::text().startsWith(QStringLiteral("<b>alice</b><br>Flags:")));
+    QTest::mouseMove(viewport, first.center() + QPoint(5, 1));
+    EXPECT_EQ(list->tooltipBuilds(), 1) << "the same item builds nothing";
+    QTest::mouseMove(viewport, list->visualRect(list->model()->index(1, 0)).center());
+    EXPECT_EQ(list->tooltipBuilds(), 2);
+    EXPECT_EQ(Bots(slot).HoveredItem, 2);
+    QTest::mouseMove(viewport, QPoint(first.center().x(), viewport->height() - 2));
+    EXPECT_EQ(Bots(slot).HoveredItem, 0);
+    for (int wait = 0; wait < 20 && QToolTip::isVisible(); ++wait)
+        QTest::qWait(50);
+    EXPECT_FALSE(QToolTip::isVisible());
+}
+
+TEST_F(UserListTest, AliasAndGroupMenusMoveTheUser) {
+    CreateAlias(QStringLiteral("Crew"), {QString()});
+    CreateGroup(QStringLiteral("Staff"), {QString()}, 0xFFFFFF, QStringLiteral("Staff"));
+    event(slot, 1, QStringLiteral("bob"), QStringLiteral("RATS 0 0 0"));
+    select(0);
+    QMenu* alias = list->contextMenu()->findChild<QMenu*>(QStringLiteral("mnuAlias"));
+    ASSERT_NE(alias, nullptr);
+    QAction* crew = nullptr;
+    for (QAction* action : alias->actions())
+        crew = action->text() == QLatin1String("Crew") ? action : crew;
+    ASSERT_NE(crew, nullptr);
+    crew->trigger();
+    EXPECT_EQ(FindAlias(QStringLiteral("bob")), QStringLiteral("Crew"));
+    EXPECT_EQ(shownNames(), QStringList{QStringLiteral("Crew")}) << "the list shows the alias";
+
+    select(0);
+    QMenu* group = list->contextMenu()->findChild<QMenu*>(QStringLiteral("mnuGroup"));
+    ASSERT_NE(group, nullptr);
+    group->actions().last()->trigger();
+    EXPECT_EQ(FindGroup(QStringLiteral("bob")), QStringLiteral("Staff"));
+
+    select(0);
+    menuAction(list->contextMenu()->findChild<QMenu*>(QStringLiteral("mnuAlias")),
+               QStringLiteral("mnuNoAlias"))
+        ->trigger();
+    EXPECT_TRUE(FindAlias(QStringLiteral("bob")).isEmpty());
+    EXPECT_EQ(shownNames(), QStringList{QStringLiteral("bob")});
+    DeleteAlias(QStringLiteral("Crew"));
+    DeleteGroup(QStringLiteral("Staff"));
+}
+
+} // namespace

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "common/SlotFixture.h"
+#include "config/SettingsWrapper.h"
+#include "gui/frmBot.h"
+#include "platform/ChatDocument.h"
+
+#include <QApplication>
+#include <memory>
+
+// A fresh slot table and a shown main window over it; chat events reach a
+// slot through its detached socket, as they would from the server.
+class WindowFixture : public SlotFixture {
+protected:
+    void SetUp() override {
+        SlotFixture::SetUp();
+        // The program has started: loading a profile refreshes the menus.
+        SlotTable::instance().IsLoaded = true;
+        SettingsWrapper& settings = SettingsWrapper::instance();
+        settings.setFloodMode(0);
+        settings.setTimeStamp(false);
+        settings.setLocked(false);
+        settings.setSidebar(true);
+        settings.setWhisperPanel(false);
+        window = std::make_unique<frmBot>();
+        window->confirmClose = false;
+        window->show();
+        QApplication::processEvents();
+    }
+    void TearDown() override { window.reset(); }
+
+    // A profile slot that is online in a channel.
+    int onlineSlot(const QString& profile, const QString& channel = QStringLiteral("Lobby")) {
+        const int slot = loadConnected(profile);
+        Bots(slot).setOnline(true);
+        Bots(slot).UniqueAccount = profile;
+        event(slot, 7, {}, channel);
+        return slot;
+    }
+
+    static void event(int slot, quint32 id, const QString& user, const QString& text = {},
+                      quint32 flags = 0, quint32 ping = 20) {
+        wsBNET(slot).simulateData(chatEventFrame(id, flags, ping, user, text));
+    }
+
+    std::unique_ptr<frmBot> window;
+};

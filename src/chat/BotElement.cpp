@@ -11,6 +11,9 @@
 #include "session/SlotTable.h"
 #include "statistics/UserNames.h"
 
+#include <QElapsedTimer>
+#include <QHash>
+
 namespace {
 
 QString plainLower(const QString& name) {
@@ -19,14 +22,22 @@ QString plainLower(const QString& name) {
 
 } // namespace
 
+void BotElement::countUser(const UserElement& user, int change) {
+    for (auto [names, key] : {std::pair{&m_plainNames, user.UsernameFixed.toLower()},
+                              std::pair{&m_givenNames, user.Username().toLower()}}) {
+        const int count = names->value(key) + change;
+        if (count > 0)
+            names->insert(key, count);
+        else
+            names->remove(key);
+    }
+}
+
 void BotElement::userAdd(const QString& strName, qint32 flags, qint32 ping,
                          const QString& statstring, quint32 uptime) {
     // The collection is keyed by the name as given; a second add of the same
     // key keeps the first user.
-    for (const UserElement& u : Users) {
-        if (u.Username().compare(strName, Qt::CaseInsensitive) == 0)
-            return;
-    }
+    if (m_givenNames.contains(strName.toLower())) return;
     UserElement user;
     user.Flags = flags;
     user.Ping = ping;
@@ -34,24 +45,28 @@ void BotElement::userAdd(const QString& strName, qint32 flags, qint32 ping,
     user.Uptime = uptime;
     user.setUsername(strName);
     user.LastAction = GetTickCount();
+    countUser(user, 1);
     Users.push_back(std::move(user));
 }
 
 void BotElement::userDel(const QString& name) {
     const int position = UserFind(name);
-    if (position > 0)
-        Users.erase(Users.begin() + (position - 1));
+    if (position == 0) return;
+    countUser(Users[size_t(position - 1)], -1);
+    Users.erase(Users.begin() + (position - 1));
 }
 
 void BotElement::userClear() {
     Users.clear();
+    m_plainNames.clear();
+    m_givenNames.clear();
 }
 
 int BotElement::UserFind(const QString& name) const {
     const QString wanted = plainLower(name);
+    if (!m_plainNames.contains(wanted)) return 0;
     for (size_t i = 0; i < Users.size(); ++i) {
-        if (Users[i].UsernameFixed.compare(wanted, Qt::CaseInsensitive) == 0)
-            return int(i) + 1;
+        if (Users[i].UsernameFixed.compare(wanted, Qt::CaseInsensitive) == 0) return int(i) + 1;
     }
     return 0;
 }
@@ -66,8 +81,7 @@ void BotElement::ClearQueue() {
 }
 
 int BotElement::DelayCount() {
-    if (m_events.empty())
-        m_events.emplace_back();
+    if (m_events.empty()) m_events.emplace_back();
     return int(m_events.size()) - 1;
 }
 
@@ -96,35 +110,35 @@ void BotElement::removeEvent(int position) {
 
 namespace {
 
+constexpr qint64 kDelayedRunBudgetMs = 15;
+
 // A burst of leave, rejoin and talk inside the delay is spam to be dropped
-// unseen. The marks span one run over all users, as they always have.
+// unseen. Each due event counts once for every event of the same name, by its
+// own kind; the marks span one run over all users, as they always have. The
+// names are counted first, so a long list costs a pass, not a square.
 bool isLeaveRejoinTalk(const std::vector<DelayedEvent>& events, quint32 delay) {
+    QHash<QString, int> sameName;
+    for (size_t e = 1; e < events.size(); ++e)
+        ++sameName[events[e].Username.toLower()];
     bool left = false;
     bool rejoined = false;
     int talk = 0;
     for (size_t e = 1; e < events.size(); ++e) {
-        if (TicksSince(events[e].EventTime) <= delay)
-            continue;
-        for (size_t other = 1; other < events.size(); ++other) {
-            if (events[other].Username.compare(events[e].Username, Qt::CaseInsensitive) != 0)
-                continue;
-            switch (events[e].EventID) {
-            case 2:
-                if (left)
-                    rejoined = true;
-                break;
-            case 3:
-                left = true;
-                break;
-            case 5:
-                ++talk;
-                break;
-            default:
-                break;
-            }
+        if (TicksSince(events[e].EventTime) <= delay) continue;
+        switch (events[e].EventID) {
+        case 2:
+            if (left) rejoined = true;
+            break;
+        case 3:
+            left = true;
+            break;
+        case 5:
+            talk += sameName.value(events[e].Username.toLower());
+            break;
+        default:
+            break;
         }
-        if (left && rejoined && talk > 0)
-            return true;
+        if (left && rejoined && talk > 0) return true;
     }
     return false;
 }
@@ -139,9 +153,14 @@ void BotElement::ShowDelayedEvent(int Index) {
         return;
     }
     // Handlers may queue lines but never touch this list; each due event
-    // leaves it once its handler is done, so a failure keeps the rest.
+    // leaves it once its handler is done, so a failure keeps the rest. A run
+    // stops handing on after a few milliseconds: what is left of a crowd that
+    // arrived at once follows on the next tick, in order, and the window
+    // stays responsive meanwhile.
+    QElapsedTimer budget;
+    budget.start();
     size_t e = 1;
-    while (e < m_events.size()) {
+    while (e < m_events.size() && budget.elapsed() < kDelayedRunBudgetMs) {
         if (TicksSince(m_events[e].EventTime) <= delay) {
             ++e;
             continue;
@@ -151,15 +170,13 @@ void BotElement::ShowDelayedEvent(int Index) {
             event.EventID == 6 ? QStringLiteral("[BNET] ") + event.Message : event.Message;
         Connection.RunChatEvent(Index, event.EventID, event.Username, message, event.Flags,
                                 event.Ping);
-        if (e < m_events.size())
-            m_events.erase(m_events.begin() + qsizetype(e));
+        if (e < m_events.size()) m_events.erase(m_events.begin() + qsizetype(e));
     }
 }
 
 void BotElement::setOnline(bool online) {
     m_online = online;
-    if (online)
-        return;
+    if (online) return;
     // Everything the session knew goes; the queue stays for the next session.
     Logons(m_index).NlsHandle = 0;
     OnlineTick = 0;
@@ -186,20 +203,17 @@ void BotElement::setOnline(bool online) {
 
 void BotElement::setClanTag(const QString& tag) {
     m_clanTag = tag;
-    if (tag.isEmpty())
-        m_clanRank = 0;
+    if (tag.isEmpty()) m_clanRank = 0;
     SlotTable::instance().notifyClanTag(m_index);
 }
 
 void BotElement::setChannel(const QString& channel) {
     m_channel = channel;
-    if (channel != QLatin1String("The Void"))
-        m_channelNonVoid = channel;
+    if (channel != QLatin1String("The Void")) m_channelNonVoid = channel;
 }
 
 void BotElement::setProfile(const QString& name) {
-    if (name.isEmpty())
-        emptySlot();
+    if (name.isEmpty()) emptySlot();
     Config.Profile = name;
 }
 

@@ -6,9 +6,9 @@
 #include "session/ConnectionWrapper.h"
 #include "session/StreamBuffer.h"
 
+#include <QHash>
 #include <QString>
 #include <QStringList>
-
 #include <vector>
 
 // The run-time state of one profile slot: its session, its channel and its
@@ -58,7 +58,9 @@ public:
     qint32 HoveredIcon = 0;
     qint32 HoveredItem = 0;
     QStringList Channels;
-    std::vector<UserElement> Users; // in order of arrival
+    // In order of arrival; changed only through userAdd, userDel and userClear,
+    // which keep the name counts below in step.
+    std::vector<UserElement> Users;
 
     // Users, 1-based positions as the rest of the program counts them.
     void userAdd(const QString& strName, qint32 flags, qint32 ping, const QString& statstring,
@@ -99,6 +101,12 @@ public:
 
 private:
     void emptySlot();
+    void countUser(const UserElement& user, int change);
+
+    // Users by lower-cased plain name and by the name as given, so that a
+    // look-up of someone absent and the duplicate test cost no walk.
+    QHash<QString, int> m_plainNames;
+    QHash<QString, int> m_givenNames;
 
     std::vector<DelayedEvent> m_events;
     QString m_channel;

@@ -9,8 +9,9 @@
 namespace channelview {
 namespace {
 
-bool isItemOf(const ListItem& item, const QString& plainName) {
-    return ConvertUsername(item.tag, false, -1).compare(plainName, Qt::CaseInsensitive) == 0;
+// Items are keyed by the lower-cased plain name of their user.
+QString keyOf(const QString& plainName) {
+    return plainName.toLower();
 }
 
 ListItem userItem(int Index, const QString& username, qint32 flags, qint32 ping,
@@ -18,6 +19,7 @@ ListItem userItem(int Index, const QString& username, qint32 flags, qint32 ping,
     ListItem item;
     item.text = GetDisplayName(username);
     item.tag = username;
+    item.key = keyOf(ConvertUsername(username, false, -1));
     item.color = GetUserColor(Index, ConvertUsername(username, false, -1), flags, false);
     item.subText = QString::number(ping);
     GetUserIcons(Index, statstring, flags, ping, item.iconKey, item.subIconKey);
@@ -33,18 +35,20 @@ void InsertUserItem(int Index, const QString& username, qint32 flags, qint32 pin
 
 void RemoveUserItems(int Index, const QString& plainName) {
     ListModel& list = lvUsers(Index);
-    for (int i = list.count(); i >= 1; --i) {
-        if (isItemOf(list.item(i), plainName)) list.removeAt(i);
+    const QString key = keyOf(plainName);
+    for (int i = list.count(); i >= 1 && list.keyCount(key) > 0; --i) {
+        if (list.item(i).key == key) list.removeAt(i);
     }
 }
 
 bool UpdateUserItems(int Index, const QString& username, qint32 flags, qint32 ping,
                      const QString& statstring) {
     ListModel& list = lvUsers(Index);
-    const QString plain = ConvertUsername(username, false, -1);
+    const QString key = keyOf(ConvertUsername(username, false, -1));
+    if (list.keyCount(key) == 0) return false;
     bool found = false;
     for (int i = list.count(); i >= 1; --i) {
-        if (!isItemOf(list.item(i), plain)) continue;
+        if (list.item(i).key != key) continue;
         list.setItem(i, userItem(Index, username, flags, ping, statstring));
         found = true;
     }

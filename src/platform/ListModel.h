@@ -1,8 +1,8 @@
 #pragma once
 
 #include <QAbstractTableModel>
+#include <QHash>
 #include <QString>
-
 #include <vector>
 
 // One row of a list view: the text, the key of its small icon, its colour, a
@@ -14,6 +14,9 @@ struct ListItem {
     QString tag;
     QString subText;
     QString subIconKey;
+    // A look-up key of the owner's choosing; the model counts the items of
+    // each key, so asking whether any item has one costs nothing.
+    QString key;
 
     static ListItem withText(const QString& text) {
         ListItem item;
@@ -40,6 +43,7 @@ public:
     void setItem(int index, const ListItem& item);
     // 1-based index of the first item whose text matches, ignoring case; 0 if none.
     int find(const QString& text) const;
+    int keyCount(const QString& key) const { return m_keys.value(key); }
 
     QString Tag;
 
@@ -48,5 +52,8 @@ public:
     QVariant data(const QModelIndex& index, int role) const override;
 
 private:
+    void countKey(const QString& key, int change);
+
     std::vector<ListItem> m_items;
+    QHash<QString, int> m_keys;
 };

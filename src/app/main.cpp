@@ -1,5 +1,6 @@
 #include "app/HeadlessConsole.h"
 #include "chat/BotElement.h"
+#include "commands/ChatInput.h"
 #include "config/Folders.h"
 #include "config/RegCommands.h"
 #include "config/RegistryWrapper.h"
@@ -80,7 +81,7 @@ void sendTypedLine(const QString& line) {
                   QStringLiteral("There is no profile on screen to send to; load one first."));
         return;
     }
-    if (!line.isEmpty()) Bots(index).Queue.append(line);
+    if (!line.isEmpty()) SubmitUserLine(index, line);
 }
 
 // Without a window the first loaded profile is the one typing goes to.

@@ -4,6 +4,7 @@
 #include "chat/ChannelView.h"
 #include "commands/AliasesAndGroups.h"
 #include "commands/BlocksAndFilters.h"
+#include "config/SettingsWrapper.h"
 #include "presentation/ChatWriter.h"
 #include "presentation/EventTemplates.h"
 #include "presentation/Theme.h"
@@ -13,18 +14,14 @@
 
 namespace {
 
-bool isDiablo(int Index) {
-    const QString client = Bots(Index).Config.Client().toUpper();
-    return client == QLatin1String("D2DV") || client == QLatin1String("D2XP");
-}
-
 // Diablo II realms reach an account as "*account"; a name with a gateway
 // tag is left to the server.
 QString rewriteRealmWhisper(int Index, const QString& text) {
     const qsizetype blank = text.indexOf(u' ');
     const QString rest = text.mid(blank + 1);
     const qsizetype second = rest.indexOf(u' ');
-    if (!isDiablo(Index) || second < 0 || rest.startsWith(u'*')) return text;
+    if (!IsDiabloRealm(Bots(Index).Config.Client()) || second < 0 || rest.startsWith(u'*'))
+        return text;
     const QString word = text.left(blank);
     QString name = rest.left(second);
     const QString message = rest.mid(second + 1);
@@ -37,6 +34,13 @@ QString rewriteRealmWhisper(int Index, const QString& text) {
 }
 
 } // namespace
+
+QString SubmitUserLine(int Index, const QString& Text) {
+    QString line = Text;
+    if (!line.startsWith(u'/') && SettingsWrapper::instance().Encryption()) EncryptChat(line);
+    Bots(Index).Queue.append(line);
+    return line;
+}
 
 void SendChatLine(int Index, QString Text) {
     BotElement& bot = Bots(Index);

@@ -2,6 +2,14 @@
 
 #include <QString>
 
+// The road of a line that the person at the keyboard sends to a slot: typed
+// lines in the window or on the terminal, pasted ones, and the window's
+// ready-made lines ("/join", "/ban", ...). Until the command interpreter
+// takes this road over, a plain line is coded when Encryption is on, and
+// every line is appended to the slot's send queue. Returns the line as the
+// send box's history keeps it.
+QString SubmitUserLine(int Index, const QString& Text);
+
 // The last stop of a line before the wire: client-side slash commands,
 // whisper rewriting for Diablo II realms, and packet 0x0E for the rest.
 void SendChatLine(int Index, QString Text);

@@ -1,6 +1,6 @@
 #include "gui/SendBox.h"
 
-#include "gui/UserLine.h"
+#include "commands/ChatInput.h"
 #include "session/SlotTable.h"
 
 #include <QApplication>

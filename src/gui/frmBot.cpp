@@ -9,7 +9,7 @@
 #include "gui/IconPainter.h"
 #include "gui/ProfileTabBar.h"
 #include "gui/SendBox.h"
-#include "gui/UserLine.h"
+#include "commands/ChatInput.h"
 #include "gui/UserListView.h"
 #include "platform/ChatDocument.h"
 #include "platform/ListModel.h"

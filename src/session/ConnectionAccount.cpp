@@ -12,17 +12,16 @@ bool isWarcraftTwo(int Index) {
     return Bots(Index).Config.Client().toUpper() == QLatin1String("W2BN");
 }
 
-const QString kNoRegistration =
-    QStringLiteral("[BNET] WarCraft II does not support account registration. Skipping this step..");
+const QString kNoRegistration = QStringLiteral(
+    "[BNET] WarCraft II does not support account registration. Skipping this step..");
 
 } // namespace
 
 void ConnectionWrapper::Process_ChangePassword(int Index) {
     BotElement& bot = Bots(Index);
-    const QString client = bot.Config.Client().toUpper();
     if (bot.NewPassword.isEmpty())
         Output_Login(Index);
-    else if (client == QLatin1String("WAR3") || client == QLatin1String("W3XP"))
+    else if (UsesNewLogon(bot.Config.Client()))
         Output_ChangePassword_NLS(Index);
     else
         Output_ChangePassword_OLS(Index);
@@ -42,7 +41,8 @@ void ConnectionWrapper::Process_ForgotPassword(int Index) {
         WriteChat(Index, Status::Information,
                   QStringLiteral("[BNET] Requested new password, check your E-mail momentarily.."));
     } else {
-        WriteChat(Index, Status::Error, QStringLiteral("[BNET] You didn't enter a valid e-mail address."));
+        WriteChat(Index, Status::Error,
+                  QStringLiteral("[BNET] You didn't enter a valid e-mail address."));
     }
     bot.ForgotPassword = false;
 }
@@ -57,7 +57,8 @@ void ConnectionWrapper::Process_ChangeEmail(int Index) {
         w.WriteSTRING(bot.RegisterEmail);
         w.WriteSTRING(bot.NewEmail);
         w.SendPacket(Index, 0x5B);
-        WriteChat(Index, Status::Success, QStringLiteral("[BNET] Successfully changed E-mail address."));
+        WriteChat(Index, Status::Success,
+                  QStringLiteral("[BNET] Successfully changed E-mail address."));
     }
     Output_Login(Index);
     bot.ChangeEmail = false;

@@ -13,11 +13,6 @@
 
 namespace {
 
-bool usesNewLogon(const QString& client) {
-    const QString upper = client.toUpper();
-    return upper == QLatin1String("WAR3") || upper == QLatin1String("W3XP");
-}
-
 void sendPing(int Index) {
     PacketWriter w;
     w.WriteDWORD(0);
@@ -54,12 +49,11 @@ void ConnectionWrapper::SendPingSpoof(int Index) {
 void ConnectionWrapper::Handle_Ping(int Index) {
     const qint32 spoof = Bots(Index).Config.PingSpoof();
     // The answer never echoes the server's value.
-    if (spoof == 0 || spoof == 4)
-        sendPing(Index);
+    if (spoof == 0 || spoof == 4) sendPing(Index);
 }
 
 void ConnectionWrapper::Output_Login(int Index) {
-    if (usesNewLogon(Bots(Index).Config.Client())) {
+    if (UsesNewLogon(Bots(Index).Config.Client())) {
         Output_AuthLogon_NLS(Index);
     } else {
         Output_UDP(Index);
@@ -116,23 +110,20 @@ void ConnectionWrapper::Handle_EnterChat(int Index, PacketReader& Reader) {
         w.WriteDWORD(0);
         w.SendPacket(Index, 0x46);
     }
-    PluginHost::instance().DispatchChatEvent(Index, 253, bot.UniqueAccount, bot.MyStatstring, 0,
-                                             0);
+    PluginHost::instance().DispatchChatEvent(Index, 253, bot.UniqueAccount, bot.MyStatstring, 0, 0);
 }
 
 void ConnectionWrapper::Handle_ChannelList(int Index, PacketReader& Reader) {
     BotElement& bot = Bots(Index);
     bot.ClearChannels();
     for (const QByteArray& name : Reader.ReadBuffer().mid(4).split('\0')) {
-        if (!name.isEmpty())
-            bot.Channels << cp1252::decode(name);
+        if (!name.isEmpty()) bot.Channels << cp1252::decode(name);
     }
     SlotTable::instance().notifyChannelList(Index);
 }
 
 void ConnectionWrapper::Handle_News(int Index, PacketReader& Reader) {
-    if (!SettingsWrapper::instance().RequestNews())
-        return;
+    if (!SettingsWrapper::instance().RequestNews()) return;
     BotElement& bot = Bots(Index);
     const int entries = Reader.ReadBYTE();
     Reader.Skip(12);

@@ -23,20 +23,6 @@ struct Product {
 constexpr Product kProducts[] = {{"STAR", 1}, {"SEXP", 2}, {"W2BN", 3}, {"D2DV", 4},
                                  {"D2XP", 5}, {"JSTR", 6}, {"WAR3", 7}, {"W3XP", 8}};
 
-bool isBnlsOnlyProduct(const QString& client) {
-    return client == QLatin1String("STAR") || client == QLatin1String("SEXP") ||
-           client == QLatin1String("W2BN");
-}
-
-bool isLocalCapableProduct(const QString& client) {
-    return client == QLatin1String("D2DV") || client == QLatin1String("D2XP") ||
-           client == QLatin1String("WAR3") || client == QLatin1String("W3XP");
-}
-
-bool hasTwoKeys(const QString& client) {
-    return client == QLatin1String("W3XP") || client == QLatin1String("D2XP");
-}
-
 QString reversed(const QString& text) {
     QString out;
     out.reserve(text.size());
@@ -58,11 +44,10 @@ quint32 GetExeInfo(const QString& path, QByteArray& information) {
         QByteArray buffer(qsizetype(size), '\0');
         const std::size_t length =
             logon::getExeInfo(file, buffer.data(), size, version, logon::kPlatformIx86);
-        if (length == 0)
-            return 0;
+        if (length == 0) return 0;
         if (length < size || size > 1024) {
-            information = buffer.left(buffer.indexOf('\0') < 0 ? buffer.size()
-                                                                : buffer.indexOf('\0'));
+            information =
+                buffer.left(buffer.indexOf('\0') < 0 ? buffer.size() : buffer.indexOf('\0'));
             return version;
         }
     }
@@ -70,12 +55,30 @@ quint32 GetExeInfo(const QString& path, QByteArray& information) {
 
 } // namespace
 
+bool UsesNewLogon(const QString& Client) {
+    const QString client = Client.toUpper();
+    return client == QLatin1String("WAR3") || client == QLatin1String("W3XP");
+}
+
+bool IsDiabloRealm(const QString& Client) {
+    const QString client = Client.toUpper();
+    return client == QLatin1String("D2DV") || client == QLatin1String("D2XP");
+}
+
+bool CanHashLocally(const QString& Client) {
+    return UsesNewLogon(Client) || IsDiabloRealm(Client);
+}
+
+bool HasTwoKeys(const QString& Client) {
+    const QString client = Client.toUpper();
+    return client == QLatin1String("W3XP") || client == QLatin1String("D2XP");
+}
+
 int ProductCode(const QString& Code) {
     const QString upper = Code.toUpper();
     for (const Product& p : kProducts) {
         const QString code = QString::fromLatin1(p.code);
-        if (upper == code || upper == reversed(code))
-            return p.number;
+        if (upper == code || upper == reversed(code)) return p.number;
     }
     return 0;
 }
@@ -111,7 +114,8 @@ void ConnectionWrapper::Output_AuthInfo(int Index) {
     w.WriteSTRING(machine.CountryName);
     w.SendPacket(Index, 0x50);
     SendPingSpoof(Index);
-    WriteChat(Index, Status::Information, QStringLiteral("[BNET] Identifying client information.."));
+    WriteChat(Index, Status::Information,
+              QStringLiteral("[BNET] Identifying client information.."));
 }
 
 void ConnectionWrapper::Handle_AuthInfo(int Index, PacketReader& Reader) {
@@ -136,8 +140,7 @@ void ConnectionWrapper::Handle_AuthInfo(int Index, PacketReader& Reader) {
     }
 
     const auto showChallenge = [&](const QString& nameEnd) {
-        if (!settings.ShowAdvanced())
-            return;
+        if (!settings.ShowAdvanced()) return;
         WriteChat(Index, Status::Neutral,
                   QStringLiteral("[BNET] Checksum formula: ") +
                       cp1252::decode(logon.ChecksumFormula) + QStringLiteral("."));
@@ -146,7 +149,9 @@ void ConnectionWrapper::Handle_AuthInfo(int Index, PacketReader& Reader) {
                       nameEnd);
     };
 
-    if (isBnlsOnlyProduct(client)) {
+    const QString upper = client.toUpper();
+    if (upper == QLatin1String("STAR") || upper == QLatin1String("SEXP") ||
+        upper == QLatin1String("W2BN")) {
         logon.MpqTime = Reader.ReadVOID(8);
         Reader.Skip(4);
         logon.MpqName = Reader.ReadSTRINGBytes();
@@ -163,8 +168,7 @@ void ConnectionWrapper::Handle_AuthInfo(int Index, PacketReader& Reader) {
         return;
     }
     // An unknown product goes no further: the watchdog begins again.
-    if (!isLocalCapableProduct(client))
-        return;
+    if (!CanHashLocally(client)) return;
 
     Reader.Skip(12);
     logon.MpqName = Reader.ReadSTRINGBytes();
@@ -208,9 +212,8 @@ void ConnectionWrapper::DecodeCdkey(int Index, const QString& Key) {
     LogonRecord& logon = Logons(Index);
     const QByteArray key = cp1252::encode(Key);
     logon.KeyDecoder = logon::kd_create(key.constData(), int(key.size()));
-    logon.KeyHashLength =
-        quint32(std::max(0, logon::kd_calculateHash(logon.KeyDecoder, logon.ClientToken,
-                                                    logon.ServerToken)));
+    logon.KeyHashLength = quint32(std::max(
+        0, logon::kd_calculateHash(logon.KeyDecoder, logon.ClientToken, logon.ServerToken)));
     logon.KeyHash = QByteArray(qsizetype(logon.KeyHashLength), '\0');
     if (logon.KeyHashLength > 0)
         logon::kd_getHash(logon.KeyDecoder, reinterpret_cast<std::uint8_t*>(logon.KeyHash.data()));
@@ -230,7 +233,7 @@ void ConnectionWrapper::writeKey(int Index, PacketWriter& w, const QString& key)
 void ConnectionWrapper::Output_AuthCheck(int Index, quint32 Checksum, quint32 version,
                                          const QByteArray& Result) {
     const ConfigWrapper& config = Bots(Index).Config;
-    const bool twoKeys = hasTwoKeys(config.Client());
+    const bool twoKeys = HasTwoKeys(config.Client());
     PacketWriter w;
     w.WriteDWORD(Logons(Index).ClientToken);
     w.WriteDWORD(version);
@@ -238,12 +241,10 @@ void ConnectionWrapper::Output_AuthCheck(int Index, quint32 Checksum, quint32 ve
     w.WriteDWORD(twoKeys ? 2 : 1);
     w.WriteDWORD(0);
     writeKey(Index, w, config.Cdkey());
-    if (twoKeys)
-        writeKey(Index, w, config.Cdkey2());
+    if (twoKeys) writeKey(Index, w, config.Cdkey2());
     w.WriteSTRING(Result);
     QString owner = config.Owner();
-    if (owner.isEmpty())
-        owner = QStringLiteral("Corvantide") + Machine().versionText(false);
+    if (owner.isEmpty()) owner = QStringLiteral("Corvantide") + Machine().versionText(false);
     w.WriteSTRING(owner);
     w.SendPacket(Index, 0x51);
     WriteChat(Index, Status::Information,
@@ -255,14 +256,13 @@ void ConnectionWrapper::Handle_AuthCheck(int Index, PacketReader& Reader) {
     const bool local = SettingsWrapper::instance().LocalHashing();
     BotElement& bot = Bots(Index);
     if (result == 0) {
-        const QString client = bot.Config.Client().toUpper();
         if (bot.ChangePassword)
             Process_ChangePassword(Index);
         else if (bot.ChangeEmail)
             Process_ChangeEmail(Index);
         else if (bot.ForgotPassword)
             Process_ForgotPassword(Index);
-        else if (client == QLatin1String("W3XP") || client == QLatin1String("WAR3"))
+        else if (UsesNewLogon(bot.Config.Client()))
             Output_AuthLogon_NLS(Index);
         else {
             Output_UDP(Index);

@@ -15,8 +15,10 @@
 
 namespace {
 
-const QString kServersKey = QStringLiteral("HKCU\\Software\\Corvantide4\\Servers1\\");
-const QString kBnlsServersKey = QStringLiteral("HKCU\\Software\\Corvantide4\\Servers2\\");
+// The server lists offered in the profile form; each host connected to joins them.
+QString serversKey(const char* list) {
+    return SettingsWrapper::RootKey() + QLatin1String(list) + u'\\';
+}
 
 struct ErrorText {
     int number;
@@ -66,8 +68,7 @@ constexpr ErrorText kSocketErrors[] = {
 };
 
 void writeAdvancedWork(int Index, PacketReader& Reader, const char* what) {
-    if (!SettingsWrapper::instance().ShowAdvanced())
-        return;
+    if (!SettingsWrapper::instance().ShowAdvanced()) return;
     WriteChat(Index, Status::Neutral,
               QStringLiteral("[BNET] ") + QLatin1String(what) + QStringLiteral(" MPQ file is ") +
                   Reader.ReadSTRING());
@@ -76,8 +77,7 @@ void writeAdvancedWork(int Index, PacketReader& Reader, const char* what) {
 void writeUnhandled(int Index, quint8 PacketID, const QByteArray& frame) {
     WriteChat(Index, {{0xFFFFFF, QStringLiteral("Unhandled packet: ") + FormatHex(PacketID, 2)}});
     for (const QString& line : HexDump(frame).split(QStringLiteral("\r\n"))) {
-        if (!line.isEmpty())
-            WriteChat(Index, {{0xFFFFFF, line}});
+        if (!line.isEmpty()) WriteChat(Index, {{0xFFFFFF, line}});
     }
 }
 
@@ -118,12 +118,11 @@ void ConnectionWrapper::KillSocket(int Index) {
 
 void ConnectionWrapper::SocketErrorText(int Kind, int Index, int Number) {
     for (const ErrorText& e : kSocketErrors) {
-        if (e.number != Number)
-            continue;
+        if (e.number != Number) continue;
         const char* text = (Kind == 1 && e.bnls) ? e.bnls : e.bnet;
         WriteChat(Index, Status::Error,
-                  QString::fromLatin1(Kind == 1 ? "[BNLS] " : "[BNET] ") +
-                      QString::number(Number) + QString::fromLatin1(text));
+                  QString::fromLatin1(Kind == 1 ? "[BNLS] " : "[BNET] ") + QString::number(Number) +
+                      QString::fromLatin1(text));
         return;
     }
 }
@@ -131,7 +130,7 @@ void ConnectionWrapper::SocketErrorText(int Kind, int Index, int Number) {
 void ConnectionWrapper::wsBNET_Connect(int Index) {
     Bots(Index).setOnline(false);
     const QString host = wsBNET(Index).RemoteHost();
-    RegistryWrapper::instance().CreateKey(kServersKey + host);
+    RegistryWrapper::instance().CreateKey(serversKey("Servers1") + host);
     WriteChat(Index, Status::Success,
               QStringLiteral("[BNET] Connected to ") + host + QStringLiteral("!"));
     // The protocol byte goes alone, unframed, before any frame.
@@ -168,8 +167,7 @@ void ConnectionWrapper::wsBNET_Close(int Index) {
 }
 
 void ConnectionWrapper::wsBNET_Error(int Index, int Number, const QString& Description) {
-    if (wsBNET(Index).State() == SocketControl::Error)
-        SocketErrorText(0, Index, Number);
+    if (wsBNET(Index).State() == SocketControl::Error) SocketErrorText(0, Index, Number);
     BotElement& bot = Bots(Index);
     bot.setOnline(false);
     bot.CanConnect = true;
@@ -189,11 +187,9 @@ void ConnectionWrapper::Handle_ForcedDisconnect(int Index, PacketReader&) {
 }
 
 void ConnectionWrapper::Watchdog(int Index) {
-    if (wsBNET(Index).State() != SocketControl::Connected)
-        return;
+    if (wsBNET(Index).State() != SocketControl::Connected) return;
     BotElement& bot = Bots(Index);
-    if (bot.IsLoaded && bot.Online())
-        return;
+    if (bot.IsLoaded && bot.Online()) return;
     SlotTable& table = SlotTable::instance();
     // Ticks are compared as signed differences, so a moment set ahead of now
     // counts as not yet due.
@@ -213,34 +209,76 @@ void ConnectionWrapper::dispatch(int Index, PacketReader& Reader, quint8 PacketI
         writer.SendPacket(Index, 0x00);
         break;
     }
-    case 0x0A: Handle_EnterChat(Index, Reader); break;
-    case 0x0B: Handle_ChannelList(Index, Reader); break;
-    case 0x0F: Handle_ChatEvent(Index, Reader); break;
+    case 0x0A:
+        Handle_EnterChat(Index, Reader);
+        break;
+    case 0x0B:
+        Handle_ChannelList(Index, Reader);
+        break;
+    case 0x0F:
+        Handle_ChatEvent(Index, Reader);
+        break;
     case 0x13:
-    case 0x19: Handle_ForcedDisconnect(Index, Reader); break;
-    case 0x25: Handle_Ping(Index); break;
-    case 0x31: Handle_ChangePassword_OLS(Index, Reader); break;
-    case 0x3A: Handle_LoginResponse_OLS(Index, Reader); break;
-    case 0x3D: Handle_CreateAccount_OLS(Index, Reader.ReadDWORD()); break;
-    case 0x46: Handle_News(Index, Reader); break;
-    case 0x4A: writeAdvancedWork(Index, Reader, "OptionalWork"); break;
-    case 0x4B: writeAdvancedWork(Index, Reader, "ExtraWork"); break;
-    case 0x4C: writeAdvancedWork(Index, Reader, "RequiredWork"); break;
-    case 0x50: Handle_AuthInfo(Index, Reader); break;
-    case 0x51: Handle_AuthCheck(Index, Reader); break;
-    case 0x52: Handle_CreateAccount_NLS(Index, Reader); break;
-    case 0x53: Handle_LogonResponse_NLS(Index, Reader); break;
-    case 0x54: Handle_LogonProof_NLS(Index, Reader); break;
-    case 0x55: Handle_ChangePassword_NLS(Index, Reader); break;
-    case 0x56: Handle_ChangeProof_NLS(Index, Reader); break;
-    case 0x59: Handle_RegisterEmail(Index); break;
-    default: writeUnhandled(Index, PacketID, Reader.ReadBuffer()); break;
+    case 0x19:
+        Handle_ForcedDisconnect(Index, Reader);
+        break;
+    case 0x25:
+        Handle_Ping(Index);
+        break;
+    case 0x31:
+        Handle_ChangePassword_OLS(Index, Reader);
+        break;
+    case 0x3A:
+        Handle_LoginResponse_OLS(Index, Reader);
+        break;
+    case 0x3D:
+        Handle_CreateAccount_OLS(Index, Reader.ReadDWORD());
+        break;
+    case 0x46:
+        Handle_News(Index, Reader);
+        break;
+    case 0x4A:
+        writeAdvancedWork(Index, Reader, "OptionalWork");
+        break;
+    case 0x4B:
+        writeAdvancedWork(Index, Reader, "ExtraWork");
+        break;
+    case 0x4C:
+        writeAdvancedWork(Index, Reader, "RequiredWork");
+        break;
+    case 0x50:
+        Handle_AuthInfo(Index, Reader);
+        break;
+    case 0x51:
+        Handle_AuthCheck(Index, Reader);
+        break;
+    case 0x52:
+        Handle_CreateAccount_NLS(Index, Reader);
+        break;
+    case 0x53:
+        Handle_LogonResponse_NLS(Index, Reader);
+        break;
+    case 0x54:
+        Handle_LogonProof_NLS(Index, Reader);
+        break;
+    case 0x55:
+        Handle_ChangePassword_NLS(Index, Reader);
+        break;
+    case 0x56:
+        Handle_ChangeProof_NLS(Index, Reader);
+        break;
+    case 0x59:
+        Handle_RegisterEmail(Index);
+        break;
+    default:
+        writeUnhandled(Index, PacketID, Reader.ReadBuffer());
+        break;
     }
 }
 
 void ConnectionWrapper::wsBNLS_Connect(int Index) {
     const QString host = wsBNLS(Index).RemoteHost();
-    RegistryWrapper::instance().CreateKey(kBnlsServersKey + host);
+    RegistryWrapper::instance().CreateKey(serversKey("Servers2") + host);
     WriteChat(Index, Status::Success,
               QStringLiteral("[BNLS] Connected to ") + host + QStringLiteral("!"));
     WriteChat(Index, Status::Information,
@@ -271,7 +309,6 @@ void ConnectionWrapper::wsBNLS_Close(int Index) {
 }
 
 void ConnectionWrapper::wsBNLS_Error(int Index, int Number, const QString&) {
-    if (wsBNLS(Index).State() == SocketControl::Error)
-        SocketErrorText(1, Index, Number);
+    if (wsBNLS(Index).State() == SocketControl::Error) SocketErrorText(1, Index, Number);
     wsBNLS(Index).Close();
 }

@@ -89,8 +89,8 @@ public:
                                 qint32 Ping);
     void Handle_ChatEvent_WhisperFrom(int Index, const QString& Username, QString Text,
                                       qint32 Flags, qint32& Ping);
-    void Handle_ChatEvent_WhisperTo(int Index, const QString& Username, QString Text,
-                                    qint32 Flags, qint32& Ping);
+    void Handle_ChatEvent_WhisperTo(int Index, const QString& Username, QString Text, qint32 Flags,
+                                    qint32& Ping);
     void Handle_ChatEvent_Information(int Index, const QString& Text);
     void Handle_ChatEvent_Error(int Index, const QString& Text);
     void Handle_ChatEvent_BroadCast(int Index, const QString& Text);
@@ -116,6 +116,17 @@ private:
 // The product numbers a BNLS server knows; 0 for an unknown code, in either
 // spelling and any case.
 int ProductCode(const QString& Code);
+// What the product code of a profile decides, in either case.
+// WarCraft III products log on by the new system.
+bool UsesNewLogon(const QString& Client);
+// Diablo II and WarCraft III may take the version check locally; the others
+// always ask BNLS.
+bool CanHashLocally(const QString& Client);
+// The expansions send two product keys.
+bool HasTwoKeys(const QString& Client);
+// Diablo II realms reach accounts by the star form of their names.
+bool IsDiabloRealm(const QString& Client);
+
 // The three game files of the version check, in their order.
 struct HashFiles {
     QString file1, file2, file3;

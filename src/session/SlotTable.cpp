@@ -1,10 +1,10 @@
 #include "session/SlotTable.h"
 
 #include "chat/BotElement.h"
-#include "platform/ChatDocument.h"
-#include "platform/ListModel.h"
 #include "config/RegistryWrapper.h"
 #include "config/SettingsWrapper.h"
+#include "platform/ChatDocument.h"
+#include "platform/ListModel.h"
 #include "platform/SocketControl.h"
 #include "platform/TickCount.h"
 #include "presentation/ChatWriter.h"
@@ -27,8 +27,7 @@ SlotTable* g_table = nullptr;
 }
 
 SlotTable& SlotTable::instance() {
-    if (!g_table)
-        g_table = new SlotTable();
+    if (!g_table) g_table = new SlotTable();
     return *g_table;
 }
 
@@ -73,15 +72,33 @@ SlotTable::Slot& SlotTable::slot(int index) {
     return *m_slots.at(size_t(index));
 }
 
-BotElement& SlotTable::bot(int index) { return slot(index).bot; }
-LogonRecord& SlotTable::logon(int index) { return slot(index).logon; }
-SocketControl& SlotTable::bnet(int index) { return slot(index).bnet; }
-SocketControl& SlotTable::bnls(int index) { return slot(index).bnls; }
-ChatDocument& SlotTable::chat(int index) { return slot(index).chat; }
-ChatDocument& SlotTable::whisper(int index) { return slot(index).whisper; }
-ListModel& SlotTable::users(int index) { return slot(index).users; }
-ListModel& SlotTable::friends(int index) { return slot(index).friends; }
-ListModel& SlotTable::clan(int index) { return slot(index).clan; }
+BotElement& SlotTable::bot(int index) {
+    return slot(index).bot;
+}
+LogonRecord& SlotTable::logon(int index) {
+    return slot(index).logon;
+}
+SocketControl& SlotTable::bnet(int index) {
+    return slot(index).bnet;
+}
+SocketControl& SlotTable::bnls(int index) {
+    return slot(index).bnls;
+}
+ChatDocument& SlotTable::chat(int index) {
+    return slot(index).chat;
+}
+ChatDocument& SlotTable::whisper(int index) {
+    return slot(index).whisper;
+}
+ListModel& SlotTable::users(int index) {
+    return slot(index).users;
+}
+ListModel& SlotTable::friends(int index) {
+    return slot(index).friends;
+}
+ListModel& SlotTable::clan(int index) {
+    return slot(index).clan;
+}
 
 void SlotTable::SelectBot(int Index) {
     m_current = Index;
@@ -99,8 +116,7 @@ int SlotTable::LoadProfile(const QString& Name) {
             break;
         }
     }
-    if (index == 0)
-        index = addSlot();
+    if (index == 0) index = addSlot();
     Slot& s = slot(index);
     s.bot.userClear();
     s.bot.IsLoaded = true;
@@ -119,15 +135,13 @@ int SlotTable::LoadProfile(const QString& Name) {
     s.users.clear();
     s.friends.clear();
     Q_EMIT slotLoaded(index);
-    if (IsLoaded)
-        DisplayProfiles();
+    if (IsLoaded) DisplayProfiles();
     return index;
 }
 
 int SlotTable::findProfile(const QString& Name) const {
     for (int i = 1; i <= highestIndex(); ++i) {
-        if (m_slots[size_t(i)]->bot.Profile() == Name)
-            return i;
+        if (m_slots[size_t(i)]->bot.Profile() == Name) return i;
     }
     return 0;
 }
@@ -173,13 +187,9 @@ void SlotTable::connectTo(SocketControl& socket, const QString& server, quint16 
 
 void SlotTable::ConnectBot(int Index) {
     BotElement& b = bot(Index);
-    if (!b.Connection.ClearVariables(Index))
-        return;
+    if (!b.Connection.ClearVariables(Index)) return;
     b.LastConnect = GetTickCount();
-    const QString client = b.Config.Client().toUpper();
-    const bool localCapable = client == QLatin1String("D2DV") || client == QLatin1String("D2XP") ||
-                              client == QLatin1String("WAR3") || client == QLatin1String("W3XP");
-    if (SettingsWrapper::instance().LocalHashing() && localCapable) {
+    if (SettingsWrapper::instance().LocalHashing() && CanHashLocally(b.Config.Client())) {
         WriteChat(Index, Status::Information,
                   QStringLiteral("[BNET] Connecting to Battle.net gateway.."));
         bnet(Index).Close();
@@ -197,8 +207,7 @@ QStringList SlotTable::unloadedProfiles() const {
                                          names);
     QStringList unloaded;
     for (const QString& name : names) {
-        if (findProfile(name) == 0)
-            unloaded << name;
+        if (findProfile(name) == 0) unloaded << name;
     }
     return unloaded;
 }
@@ -207,12 +216,30 @@ void SlotTable::DisplayProfiles() {
     Q_EMIT profilesChanged();
 }
 
-BotElement& Bots(int i) { return SlotTable::instance().bot(i); }
-LogonRecord& Logons(int i) { return SlotTable::instance().logon(i); }
-SocketControl& wsBNET(int i) { return SlotTable::instance().bnet(i); }
-SocketControl& wsBNLS(int i) { return SlotTable::instance().bnls(i); }
-ChatDocument& rtbChat(int i) { return SlotTable::instance().chat(i); }
-ChatDocument& rtbWhisper(int i) { return SlotTable::instance().whisper(i); }
-ListModel& lvUsers(int i) { return SlotTable::instance().users(i); }
-ListModel& lvFriends(int i) { return SlotTable::instance().friends(i); }
-ListModel& lvClan(int i) { return SlotTable::instance().clan(i); }
+BotElement& Bots(int i) {
+    return SlotTable::instance().bot(i);
+}
+LogonRecord& Logons(int i) {
+    return SlotTable::instance().logon(i);
+}
+SocketControl& wsBNET(int i) {
+    return SlotTable::instance().bnet(i);
+}
+SocketControl& wsBNLS(int i) {
+    return SlotTable::instance().bnls(i);
+}
+ChatDocument& rtbChat(int i) {
+    return SlotTable::instance().chat(i);
+}
+ChatDocument& rtbWhisper(int i) {
+    return SlotTable::instance().whisper(i);
+}
+ListModel& lvUsers(int i) {
+    return SlotTable::instance().users(i);
+}
+ListModel& lvFriends(int i) {
+    return SlotTable::instance().friends(i);
+}
+ListModel& lvClan(int i) {
+    return SlotTable::instance().clan(i);
+}

@@ -8,14 +8,10 @@
 QString ConvertUsername(const QString& Name, bool ToServer, int Index) {
     const qsizetype star = Name.indexOf(u'*');
     const QString account = star >= 0 ? Name.mid(star + 1) : Name;
-    if (!ToServer)
-        return account;
-    if (Index == -1)
-        return u'*' + account;
+    if (!ToServer) return account;
+    if (Index == -1) return u'*' + account;
     // Only Diablo II realms want the star form.
-    const QString client = Bots(Index).Config.Client().toUpper();
-    if (client == QLatin1String("D2DV") || client == QLatin1String("D2XP"))
-        return u'*' + account;
+    if (IsDiabloRealm(Bots(Index).Config.Client())) return u'*' + account;
     return account;
 }
 

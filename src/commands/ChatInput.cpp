@@ -42,6 +42,13 @@ QString SubmitUserLine(int Index, const QString& Text) {
     return line;
 }
 
+void SendCommandReply(int Index, bool FromConsole, const QString& Text, quint32 Colour) {
+    if (FromConsole)
+        WriteChat(Index, {{Colour, Text}});
+    else
+        Bots(Index).Queue.append(Text);
+}
+
 void SendChatLine(int Index, QString Text) {
     BotElement& bot = Bots(Index);
     if (!bot.Online()) return;

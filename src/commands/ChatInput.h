@@ -10,6 +10,11 @@
 // send box's history keeps it.
 QString SubmitUserLine(int Index, const QString& Text);
 
+// The one way a command's reply leaves: onto the slot's send queue, and so to
+// the channel, or, for the keyboard, into the slot's chat view in `Colour`
+// (24-bit, red in the low byte).
+void SendCommandReply(int Index, bool FromConsole, const QString& Text, quint32 Colour = 0x00FFFF);
+
 // The last stop of a line before the wire: client-side slash commands,
 // whisper rewriting for Diablo II realms, and packet 0x0E for the rest.
 void SendChatLine(int Index, QString Text);

@@ -7,6 +7,7 @@
 #include "gui/frmBot.h"
 #include "presentation/ChatWriter.h"
 #include "session/ShutdownSequence.h"
+#include "shell/DesktopShell.h"
 #include "session/SlotTable.h"
 #include "session/StartupSequence.h"
 
@@ -81,7 +82,7 @@ void sendTypedLine(const QString& line) {
                   QStringLiteral("There is no profile on screen to send to; load one first."));
         return;
     }
-    if (!line.isEmpty()) SubmitUserLine(index, line);
+    if (!line.isEmpty()) SendUserLine(index, line);
 }
 
 // Without a window the first loaded profile is the one typing goes to.
@@ -104,6 +105,8 @@ void connectLoadedProfiles() {
 int runHeadless(QCoreApplication& app, const Options& options) {
     HeadlessConsole console(stdout, isatty(STDOUT_FILENO) != 0);
     QObject::connect(&console, &HeadlessConsole::endOfInput, &app, &QCoreApplication::quit);
+    QObject::connect(&DesktopShell::instance(), &DesktopShell::quitRequested, &app,
+                     &QCoreApplication::quit, Qt::QueuedConnection);
     QObject::connect(&SlotTable::instance(), &SlotTable::messageBox,
                      [](const QString& title, const QString& text) {
                          std::fprintf(stderr, "%s: %s\n", qPrintable(title), qPrintable(text));

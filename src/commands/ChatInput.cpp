@@ -4,7 +4,9 @@
 #include "chat/ChannelView.h"
 #include "commands/AliasesAndGroups.h"
 #include "commands/BlocksAndFilters.h"
+#include "commands/CommandWrapper.h"
 #include "config/SettingsWrapper.h"
+#include "plugins/PluginHost.h"
 #include "presentation/ChatWriter.h"
 #include "presentation/EventTemplates.h"
 #include "presentation/Theme.h"
@@ -13,6 +15,12 @@
 #include "statistics/UserNames.h"
 
 namespace {
+
+bool isWord(const QString& word, std::initializer_list<const char*> names) {
+    for (const char* name : names)
+        if (word == QLatin1String(name)) return true;
+    return false;
+}
 
 // Diablo II realms reach an account as "*account"; a name with a gateway
 // tag is left to the server.
@@ -33,12 +41,90 @@ QString rewriteRealmWhisper(int Index, const QString& text) {
     return word + u' ' + name + u' ' + message;
 }
 
+void sendToAll(const QString& rest) {
+    SlotTable& table = SlotTable::instance();
+    for (int i = 1; i <= table.highestIndex(); ++i) {
+        if (Bots(i).Online() && Bots(i).IsLoaded) Bots(i).Queue.append(rest);
+    }
+}
+
+// "/echo cmd" runs a bot command whose replies go to the channel.
+void echoCommand(int Index, const QString& text, qsizetype minimum, const QString& rest) {
+    if (text.size() < minimum) return;
+    if (!CommandWrapper().SearchCommands(Index, {}, rest, false))
+        WriteChat(Index, {{255, QStringLiteral("This command is not available via the echo "
+                                               "command, to use echo type /echo <cmd> "
+                                               "[<arguments>].")}});
+}
+
+// "/r" and "/fwd": a second trip through the queue as a whisper, or the line
+// back into the send box when there is nobody to answer.
+void whisperBack(int Index, const QString& target, const QString& retype, const QString& rest,
+                 const char* nobody) {
+    if (target.isEmpty()) {
+        WriteChat(Index, {{255, QLatin1String(nobody)}});
+        SlotTable::instance().refillSendBox(Index, retype + rest);
+        return;
+    }
+    Bots(Index).Queue.append(QStringLiteral("/w ") + target + u' ' + rest);
+}
+
+// The slash commands the bot answers itself. Returns true when the line ends
+// here; a whisper may come back rewritten in `text`.
+bool runLocalCommand(int Index, QString& text) {
+    BotElement& bot = Bots(Index);
+    const qsizetype blank = text.indexOf(u' ');
+    if (blank < 0) {
+        if (text.compare(QLatin1String("/profile"), Qt::CaseInsensitive) != 0 &&
+            text.compare(QLatin1String("/p"), Qt::CaseInsensitive) != 0)
+            return false;
+        bot.Connection.Output_ProfileRequest(Index, bot.Config.Account());
+        return true;
+    }
+    const QString word = text.left(blank).toLower();
+    const QString rest = text.mid(blank + 1);
+    if (isWord(word, {"/w", "/m", "/msg", "/whisper"})) {
+        text = rewriteRealmWhisper(Index, text);
+        return false;
+    }
+    if (isWord(word, {"/profile", "/p"}))
+        bot.Connection.Output_ProfileRequest(Index, rest);
+    else if (word == QLatin1String("/sendall"))
+        sendToAll(rest);
+    else if (word == QLatin1String("/echo"))
+        echoCommand(Index, text, 7, rest);
+    else if (word == QLatin1String("/e"))
+        echoCommand(Index, text, 4, rest);
+    else if (isWord(word, {"/reply", "/r"}))
+        whisperBack(Index, bot.LastWhisper, QStringLiteral("/r "), rest,
+                    "No one has whispered you yet, please use /w <username> instead.");
+    else if (isWord(word, {"/fwd", "/forward"}))
+        whisperBack(Index, bot.LastWhispered, QStringLiteral("/fwd "), rest,
+                    "You have not whispered anyone yet, please use /w <username> instead.");
+    else
+        return false;
+    return true;
+}
+
+// The bot's own talk as the channel sees it, decoded when it went out coded.
+void showOwnTalk(int Index, const QString& text) {
+    BotElement& bot = Bots(Index);
+    QString shown = text;
+    if (shown[0].unicode() == 164 || shown[0].unicode() == 171) DecryptChat(shown);
+    ParseOutput(Index, rtbChat(Index), CurrentTheme().events.talk, bot.UniqueAccount, shown, {},
+                bot.MyPing(), bot.MyFlags);
+}
+
 } // namespace
 
-QString SubmitUserLine(int Index, const QString& Text) {
+QString SendUserLine(int Index, const QString& Text) {
     QString line = Text;
-    if (!line.startsWith(u'/') && SettingsWrapper::instance().Encryption()) EncryptChat(line);
-    Bots(Index).Queue.append(line);
+    if (!line.startsWith(u'/')) {
+        if (SettingsWrapper::instance().Encryption()) EncryptChat(line);
+        Bots(Index).Queue.append(line);
+    } else if (!CommandWrapper().SearchCommands(Index, {}, line.mid(1), true)) {
+        Bots(Index).Queue.append(line);
+    }
     return line;
 }
 
@@ -50,54 +136,19 @@ void SendCommandReply(int Index, bool FromConsole, const QString& Text, quint32 
 }
 
 void SendChatLine(int Index, QString Text) {
-    BotElement& bot = Bots(Index);
-    if (!bot.Online()) return;
+    if (!Bots(Index).Online()) return;
     Text.remove(u'\n');
     Text.remove(u'\r');
     Text.remove(QChar(u'\0'));
+    if (Text.isEmpty() || runLocalCommand(Index, Text)) return;
+    PluginHost::instance().PressedEnter(Index, Text);
     if (Text.isEmpty()) return;
-    const qsizetype blank = Text.indexOf(u' ');
-    if (blank >= 0) {
-        const QString word = Text.left(blank).toLower();
-        const QString rest = Text.mid(blank + 1);
-        if (word == QLatin1String("/w") || word == QLatin1String("/m") ||
-            word == QLatin1String("/msg") || word == QLatin1String("/whisper")) {
-            Text = rewriteRealmWhisper(Index, Text);
-        } else if (word == QLatin1String("/sendall")) {
-            SlotTable& table = SlotTable::instance();
-            for (int i = 1; i <= table.highestIndex(); ++i) {
-                if (Bots(i).Online() && Bots(i).IsLoaded) Bots(i).Queue.append(rest);
-            }
-            return;
-        } else if (word == QLatin1String("/reply") || word == QLatin1String("/r")) {
-            if (bot.LastWhisper.isEmpty()) {
-                WriteChat(Index, {{255, QStringLiteral("No one has whispered you yet, please use "
-                                                       "/w <username> instead.")}});
-                return;
-            }
-            bot.Queue.append(QStringLiteral("/w ") + bot.LastWhisper + u' ' + rest);
-            return;
-        } else if (word == QLatin1String("/fwd") || word == QLatin1String("/forward")) {
-            if (bot.LastWhispered.isEmpty()) {
-                WriteChat(Index, {{255, QStringLiteral("You have not whispered anyone yet, please "
-                                                       "use /w <username> instead.")}});
-                return;
-            }
-            bot.Queue.append(QStringLiteral("/w ") + bot.LastWhispered + u' ' + rest);
-            return;
-        }
-    }
     PacketWriter w;
     w.WriteSTRING(Text);
     w.SendPacket(Index, 0x0E);
     if (Text.startsWith(u'/')) return; // the server's answer shows by itself
-    // The bot's own talk, as the channel sees it, decoded when it went out coded.
-    QString shown = Text;
-    if (shown[0].unicode() == 164 || shown[0].unicode() == 171) DecryptChat(shown);
-    ParseOutput(Index, rtbChat(Index), CurrentTheme().events.talk, bot.UniqueAccount, shown, {},
-                bot.MyPing(), bot.MyFlags);
+    showOwnTalk(Index, Text);
 }
-
 void EncryptChat(QString& Text) {
     QString out(QChar(171));
     for (QChar c : Text) {

@@ -2,13 +2,12 @@
 
 #include <QString>
 
-// The road of a line that the person at the keyboard sends to a slot: typed
-// lines in the window or on the terminal, pasted ones, and the window's
-// ready-made lines ("/join", "/ban", ...). Until the command interpreter
-// takes this road over, a plain line is coded when Encryption is on, and
-// every line is appended to the slot's send queue. Returns the line as the
-// send box's history keeps it.
-QString SubmitUserLine(int Index, const QString& Text);
+// A line from the keyboard for a slot: typed, pasted, or one of the window's
+// ready-made lines ("/join", "/ban", ...). A slash line is first offered to
+// the bot's commands with full rights; what they do not take, and all talk
+// (coded when Encryption is on), goes on the slot's send queue. Returns the
+// line as the send box's history keeps it.
+QString SendUserLine(int Index, const QString& Text);
 
 // The one way a command's reply leaves: onto the slot's send queue, and so to
 // the channel, or, for the keyboard, into the slot's chat view in `Colour`

@@ -48,7 +48,7 @@ void SendBox::startWhisper(const QString& username) {
 }
 
 void SendBox::send(int slot, const QString& text) {
-    const QString kept = SubmitUserLine(slot, text);
+    const QString kept = SendUserLine(slot, text);
     insertItem(0, kept);
 }
 

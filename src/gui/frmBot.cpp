@@ -9,6 +9,7 @@
 #include "gui/IconPainter.h"
 #include "gui/ProfileTabBar.h"
 #include "gui/SendBox.h"
+#include "shell/DesktopShell.h"
 #include "commands/ChatInput.h"
 #include "gui/UserListView.h"
 #include "platform/ChatDocument.h"
@@ -134,6 +135,17 @@ frmBot::frmBot(QWidget* parent) : QMainWindow(parent) {
         if (index == SlotTable::instance().CurrentIndex()) DisplayChannels();
     });
     connect(&table, &SlotTable::messageBox, this, &frmBot::showMessageBox);
+    connect(&table, &SlotTable::sendBoxRefill, this, [this](int index, const QString& text) {
+        if (index == SlotTable::instance().CurrentIndex()) m_send->setEditText(text);
+    });
+    // A command asked for it; it runs inside a socket event, so the window
+    // acts once that event is over.
+    connect(&DesktopShell::instance(), &DesktopShell::quitRequested, this, [this] {
+        confirmClose = false;
+        close();
+    }, Qt::QueuedConnection);
+    connect(&DesktopShell::instance(), &DesktopShell::windowVisibilityRequested, this,
+            &QWidget::setVisible, Qt::QueuedConnection);
     connect(&TimedEvents::instance(), &TimedEvents::statusChanged, this, &frmBot::onStatusChanged);
     connect(&SettingsWrapper::instance(), &SettingsWrapper::settingChanged, this,
             &frmBot::onSettingChanged);
@@ -385,7 +397,7 @@ void frmBot::DisplayChannels() {
     }
     for (const QString& channel : channels) {
         m_mnuChannels->addAction(channel, this, [slot, channel] {
-            SubmitUserLine(slot, QStringLiteral("/join ") + channel);
+            SendUserLine(slot, QStringLiteral("/join ") + channel);
         });
     }
 }
@@ -494,7 +506,7 @@ QWidget* frmBot::buildCentre() {
         m_listStack->addWidget(list);
     connect(m_users, &UserListView::whisperRequested, m_send, &SendBox::startWhisper);
     connect(m_users, &UserListView::lineRequested, this,
-            [](int slot, const QString& line) { SubmitUserLine(slot, line); });
+            [](int slot, const QString& line) { SendUserLine(slot, line); });
     side->addWidget(m_listStack, 1);
     m_listChooser = new QWidget;
     m_listChooser->setObjectName(QStringLiteral("guiToolbarBoxList"));

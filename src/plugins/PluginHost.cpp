@@ -132,11 +132,24 @@ void PluginHost::DispatchChatEvent(int BotIndex, int ID, const QString& Message,
     }
     if (!event)
         return;
-    const QString member = QString::fromLatin1(event->member);
+    sendChatEvent(ID, QString::fromLatin1(event->member), [&] {
+        return chatEventArgs(event->shape, BotIndex, Message, Username, Flags, Ping);
+    });
+}
+
+void PluginHost::PressedEnter(int BotIndex, QString& Message) {
+    sendChatEvent(254, QStringLiteral("Event_PressedEnter"), [&] {
+        return QVariantList{BotIndex, Message};
+    }, [&](const QVariantList& args) { Message = args.value(1).toString(); });
+}
+
+void PluginHost::sendChatEvent(int ID, const QString& member,
+                               const std::function<QVariantList()>& makeArgs,
+                               const std::function<void(const QVariantList&)>& takeBack) {
     for (const PluginRecord& p : m_plugins) {
         if (p.Name.isEmpty() || !(p.Flags & ChatEvents) || !p.Object)
             continue;
-        QVariantList args = chatEventArgs(event->shape, BotIndex, Message, Username, Flags, Ping);
+        QVariantList args = makeArgs();
         try {
             p.Object->call(member, args);
         } catch (const PluginCallError& e) {
@@ -145,5 +158,6 @@ void PluginHost::DispatchChatEvent(int BotIndex, int ID, const QString& Message,
                                      QStringLiteral(") - ") + e.description()}});
             return;
         }
+        if (takeBack) takeBack(args);
     }
 }

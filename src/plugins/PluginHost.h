@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QString>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -41,12 +42,20 @@ public:
 
     void DispatchChatEvent(int BotIndex, int ID, const QString& Message, const QString& Username,
                            qint32 Flags, qint32 Ping);
+    // The line about to leave a slot, offered to every plug-in that takes chat
+    // events; each may change it, and an emptied line is not sent.
+    void PressedEnter(int BotIndex, QString& Message);
 
 private:
     PluginHost();
     // Calls `member` on every plug-in with `flag`, writing the error line of
     // the first that raises and stopping there.
     void sendSocketEvent(const QString& member, QVariantList args);
+    // Calls `member` on every plug-in with the chat-event flag, each with fresh
+    // arguments from `makeArgs`; `takeBack` sees what a plug-in left in them.
+    void sendChatEvent(int ID, const QString& member,
+                       const std::function<QVariantList()>& makeArgs,
+                       const std::function<void(const QVariantList&)>& takeBack = {});
 
     std::vector<PluginRecord> m_plugins;
     std::shared_ptr<PluginObject> m_script;

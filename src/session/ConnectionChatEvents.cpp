@@ -4,8 +4,12 @@
 #include "chat/ChannelView.h"
 #include "commands/AliasesAndGroups.h"
 #include "commands/BlocksAndFilters.h"
+#include "commands/BotMail.h"
 #include "commands/ChatInput.h"
+#include "commands/CommandWrapper.h"
+#include "commands/DatabaseWrapper.h"
 #include "config/SettingsWrapper.h"
+#include "platform/Cp1252.h"
 #include "platform/ListModel.h"
 #include "platform/TickCount.h"
 #include "plugins/PluginHost.h"
@@ -67,6 +71,33 @@ bool matchesPattern(const QString& text, const QString& pattern) {
                               QRegularExpression::DotMatchesEverythingOption)
         .match(text)
         .hasMatch();
+}
+
+
+// "?trigger" tells ranked users the trigger and how to type it; others get
+// silence.
+void answerTriggerQuestion(int Index, const QString& Username, const QString& trigger) {
+    QString name = plainName(Username);
+    qint32 rank = 0;
+    DatabaseWrapper().GrabRank(Index, name, rank);
+    if (rank == 0) return;
+    const int code = trigger.isEmpty() ? 0 : quint8(cp1252::encodeChar(trigger[0].unicode()));
+    Bots(Index).Queue.append(QStringLiteral("Current trigger is: ") + trigger +
+                             QStringLiteral(" (Alt + ") + QString::number(code) + u')');
+}
+
+// What a talk line may ask of the bot: a command behind the one-character
+// trigger, the trigger itself, or mail.
+void answerTalk(int Index, const QString& Username, const QString& Text) {
+    const QString trigger = Bots(Index).Config.Trigger();
+    if (trigger.size() == 1 && Text[0].toUpper() == trigger[0].toUpper() &&
+        CommandWrapper().SearchCommands(Index, Username, Text.mid(1), false))
+        return;
+    if (Text.compare(QLatin1String("?trigger"), Qt::CaseInsensitive) == 0) {
+        answerTriggerQuestion(Index, Username, trigger);
+        return;
+    }
+    AnswerMailRequest(Index, Username, Text);
 }
 
 } // namespace
@@ -197,7 +228,7 @@ void ConnectionWrapper::Handle_ChatEvent_Join(int Index, const QString& Username
     channelview::RemoveUserItems(Index, plain);
     bot.userAdd(Username, Flags, Ping, Text, GetTickCount());
     channelview::InsertUserItem(Index, Username, Flags, Ping, Text);
-    // Waiting mail is announced here once bot mail exists.
+    NotifyMailOnJoin(Index, Username);
     runScript(Index, "Event_UserJoin", {Username, Text, Flags, Ping});
 }
 
@@ -291,8 +322,7 @@ void ConnectionWrapper::Handle_ChatEvent_Talk(int Index, const QString& Username
         if (Text.size() >= 2) {
             const char16_t first = Text[0].unicode();
             if (first == 171 || (first == 164 && settings().Decryption())) DecryptChat(Text);
-            // The command dispatcher and bot mail answer here once they exist;
-            // the line is shown either way.
+            answerTalk(Index, Username, Text);
         }
         const int position = bot.UserFind(plain);
         bool gated = false;
@@ -344,7 +374,9 @@ void ConnectionWrapper::Handle_ChatEvent_WhisperFrom(int Index, const QString& U
         ChatDocument& view = settings().WhisperPanel() ? rtbWhisper(Index) : rtbChat(Index);
         ParseOutput(Index, view, CurrentTheme().events.whisperfrom, GetDisplayName(Username), Text,
                     {}, Ping, Flags);
-        // Commands by whisper reach the dispatcher here once it exists.
+        const QString trigger = bot.Config.Trigger();
+        if (!Text.isEmpty() && !trigger.isEmpty() && Text[0] == trigger[0])
+            CommandWrapper().SearchCommands(Index, Username, Text.mid(1), false);
     }
     if (matchesPattern(Text, QStringLiteral("Your friend * has exited Battle.net.")) ||
         matchesPattern(Text, QStringLiteral("Your friend * has entered Battle.net.")))

@@ -58,6 +58,9 @@ public:
     // Entering chat and keep-alive.
     void Output_Login(int Index);
     void Output_EnterChat(int Index);
+
+    // The public profile of an account: sex, location and description.
+    void Output_ProfileRequest(int Index, const QString& Account);
     void Output_JoinChannel(int Index, const QString& Channel);
     void Handle_EnterChat(int Index, PacketReader& Reader);
     void Handle_ChannelList(int Index, PacketReader& Reader);

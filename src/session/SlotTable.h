@@ -59,6 +59,7 @@ public:
 
     void notifyClanTag(int index) { Q_EMIT clanTagChanged(index); }
     void notifyChannelList(int index) { Q_EMIT channelListChanged(index); }
+    void refillSendBox(int index, const QString& text) { Q_EMIT sendBoxRefill(index, text); }
 
 Q_SIGNALS:
     void slotCreated(int index);
@@ -71,6 +72,8 @@ Q_SIGNALS:
     // A question or warning that the window shows as a box and a headless run
     // prints.
     void messageBox(const QString& title, const QString& text);
+    // A line that could not go is handed back to the send box of the slot.
+    void sendBoxRefill(int index, const QString& text);
 
 private:
     struct Slot;

@@ -1,0 +1,175 @@
+#include "commands/ChatInput.h"
+#include "common/ChatFixture.h"
+#include "plugins/PluginHost.h"
+#include "platform/Cp1252.h"
+
+#include <QSignalSpy>
+
+namespace {
+
+class ChatInputTest : public ChatFixture {
+protected:
+    void SetUp() override {
+        ChatFixture::SetUp();
+        PluginHost::instance().clear();
+        SettingsWrapper::instance().setEncryption(false);
+        slot = loadConnected(QStringLiteral("typist"));
+        BotElement& bot = Bots(slot);
+        bot.setOnline(true);
+        bot.UniqueAccount = QStringLiteral("Typist");
+        bot.Config.setAccount(QStringLiteral("Typist"));
+        bot.Config.setClient(QStringLiteral("STAR"));
+        rtbChat(slot).clear();
+        wsBNET(slot).sent.clear();
+    }
+    void TearDown() override { PluginHost::instance().clear(); }
+
+    // The string fields of each packet sent, as "0xID text|text".
+    QStringList sentPackets() {
+        QStringList packets;
+        for (const QByteArray& frame : wsBNET(slot).sent) {
+            QStringList fields;
+            for (const QByteArray& field : frame.mid(4).split('\0'))
+                fields << cp1252::decode(field);
+            fields.removeLast();
+            packets << QStringLiteral("0x%1 ").arg(quint8(frame[1]), 2, 16, QChar(u'0')) +
+                           fields.join(u'|');
+        }
+        return packets;
+    }
+    QStringList chatLines(const QString& line) {
+        wsBNET(slot).sent.clear();
+        SendChatLine(slot, line);
+        return sentPackets();
+    }
+
+    int slot = 0;
+};
+
+// A plug-in that shouts every outgoing line, or swallows it.
+class ShoutingPlugin : public PluginObject {
+public:
+    explicit ShoutingPlugin(bool swallow) : m_swallow(swallow) {}
+    QVariant call(const QString& member, QVariantList& args) override {
+        if (member == QLatin1String("Event_PressedEnter"))
+            args[1] = m_swallow ? QString() : args[1].toString().toUpper();
+        return {};
+    }
+
+private:
+    bool m_swallow;
+};
+
+TEST(ChatCodec, MovesLettersAndDigitsBehindTheMarker) {
+    QString text = QStringLiteral("abc");
+    EncryptChat(text);
+    EXPECT_EQ(text, QString({QChar(171), QChar(218), QChar(219), QChar(220)}));
+    QString all;
+    for (char16_t c = 1; c < 256; ++c)
+        all += QChar(c);
+    QString coded = all;
+    EncryptChat(coded);
+    DecryptChat(coded);
+    EXPECT_EQ(coded, all);
+    // Any first character is the marker to decoding.
+    QString other = QString(QChar(164)) + QChar(192) + u' ' + QChar(253);
+    DecryptChat(other);
+    EXPECT_EQ(other, QStringLiteral("A 9"));
+}
+
+TEST_F(ChatInputTest, DiabloWhispersReachAccounts) {
+    Bots(slot).Config.setClient(QStringLiteral("D2XP"));
+    const std::pair<const char*, const char*> cases[] = {
+        {"/w bob hi  there", "0x0e /w *bob hi  there"},
+        {"/W bob hi", "0x0e /W *bob hi"},
+        {"/w bob", "0x0e /w bob"},
+        {"/w *bob hi", "0x0e /w *bob hi"},
+        {"/msg bob@USEast hi", "0x0e /msg bob@USEast hi"},
+        {"/w Sorc*bob@Europe hi", "0x0e /w *bob@Europe hi"},
+        {"/w Sorc*bob@europe hi", "0x0e /w *Sorc*bob@europe hi"},
+        {"/whisp bob hi", "0x0e /whisp bob hi"},
+    };
+    for (const auto& [line, packet] : cases)
+        EXPECT_EQ(chatLines(QLatin1String(line)), QStringList{QLatin1String(packet)}) << line;
+    Bots(slot).Config.setClient(QStringLiteral("W2BN"));
+    EXPECT_EQ(chatLines(QStringLiteral("/w bob hi")), QStringList{"0x0e /w bob hi"});
+}
+
+TEST_F(ChatInputTest, ProfileRequestsNameTheirAccount) {
+    const QString keys = QStringLiteral("|profile\\sex|profile\\location|profile\\description");
+    const QStringList own = chatLines(QStringLiteral("/P"));
+    ASSERT_EQ(own.size(), 1);
+    EXPECT_TRUE(own[0].startsWith(QStringLiteral("0x26 ")));
+    EXPECT_TRUE(own[0].endsWith(QStringLiteral("Typist") + keys));
+    EXPECT_EQ(Bots(slot).LastProfile, QStringLiteral("Typist"));
+    EXPECT_TRUE(chatLines(QStringLiteral("/profile bob"))[0].endsWith(QStringLiteral("bob") + keys));
+    chatLines(QStringLiteral("/p "));
+    EXPECT_TRUE(Bots(slot).LastProfile.isEmpty());
+}
+
+TEST_F(ChatInputTest, EchoRunsCommandsAloud) {
+    EXPECT_EQ(chatLines(QStringLiteral("/echo")), QStringList{"0x0e /echo"});
+    EXPECT_TRUE(chatLines(QStringLiteral("/echo ")).isEmpty());
+    EXPECT_TRUE(chatLines(QStringLiteral("/echo x")).isEmpty());
+    EXPECT_TRUE(rtbChat(slot).text().contains(
+        QStringLiteral("This command is not available via the echo command")));
+    EXPECT_TRUE(chatLines(QStringLiteral("/e ver")).isEmpty());
+    ASSERT_EQ(Bots(slot).Queue.size(), 1);
+    EXPECT_TRUE(Bots(slot).Queue[0].startsWith(QStringLiteral("Corvantide v")));
+}
+
+TEST_F(ChatInputTest, RepliesNeedSomebodyToAnswer) {
+    QSignalSpy refills(&SlotTable::instance(), &SlotTable::sendBoxRefill);
+    EXPECT_TRUE(chatLines(QStringLiteral("/r are you there")).isEmpty());
+    ASSERT_EQ(refills.count(), 1);
+    EXPECT_EQ(refills[0][1].toString(), QStringLiteral("/r are you there"));
+    EXPECT_TRUE(rtbChat(slot).text().contains(QStringLiteral("No one has whispered you yet")));
+    chatLines(QStringLiteral("/fwd x"));
+    EXPECT_EQ(refills[1][1].toString(), QStringLiteral("/fwd x"));
+
+    Bots(slot).LastWhisper = QStringLiteral("bob");
+    Bots(slot).LastWhispered = QStringLiteral("ann");
+    EXPECT_TRUE(chatLines(QStringLiteral("/reply hi")).isEmpty());
+    chatLines(QStringLiteral("/forward yo"));
+    EXPECT_EQ(Bots(slot).Queue, (QStringList{"/w bob hi", "/w ann yo"}));
+}
+
+TEST_F(ChatInputTest, OfflineAndEmptyLinesAreDropped) {
+    EXPECT_TRUE(chatLines(QStringLiteral("\r\n\0")).isEmpty());
+    EXPECT_EQ(chatLines(QStringLiteral("hel\nlo")), QStringList{"0x0e hello"});
+    Bots(slot).setOnline(false);
+    EXPECT_TRUE(chatLines(QStringLiteral("hello")).isEmpty());
+}
+
+TEST_F(ChatInputTest, PlugInsMaySeeChangeOrStopALine) {
+    PluginHost::instance().add({QStringLiteral("shout"), PluginHost::ChatEvents,
+                                std::make_shared<ShoutingPlugin>(false)});
+    EXPECT_EQ(chatLines(QStringLiteral("hello")), QStringList{"0x0e HELLO"});
+    EXPECT_TRUE(rtbChat(slot).text().contains(QStringLiteral("HELLO")));
+    PluginHost::instance().add({QStringLiteral("gag"), PluginHost::ChatEvents,
+                                std::make_shared<ShoutingPlugin>(true)});
+    EXPECT_TRUE(chatLines(QStringLiteral("hello")).isEmpty());
+}
+
+TEST_F(ChatInputTest, TypedLinesGoThroughTheCommandsFirst) {
+    BotElement& bot = Bots(slot);
+    EXPECT_EQ(SendUserLine(slot, QStringLiteral("/ver")), QStringLiteral("/ver"));
+    EXPECT_TRUE(bot.Queue.isEmpty());
+    EXPECT_TRUE(rtbChat(slot).text().contains(QStringLiteral("Corvantide v")));
+    SendUserLine(slot, QStringLiteral("/join Elsewhere"));
+    SendUserLine(slot, QStringLiteral("/ban"));
+    EXPECT_EQ(bot.Queue, (QStringList{"/join Elsewhere", "/ban"}));
+
+    // Talk is coded when asked; what the history keeps is the coded form,
+    // and the screen shows it plain when it leaves.
+    SettingsWrapper::instance().setEncryption(true);
+    bot.Queue.clear();
+    const QString kept = SendUserLine(slot, QStringLiteral("hi"));
+    EXPECT_EQ(kept, QString({QChar(171), QChar(225), QChar(226)}));
+    EXPECT_EQ(bot.Queue, QStringList{kept});
+    EXPECT_EQ(SendUserLine(slot, QStringLiteral("/w a b")), QStringLiteral("/w a b"));
+    SendChatLine(slot, kept);
+    EXPECT_TRUE(rtbChat(slot).text().contains(QStringLiteral("hi")));
+}
+
+} // namespace

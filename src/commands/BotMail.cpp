@@ -90,9 +90,15 @@ void readOne(int Index, const QString& Username, const QString& numberText) {
 
 } // namespace
 
+// Account names know no case: a file of the account in another spelling is
+// the same mailbox, as it would be on a file system that ignores case.
 QString MailFile(int Index) {
-    return mailFolder() + u'/' + SafeFileName(Bots(Index).Config.Account()) +
-           QStringLiteral(".ini");
+    const QString name = SafeFileName(Bots(Index).Config.Account()) + QStringLiteral(".ini");
+    const QDir folder(mailFolder());
+    for (const QString& existing : folder.entryList(QDir::Files)) {
+        if (existing.compare(name, Qt::CaseInsensitive) == 0) return folder.filePath(existing);
+    }
+    return folder.filePath(name);
 }
 
 QString MailTimeText(const QTime& time) {

@@ -1,5 +1,6 @@
 #include "chat/BotElement.h"
 
+#include "config/RegistryWrapper.h"
 #include "config/SettingsWrapper.h"
 #include "platform/ChatDocument.h"
 #include "platform/ListModel.h"
@@ -215,6 +216,18 @@ void BotElement::setChannel(const QString& channel) {
 void BotElement::setProfile(const QString& name) {
     if (name.isEmpty()) emptySlot();
     Config.Profile = name;
+}
+
+QString BotElement::Database() const {
+    if (Config.Profile.isEmpty()) return {};
+    return RegistryWrapper::instance().ReadSTRING(Config.profileKey(), QStringLiteral("Database"));
+}
+
+void BotElement::setDatabase(const QString& name) {
+    if (Config.Profile.isEmpty()) return;
+    RegistryWrapper::instance().WriteSTRING(Config.profileKey(), QStringLiteral("Database"), name);
+    WriteChat(m_index, Status::Information,
+              QStringLiteral("Binded database '") + name + QStringLiteral("' to this profile."));
 }
 
 void BotElement::emptySlot() {

@@ -91,6 +91,11 @@ public:
     void setClanTag(const QString& tag);
     QString Profile() const { return Config.Profile; }
     void setProfile(const QString& name);
+    // The userbase the profile is bound to, kept in the profile's key and
+    // read afresh each time, so a binding made elsewhere is seen at once.
+    // Empty without a profile; setting it without a profile does nothing.
+    QString Database() const;
+    void setDatabase(const QString& name);
     const QString& Channel() const { return m_channel; }
     void setChannel(const QString& channel);
     const QString& ChannelNonVoid() const { return m_channelNonVoid; }

@@ -4,6 +4,7 @@
 #include "chat/TimedEvents.h"
 #include "commands/AliasesAndGroups.h"
 #include "commands/BlocksAndFilters.h"
+#include "commands/MacroWrapper.h"
 #include "config/Folders.h"
 #include "config/RegistryWrapper.h"
 #include "config/SettingsWrapper.h"
@@ -119,6 +120,12 @@ bool importGroupsAndAliases() {
     return true;
 }
 
+bool importMacros() {
+    WriteStartupLine(QStringLiteral("- Importing Macros.."));
+    MacroWrapper::instance().Reload();
+    return true;
+}
+
 bool importMessageFilters() {
     WriteStartupLine(QStringLiteral("- Importing Message Filters.."));
     LoadFilters();
@@ -183,6 +190,7 @@ StartupSequence::StartupSequence() {
         {QStringLiteral("Importing Blocked Users.."), importBlockedUsers},
         {QStringLiteral("Importing Cached Settings.."), importCachedSettings},
         {QStringLiteral("Importing Groups && Aliases.."), importGroupsAndAliases},
+        {QStringLiteral("Importing Macros.."), importMacros},
         {QStringLiteral("Importing Message Filters.."), importMessageFilters},
         {QStringLiteral("Importing Profiles.."), importProfiles},
         {QStringLiteral("Importing Themes.."), importThemes},

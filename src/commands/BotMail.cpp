@@ -1,0 +1,181 @@
+#include "commands/BotMail.h"
+
+#include "chat/BotElement.h"
+#include "config/FileHandler.h"
+#include "config/Folders.h"
+#include "config/TextListFile.h"
+#include "platform/Cp1252.h"
+#include "presentation/ChatWriter.h"
+#include "presentation/TextFormat.h"
+#include "session/ConnectionWrapper.h"
+#include "session/SlotTable.h"
+#include "statistics/UserNames.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QLocale>
+#include <limits>
+
+namespace {
+
+constexpr qint64 kEmptyFileSize = 10; // anything shorter holds no mail
+constexpr int kFieldCount = 4;
+
+// A line end or TAB inside a field would make the line unreadable.
+QString field(QString text) {
+    for (QChar& c : text) {
+        if (c == u'\t' || c == u'\r' || c == u'\n') c = u' ';
+    }
+    return text;
+}
+
+QString mailFolder() {
+    return GetProgramFolder() + QStringLiteral("/Mail");
+}
+
+// The lines of a file that may hold mail; none for a missing or tiny file.
+QStringList mailLines(int Index) {
+    const QString path = MailFile(Index);
+    if (QFileInfo(path).size() < kEmptyFileSize) return {};
+    return ReadTextLines(path);
+}
+
+bool isFor(const QStringList& fields, const QString& user) {
+    return fields[0].toLower() == user.toLower();
+}
+
+// Diablo II realms reach the account, not the character that joined.
+QString whisperName(int Index, const QString& Username) {
+    if (!IsDiabloRealm(Bots(Index).Config.Client())) return Username;
+    return ConvertUsername(ConvertUsername(Username, false, -1), true, -1);
+}
+
+QString whenSent(const QString& date) {
+    const qsizetype bar = date.indexOf(u'|');
+    const QString time = bar < 0 ? date : date.left(bar);
+    const QString day = bar < 0 ? QString() : date.mid(bar + 1).section(u'|', 0, 0);
+    if (day == MailDateText(QDate::currentDate())) return QStringLiteral("at ") + time;
+    return QStringLiteral("on ") + day + QStringLiteral(" at ") + time;
+}
+
+void queueMail(int Index, const QString& Username, const MailRecord& mail) {
+    Bots(Index).Queue.append(QStringLiteral("/w ") + whisperName(Index, Username) + u' ' +
+                             QString::number(mail.ID) + QStringLiteral(": ") + mail.Message +
+                             QStringLiteral("   (From: ") + mail.From + u' ' + whenSent(mail.Date) +
+                             u')');
+}
+
+void readAll(int Index, const QString& Username) {
+    const QString user = ConvertUsername(Username, false, -1);
+    QList<MailRecord> mails;
+    if (ReadMail(Index, user, mails)) {
+        for (const MailRecord& mail : mails)
+            queueMail(Index, Username, mail);
+    }
+    DeleteMail(Index, user, -1);
+}
+
+// The number is taken as a typed number is, within 16 bits; anything else
+// reads as no number.
+void readOne(int Index, const QString& Username, const QString& numberText) {
+    const qint32 number = LeadingNumber(numberText);
+    if (number < 1 || number > std::numeric_limits<qint16>::max()) return;
+    const QString user = ConvertUsername(Username, false, -1);
+    QList<MailRecord> mails;
+    if (!ReadMail(Index, user, mails) || mails.size() < number) return;
+    queueMail(Index, Username, mails[number - 1]);
+    DeleteMail(Index, user, number);
+}
+
+} // namespace
+
+// Account names know no case: a file of the account in another spelling is
+// the same mailbox, as it would be on a file system that ignores case.
+QString MailFile(int Index) {
+    const QString name = SafeFileName(Bots(Index).Config.Account()) + QStringLiteral(".ini");
+    const QDir folder(mailFolder());
+    for (const QString& existing : folder.entryList(QDir::Files)) {
+        if (existing.compare(name, Qt::CaseInsensitive) == 0) return folder.filePath(existing);
+    }
+    return folder.filePath(name);
+}
+
+QString MailTimeText(const QTime& time) {
+    return FormatLongTime(time);
+}
+
+QString MailDateText(const QDate& date) {
+    return QLocale::system().toString(date, QLocale::ShortFormat);
+}
+
+void AddMail(int Index, const QString& To, const QString& Message) {
+    QDir().mkpath(mailFolder());
+    const QString date =
+        MailTimeText(QTime::currentTime()) + u'|' + MailDateText(QDate::currentDate());
+    const QString line = field(To) + u'\t' + field(Bots(Index).UniqueAccount) + u'\t' + date +
+                         u'\t' + field(Message);
+    QFile file(MailFile(Index));
+    if (file.open(QIODevice::Append)) file.write(cp1252::encode(line) + "\r\n");
+}
+
+bool ReadMail(int Index, const QString& User, QList<MailRecord>& Mails) {
+    Mails.clear();
+    for (const QString& line : mailLines(Index)) {
+        const QStringList fields = line.split(u'\t');
+        if (fields.size() != kFieldCount || !isFor(fields, User)) continue;
+        Mails.append({fields[0], fields[1], fields[3], fields[2], qint32(Mails.size() + 1)});
+    }
+    return !Mails.isEmpty();
+}
+
+bool HasMail(int Index, const QString& User) {
+    const QString wanted = User.toLower();
+    for (const QString& line : mailLines(Index)) {
+        if (line.left(wanted.size()).toLower() == wanted) return true;
+    }
+    return false;
+}
+
+bool DeleteMail(int Index, const QString& User, int Number) {
+    QStringList kept;
+    bool dropped = false;
+    int count = 0;
+    for (const QString& line : mailLines(Index)) {
+        const QStringList fields = line.split(u'\t');
+        if (fields.size() != kFieldCount) continue;
+        if (isFor(fields, User)) {
+            ++count;
+            if (Number == -1 || count == Number) {
+                dropped = true;
+                continue;
+            }
+        }
+        kept.append(line);
+    }
+    if (dropped) WriteTextLines(MailFile(Index), kept);
+    return dropped;
+}
+
+void NotifyMailOnJoin(int Index, const QString& Username) {
+    const QString user = ConvertUsername(Username, false, -1);
+    QList<MailRecord> mails;
+    if (!HasMail(Index, user) || !ReadMail(Index, user, mails)) return;
+    Bots(Index).Queue.append(QStringLiteral("/w ") + whisperName(Index, Username) +
+                             QStringLiteral(" You have ") + QString::number(mails.size()) +
+                             QStringLiteral(" new mail message(s). Type !read 1 for one message, "
+                                            "or !readall for all messages."));
+}
+
+bool AnswerMailRequest(int Index, const QString& Username, const QString& Text) {
+    const QString lowered = Text.toLower();
+    if (lowered == QLatin1String("!readall")) {
+        readAll(Index, Username);
+        return true;
+    }
+    if (Text.size() >= 7 && lowered.startsWith(QLatin1String("!read "))) {
+        readOne(Index, Username, Text.mid(6));
+        return true;
+    }
+    return false;
+}

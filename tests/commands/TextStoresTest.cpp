@@ -99,24 +99,10 @@ TEST_F(TextStoresTest, RandomQuotesComeFromLinesThatCount) {
 }
 
 TEST_F(TextStoresTest, MacrosAreReadInBlocksAndTheFirstOfANameCounts) {
-    writeFile(MacroWrapper::fileName(), "outside\r\n"
-                                        "Greet {\r\n"
-                                        "Hello!\r\n"
-                                        "\r\n"
-                                        "/me waves\r\n"
-                                        "}\r\n"
-                                        "skipped\r\n"
-                                        "greet {\r\n"
-                                        "second\r\n"
-                                        "}\r\n"
-                                        "empty {\r\n"
-                                        "}\r\n"
-                                        "first {\r\n"
-                                        "a\r\n"
-                                        "next {\r\n"
-                                        "b\r\n"
-                                        "open {\r\n"
-                                        "c");
+    writeFile(MacroWrapper::fileName(),
+              "outside\r\nGreet {\r\nHello!\r\n\r\n/me waves\r\n}\r\nskipped\r\n"
+              "greet {\r\nsecond\r\n}\r\nempty {\r\n}\r\n"
+              "first {\r\na\r\nnext {\r\nb\r\nopen {\r\nc");
     MacroWrapper::instance().Reload();
     EXPECT_EQ(grab("GREET"), (QStringList{"Hello!", "/me waves"}));
     EXPECT_EQ(grab("empty"), QStringList{});

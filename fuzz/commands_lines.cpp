@@ -14,7 +14,6 @@
 #include <QCoreApplication>
 #include <QSignalBlocker>
 #include <QTemporaryDir>
-
 #include <cstddef>
 #include <cstdint>
 

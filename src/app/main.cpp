@@ -7,9 +7,9 @@
 #include "gui/frmBot.h"
 #include "presentation/ChatWriter.h"
 #include "session/ShutdownSequence.h"
-#include "shell/DesktopShell.h"
 #include "session/SlotTable.h"
 #include "session/StartupSequence.h"
+#include "shell/DesktopShell.h"
 
 #include <QApplication>
 #include <QCommandLineParser>

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QString>
-
 #include <array>
 
 // One command being run: who asked, with what rank, and where the reply goes.

@@ -108,7 +108,8 @@ bool CommandWrapper::SearchCommands(int Index, QString Username, const QString& 
         DatabaseWrapper().GrabRank(Index, Username, rank);
     }
     if (rank <= 0 || Message.size() < 2) return false;
-    if (Message.contains(u' ')) return RunArgumentCommand(Index, Username, Message, rank, FromConsole);
+    if (Message.contains(u' '))
+        return RunArgumentCommand(Index, Username, Message, rank, FromConsole);
     return RunPlainCommand(Index, Username, Message, rank, FromConsole);
 }
 

@@ -19,8 +19,8 @@ public:
 
     bool RunPlainCommand(int Index, const QString& Username, const QString& Message, qint32 Rank,
                          bool FromConsole);
-    bool RunArgumentCommand(int Index, const QString& Username, const QString& Message,
-                            qint32 Rank, bool FromConsole);
+    bool RunArgumentCommand(int Index, const QString& Username, const QString& Message, qint32 Rank,
+                            bool FromConsole);
 
 private:
     static bool runFromTable(const CommandEntry* table, size_t rows, const QString& word,

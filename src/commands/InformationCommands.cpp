@@ -53,10 +53,11 @@ QString pingText(const UserElement& user) {
 
 void Users(const CommandContext& c) {
     const ChannelCounts n = countChannel(Bots(c.Index));
-    const QString head =
-        QStringLiteral("There are ") + number(lvUsers(c.Index).count()) + QStringLiteral(" users here, ");
+    const QString head = QStringLiteral("There are ") + number(lvUsers(c.Index).count()) +
+                         QStringLiteral(" users here, ");
     const QString tail = number(n.clanMembers) + QStringLiteral(" users belong to a clan.");
-    const QString reps = number(n.representatives) + QStringLiteral(" are Blizzard representatives");
+    const QString reps =
+        number(n.representatives) + QStringLiteral(" are Blizzard representatives");
     const QString ops = number(n.operators) + QStringLiteral(" have ops");
     if (n.representatives > 0 && n.operators > 0)
         c.reply(head + reps + QStringLiteral(", ") + ops + QStringLiteral(" and ") + tail);

@@ -34,10 +34,10 @@ QString cutAtHash(const QString& name) {
 // The server commands a user below rank 90 may not have the bot say.
 bool isGuardedServerCommand(const QString& word) {
     static const QStringList guarded = {
-        QStringLiteral("BAN"),     QStringLiteral("UNBAN"),     QStringLiteral("IGNORE"),
-        QStringLiteral("REJOIN"),  QStringLiteral("RESIGN"),    QStringLiteral("JOIN"),
-        QStringLiteral("CHANNEL"), QStringLiteral("UNIGNORE"),  QStringLiteral("SQUELCH"),
-        QStringLiteral("UNSQUELCH"), QStringLiteral("KICK"),    QStringLiteral("O"),
+        QStringLiteral("BAN"),       QStringLiteral("UNBAN"),    QStringLiteral("IGNORE"),
+        QStringLiteral("REJOIN"),    QStringLiteral("RESIGN"),   QStringLiteral("JOIN"),
+        QStringLiteral("CHANNEL"),   QStringLiteral("UNIGNORE"), QStringLiteral("SQUELCH"),
+        QStringLiteral("UNSQUELCH"), QStringLiteral("KICK"),     QStringLiteral("O"),
         QStringLiteral("OPTIONS")};
     return guarded.contains(word);
 }
@@ -98,8 +98,8 @@ void AddUser(const CommandContext& c) {
     bool whole = false;
     const qint32 rank = rankText.toInt(&whole);
     if (!whole || !DatabaseWrapper().AddUser(c.Index, name, rank)) {
-        c.reply(QStringLiteral(
-            "Could not add user, invalid rank or user already exists in userbase."));
+        c.reply(
+            QStringLiteral("Could not add user, invalid rank or user already exists in userbase."));
         return;
     }
     c.reply(QStringLiteral("Added ") + name + QStringLiteral(" to the userbase."));

@@ -2,6 +2,7 @@
 
 #include "chat/BotElement.h"
 #include "chat/TimedEvents.h"
+#include "commands/ChatInput.h"
 #include "config/Folders.h"
 #include "config/SettingsWrapper.h"
 #include "gui/ChatView.h"
@@ -9,8 +10,6 @@
 #include "gui/IconPainter.h"
 #include "gui/ProfileTabBar.h"
 #include "gui/SendBox.h"
-#include "shell/DesktopShell.h"
-#include "commands/ChatInput.h"
 #include "gui/UserListView.h"
 #include "platform/ChatDocument.h"
 #include "platform/ListModel.h"
@@ -18,6 +17,7 @@
 #include "presentation/Theme.h"
 #include "session/MachineFacts.h"
 #include "session/SlotTable.h"
+#include "shell/DesktopShell.h"
 
 #include <QActionGroup>
 #include <QApplication>
@@ -140,10 +140,13 @@ frmBot::frmBot(QWidget* parent) : QMainWindow(parent) {
     });
     // A command asked for it; it runs inside a socket event, so the window
     // acts once that event is over.
-    connect(&DesktopShell::instance(), &DesktopShell::quitRequested, this, [this] {
-        confirmClose = false;
-        close();
-    }, Qt::QueuedConnection);
+    connect(
+        &DesktopShell::instance(), &DesktopShell::quitRequested, this,
+        [this] {
+            confirmClose = false;
+            close();
+        },
+        Qt::QueuedConnection);
     connect(&DesktopShell::instance(), &DesktopShell::windowVisibilityRequested, this,
             &QWidget::setVisible, Qt::QueuedConnection);
     connect(&TimedEvents::instance(), &TimedEvents::statusChanged, this, &frmBot::onStatusChanged);

@@ -28,11 +28,9 @@ void PluginHost::clear() {
 }
 
 void PluginHost::sendSocketEvent(const QString& member, QVariantList args) {
-    if (m_plugins.size() <= 1)
-        return;
+    if (m_plugins.size() <= 1) return;
     for (const PluginRecord& p : m_plugins) {
-        if (p.Name.isEmpty() || !(p.Flags & SocketEvents) || !p.Object)
-            continue;
+        if (p.Name.isEmpty() || !(p.Flags & SocketEvents) || !p.Object) continue;
         QVariantList callArgs = args;
         try {
             p.Object->call(member, callArgs);
@@ -46,8 +44,7 @@ void PluginHost::sendSocketEvent(const QString& member, QVariantList args) {
 
 void PluginHost::RunScript(int Index, const QString& sub, QVariantList args,
                            const QString& lineName) {
-    if (!m_script)
-        return;
+    if (!m_script) return;
     try {
         m_script->call(sub, args);
     } catch (const PluginCallError& e) {
@@ -66,8 +63,8 @@ void PluginHost::SocketClose(int Index) {
 }
 
 void PluginHost::SocketError(int Index, int Number, const QString& Description) {
-    sendSocketEvent(QStringLiteral("SocketError"), {Index, Number, Description, 0, QString(),
-                                                    QString(), 0, false});
+    sendSocketEvent(QStringLiteral("SocketError"),
+                    {Index, Number, Description, 0, QString(), QString(), 0, false});
 }
 
 void PluginHost::PacketArrival(int Index, const QByteArray& Data) {
@@ -127,28 +124,28 @@ void PluginHost::DispatchChatEvent(int BotIndex, int ID, const QString& Message,
                                    const QString& Username, qint32 Flags, qint32 Ping) {
     const ChatEventMember* event = nullptr;
     for (const ChatEventMember& e : kChatEventMembers) {
-        if (e.id == ID)
-            event = &e;
+        if (e.id == ID) event = &e;
     }
-    if (!event)
-        return;
+    if (!event) return;
     sendChatEvent(ID, QString::fromLatin1(event->member), [&] {
         return chatEventArgs(event->shape, BotIndex, Message, Username, Flags, Ping);
     });
 }
 
 void PluginHost::PressedEnter(int BotIndex, QString& Message) {
-    sendChatEvent(254, QStringLiteral("Event_PressedEnter"), [&] {
-        return QVariantList{BotIndex, Message};
-    }, [&](const QVariantList& args) { Message = args.value(1).toString(); });
+    sendChatEvent(
+        254, QStringLiteral("Event_PressedEnter"),
+        [&] {
+            return QVariantList{BotIndex, Message};
+        },
+        [&](const QVariantList& args) { Message = args.value(1).toString(); });
 }
 
 void PluginHost::sendChatEvent(int ID, const QString& member,
                                const std::function<QVariantList()>& makeArgs,
                                const std::function<void(const QVariantList&)>& takeBack) {
     for (const PluginRecord& p : m_plugins) {
-        if (p.Name.isEmpty() || !(p.Flags & ChatEvents) || !p.Object)
-            continue;
+        if (p.Name.isEmpty() || !(p.Flags & ChatEvents) || !p.Object) continue;
         QVariantList args = makeArgs();
         try {
             p.Object->call(member, args);

@@ -4,7 +4,6 @@
 
 #include <QByteArray>
 #include <QString>
-
 #include <functional>
 #include <memory>
 #include <vector>
@@ -37,8 +36,7 @@ public:
     void setScript(std::shared_ptr<PluginObject> script) { m_script = std::move(script); }
     // Runs a script sub. An error is one red line naming `lineName` (the sub
     // itself when empty); the caller's work goes on.
-    void RunScript(int Index, const QString& sub, QVariantList args,
-                   const QString& lineName = {});
+    void RunScript(int Index, const QString& sub, QVariantList args, const QString& lineName = {});
 
     void DispatchChatEvent(int BotIndex, int ID, const QString& Message, const QString& Username,
                            qint32 Flags, qint32 Ping);
@@ -53,8 +51,7 @@ private:
     void sendSocketEvent(const QString& member, QVariantList args);
     // Calls `member` on every plug-in with the chat-event flag, each with fresh
     // arguments from `makeArgs`; `takeBack` sees what a plug-in left in them.
-    void sendChatEvent(int ID, const QString& member,
-                       const std::function<QVariantList()>& makeArgs,
+    void sendChatEvent(int ID, const QString& member, const std::function<QVariantList()>& makeArgs,
                        const std::function<void(const QVariantList&)>& takeBack = {});
 
     std::vector<PluginRecord> m_plugins;

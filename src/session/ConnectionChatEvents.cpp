@@ -73,7 +73,6 @@ bool matchesPattern(const QString& text, const QString& pattern) {
         .hasMatch();
 }
 
-
 // "?trigger" tells ranked users the trigger and how to type it; others get
 // silence.
 void answerTriggerQuestion(int Index, const QString& Username, const QString& trigger) {

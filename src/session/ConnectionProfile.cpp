@@ -1,7 +1,6 @@
-#include "session/ConnectionWrapper.h"
-
 #include "chat/BotElement.h"
 #include "platform/TickCount.h"
+#include "session/ConnectionWrapper.h"
 #include "session/PacketWriter.h"
 #include "session/SlotTable.h"
 

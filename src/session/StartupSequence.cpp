@@ -201,10 +201,8 @@ StartupSequence::StartupSequence() {
 
 bool StartupSequence::run() {
     for (const Step& step : m_steps) {
-        if (!step.text.isEmpty())
-            Q_EMIT stepStarted(step.text);
-        if (!step.run())
-            return false;
+        if (!step.text.isEmpty()) Q_EMIT stepStarted(step.text);
+        if (!step.run()) return false;
     }
     return true;
 }

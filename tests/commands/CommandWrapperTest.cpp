@@ -1,4 +1,6 @@
 #include "commands/CommandWrapper.h"
+
+#include "commands/BotMail.h"
 #include "commands/DatabaseWrapper.h"
 #include "commands/MacroWrapper.h"
 #include "common/ChatFixture.h"
@@ -14,6 +16,7 @@ class CommandWrapperTest : public ChatFixture {
 protected:
     void SetUp() override {
         ChatFixture::SetUp();
+        SettingsWrapper::instance().setFloodMode(0);
         killTree(SettingsWrapper::RootKey() + QStringLiteral("Databases\\crew"));
         for (const char* file : {"Quotes.ini", "Definitions.ini", "Macros.ini"})
             QFile::remove(GetSettingsPath() + QLatin1String(file));
@@ -68,6 +71,7 @@ TEST_F(CommandWrapperTest, RanksReachTheirLevelsAndNoHigher) {
               QStringList{QStringLiteral("/ban someone")});
 
     // Strangers and one-letter lines get silence.
+    Bots(slot).Queue.clear();
     EXPECT_FALSE(run(QStringLiteral("Stranger"), QStringLiteral("ver")));
     EXPECT_FALSE(run(QStringLiteral("Boss"), QStringLiteral("u")));
     EXPECT_TRUE(Bots(slot).Queue.isEmpty());
@@ -113,7 +117,8 @@ TEST_F(CommandWrapperTest, RankedUsersAreSparedByName) {
 }
 
 TEST_F(CommandWrapperTest, RanksAreGivenAndTakenOnlyBelowYourOwn) {
-    const QString higher = QStringLiteral("Could not add user, rank specified is higher than yours.");
+    const QString higher =
+        QStringLiteral("Could not add user, rank specified is higher than yours.");
     EXPECT_EQ(lastReply(QStringLiteral("Op"), QStringLiteral("add newbie 90")), higher);
     EXPECT_EQ(lastReply(QStringLiteral("Boss"), QStringLiteral("add newbie 100")), higher);
     EXPECT_EQ(lastReply(QStringLiteral("Op"), QStringLiteral("add newbie 89")),
@@ -133,7 +138,7 @@ TEST_F(CommandWrapperTest, RanksAreGivenAndTakenOnlyBelowYourOwn) {
     EXPECT_EQ(lastReply(QStringLiteral("Op"), QStringLiteral("remove nobody")),
               QStringLiteral("Could not remove user, user not found in userbase."));
     EXPECT_EQ(lastReply(QStringLiteral("Op"), QStringLiteral("remove newbie")),
-              QStringLiteral("Removed Newbie from the userbase."));
+              QStringLiteral("Removed newbie from the userbase."));
     EXPECT_EQ(rankOf(QStringLiteral("newbie")), 0);
     EXPECT_EQ(lastReply(QStringLiteral("Guest"), QStringLiteral("find helper")),
               QStringLiteral("Helper has a rank of 30."));
@@ -164,7 +169,8 @@ TEST_F(CommandWrapperTest, SettingCommandsKeepTheirBounds) {
     };
     const Case cases[] = {
         {"sethome ", "Could not change home channel, invalid length."},
-        {"sethome 0123456789012345678901234567890123", "Could not change home channel, invalid length."},
+        {"sethome 0123456789012345678901234567890123",
+         "Could not change home channel, invalid length."},
         {"sethome Op Room", "Successfully set new home channel."},
         {"setaccount 0123456789abcdef", "Could not change account, invalid length."},
         {"setaccount newname", "Successfully set new account."},
@@ -175,8 +181,10 @@ TEST_F(CommandWrapperTest, SettingCommandsKeepTheirBounds) {
         {"setserverbnls ", "Could not change BNLS server, please specify server."},
         {"setcdkey ", "Could not change cdkey, please specify a cdkey."},
         {"setcdkeyex ", "Could not change expansion cdkey, please specify a cdkey."},
-        {"setidletime 0", "Could not change idle interval, please specify a number greater than zero."},
-        {"setidletime soon", "Could not change idle interval, please specify a number greater than zero."},
+        {"setidletime 0",
+         "Could not change idle interval, please specify a number greater than zero."},
+        {"setidletime soon",
+         "Could not change idle interval, please specify a number greater than zero."},
         {"setidletime 7", "Successfully set new idle interval."},
         {"setidle back at $time", "Successfully set new idle message."},
         {"setproduct STA", "Could not change productID, please specify productID."},
@@ -208,8 +216,9 @@ TEST_F(CommandWrapperTest, SettingCommandsKeepTheirBounds) {
 }
 
 TEST_F(CommandWrapperTest, QuotesAndDefinitionsByTheirIds) {
-    EXPECT_EQ(lastReply(QStringLiteral("Helper"), QStringLiteral("addquote wit brevity is the soul")),
-              QStringLiteral("Added new quote, type !getquote wit to view."));
+    EXPECT_EQ(
+        lastReply(QStringLiteral("Helper"), QStringLiteral("addquote wit brevity is the soul")),
+        QStringLiteral("Added new quote, type !getquote wit to view."));
     EXPECT_EQ(lastReply(QStringLiteral("Helper"), QStringLiteral("quote WIT again")),
               QStringLiteral("Could not add quote, quote with same ID already exists, type "
                              "!removequote <ID> to delete."));
@@ -257,8 +266,10 @@ TEST_F(CommandWrapperTest, MacrosAreQueuedLineByLine) {
 TEST_F(CommandWrapperTest, ChannelFactsAndTheKeyboardsReplies) {
     BotElement& bot = Bots(slot);
     bot.setChannel(QStringLiteral("Lobby"));
-    wsBNET(slot).simulateData(chatEventFrame(1, 0x02, 30, QStringLiteral("Op"), "PX3W 0 0 0 0 0 0 0 0 3RAW"));
-    wsBNET(slot).simulateData(chatEventFrame(1, 0x00, 400, QStringLiteral("Guest"), "RATS 0 0 0 0 0 0 0 0 0 RATS"));
+    wsBNET(slot).simulateData(
+        chatEventFrame(1, 0x02, 30, QStringLiteral("Op"), "PX3W 0 0 0 0 0 0 0 0 3RAW"));
+    wsBNET(slot).simulateData(
+        chatEventFrame(1, 0x00, 400, QStringLiteral("Guest"), "RATS 0 0 0 0 0 0 0 0 0 RATS"));
     bot.Queue.clear();
     EXPECT_EQ(lastReply(QStringLiteral("Helper"), QStringLiteral("users")),
               QStringLiteral("There are 2 users here, 1 have ops and 0 users belong to a clan."));
@@ -279,7 +290,44 @@ TEST_F(CommandWrapperTest, ChannelFactsAndTheKeyboardsReplies) {
     EXPECT_TRUE(CommandWrapper().SearchCommands(slot, {}, QStringLiteral("ver"), true));
     EXPECT_TRUE(bot.Queue.isEmpty());
     EXPECT_TRUE(rtbChat(slot).text().contains(QStringLiteral("Corvantide v")));
-    EXPECT_EQ(rtbChat(slot).runs().back().color, 0x00FFFFu);
+    bool yellow = false;
+    for (const TextRun& run : rtbChat(slot).runs())
+        yellow = yellow || (run.text.contains(QStringLiteral("Corvantide v")) &&
+                            run.format.color == 0x00FFFFu);
+    EXPECT_TRUE(yellow);
+}
+
+} // namespace
+
+namespace {
+
+// Lines as the server delivers them: talk and whispers from the channel.
+TEST_F(CommandWrapperTest, TalkAndWhispersReachTheCommandsMailAndTheTriggerQuestion) {
+    const auto talk = [&](const char* user, const char* text, quint32 id = 5) {
+        Bots(slot).Queue.clear();
+        wsBNET(slot).simulateData(
+            chatEventFrame(id, 0, 20, QLatin1String(user), QLatin1String(text)));
+        return Bots(slot).Queue;
+    };
+    EXPECT_EQ(talk("Guest", "!say hi").value(0), QStringLiteral("hi"));
+    // The trigger is compared without regard to case; a whisper needs the
+    // exact character.
+    Bots(slot).Config.setTrigger(QStringLiteral("x"));
+    EXPECT_EQ(talk("Guest", "Xsay up").value(0), QStringLiteral("up"));
+    EXPECT_EQ(talk("Guest", "xsay low", 4).value(0), QStringLiteral("low"));
+    EXPECT_TRUE(talk("Guest", "Xsay low", 4).isEmpty());
+    EXPECT_TRUE(talk("Stranger", "xsay hi").isEmpty());
+    Bots(slot).Config.setTrigger(QStringLiteral("!"));
+
+    EXPECT_EQ(talk("Guest", "?TRIGGER"), QStringList{"Current trigger is: ! (Alt + 33)"});
+    EXPECT_TRUE(talk("Stranger", "?trigger").isEmpty());
+    EXPECT_TRUE(rtbChat(slot).text().contains(QStringLiteral("?trigger")));
+
+    // "!readall" is no command, so with trigger "!" it still reaches the mail.
+    AddMail(slot, QStringLiteral("guest"), QStringLiteral("see you at nine"));
+    const QStringList read = talk("Guest", "!readall");
+    ASSERT_EQ(read.size(), 1);
+    EXPECT_TRUE(read[0].startsWith(QStringLiteral("/w Guest 1: see you at nine   (From: ")));
 }
 
 } // namespace

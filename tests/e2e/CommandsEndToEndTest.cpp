@@ -9,6 +9,7 @@
 #include "config/Folders.h"
 #include "config/SettingsWrapper.h"
 #include "platform/ChatDocument.h"
+#include "platform/ListModel.h"
 
 #include <QFile>
 
@@ -31,10 +32,12 @@ protected:
         DatabaseWrapper().AddUser(keeper, QStringLiteral("Owner"), 100);
         for (int i : {keeper, owner, stranger})
             SlotTable::instance().ConnectBot(i);
-        ASSERT_TRUE(waitFor([&] {
-            return lvUsers(keeper).count() == 3 && lvUsers(owner).count() == 3 &&
-                   lvUsers(stranger).count() == 3;
-        }, 30000));
+        ASSERT_TRUE(waitFor(
+            [&] {
+                return lvUsers(keeper).count() == 3 && lvUsers(owner).count() == 3 &&
+                       lvUsers(stranger).count() == 3;
+            },
+            30000));
     }
     void TearDown() override { TimedEvents::instance().stop(); }
 
@@ -75,9 +78,8 @@ TEST_F(CommandsEndToEnd, RankedUsersCommandStrangersGetSilence) {
     // The stranger's command and question go unanswered; the owner's
     // question that follows is answered, so the silence was no delay.
     Bots(stranger).Queue << QStringLiteral("!say I am in charge now") << QStringLiteral("?trigger");
-    ASSERT_TRUE(waitFor([&] {
-        return rtbChat(keeper).text().contains(QStringLiteral("?trigger"));
-    }));
+    ASSERT_TRUE(
+        waitFor([&] { return rtbChat(keeper).text().contains(QStringLiteral("?trigger")); }));
     Bots(owner).Queue << QStringLiteral("?TRIGGER");
     ASSERT_TRUE(ownerSees(QStringLiteral("Current trigger is: ! (Alt + 33)")));
     // Said by the stranger once; the bot never repeated it.

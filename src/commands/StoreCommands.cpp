@@ -20,6 +20,56 @@ bool splitFirst(const QString& rest, QString& head, QString& tail) {
     return true;
 }
 
+// How the quote and definition commands word their replies.
+struct EntryWords {
+    const char* noun;   // "quote"
+    const char* usage;  // the add command with its fields
+    const char* get;    // the command that shows an entry
+    const char* remove; // the command that removes one
+    const char* shown;  // what comes before an entry's text
+    bool namesId;       // the ID and ": " come between
+};
+
+const EntryWords kQuoteWords = {
+    "quote", "addquote <ID> <quote>", "getquote", "removequote", "Quote: ", false};
+const EntryWords kDefinitionWords = {"definition", "define <ID> <definition>", "getdef",
+                                     "removedef",  "Definition for ",          true};
+
+void addEntry(const CommandContext& c, TextEntryFile& file, const EntryWords& w) {
+    const QString noun = QLatin1String(w.noun);
+    QString id, text;
+    if (!splitFirst(c.Rest, id, text)) {
+        c.reply(QStringLiteral("Insufficient fields specified for ") + noun +
+                QStringLiteral(" format, do ") + c.trigger() + QLatin1String(w.usage) + u'.');
+    } else if (!file.AddItem(id, text)) {
+        c.reply(QStringLiteral("Could not add ") + noun + QStringLiteral(", ") + noun +
+                QStringLiteral(" with same ID already exists, type ") + c.trigger() +
+                QLatin1String(w.remove) + QStringLiteral(" <ID> to delete."));
+    } else {
+        c.reply(QStringLiteral("Added new ") + noun + QStringLiteral(", type ") + c.trigger() +
+                QLatin1String(w.get) + u' ' + id + QStringLiteral(" to view."));
+    }
+}
+
+void removeEntry(const CommandContext& c, TextEntryFile& file, const EntryWords& w) {
+    const QString noun = QLatin1String(w.noun);
+    if (file.RemoveItem(c.Rest))
+        c.reply(QStringLiteral("Removed ") + noun + QStringLiteral(" with ID: ") + c.Rest + u'.');
+    else
+        c.reply(QStringLiteral("Could not remove ") + noun +
+                QStringLiteral(" with that ID, it doesn't exist."));
+}
+
+void getEntry(const CommandContext& c, TextEntryFile& file, const EntryWords& w) {
+    const QString text = file.GetItem(c.Rest);
+    if (text.isEmpty())
+        c.reply(QStringLiteral("Could not find ") + QLatin1String(w.noun) +
+                QStringLiteral(" with that ID."));
+    else
+        c.reply(QLatin1String(w.shown) + (w.namesId ? c.Rest + QStringLiteral(": ") : QString()) +
+                text);
+}
+
 } // namespace
 
 void RandomQuote(const CommandContext& c) {
@@ -49,62 +99,33 @@ void Macro(const CommandContext& c) {
 }
 
 void AddQuote(const CommandContext& c) {
-    QString id, text;
-    if (!splitFirst(c.Rest, id, text)) {
-        c.reply(QStringLiteral("Insufficient fields specified for quote format, do ") +
-                c.trigger() + QStringLiteral("addquote <ID> <quote>."));
-    } else if (!QuoteWrapper().AddItem(id, text)) {
-        c.reply(QStringLiteral("Could not add quote, quote with same ID already exists, type ") +
-                c.trigger() + QStringLiteral("removequote <ID> to delete."));
-    } else {
-        c.reply(QStringLiteral("Added new quote, type ") + c.trigger() +
-                QStringLiteral("getquote ") + id + QStringLiteral(" to view."));
-    }
+    QuoteWrapper quotes;
+    addEntry(c, quotes, kQuoteWords);
 }
 
 void RemoveQuote(const CommandContext& c) {
-    if (QuoteWrapper().RemoveItem(c.Rest))
-        c.reply(QStringLiteral("Removed quote with ID: ") + c.Rest + u'.');
-    else
-        c.reply(QStringLiteral("Could not remove quote with that ID, it doesn't exist."));
+    QuoteWrapper quotes;
+    removeEntry(c, quotes, kQuoteWords);
 }
 
 void GetQuote(const CommandContext& c) {
-    const QString text = QuoteWrapper().GetItem(c.Rest);
-    if (text.isEmpty())
-        c.reply(QStringLiteral("Could not find quote with that ID."));
-    else
-        c.reply(QStringLiteral("Quote: ") + text);
+    QuoteWrapper quotes;
+    getEntry(c, quotes, kQuoteWords);
 }
 
 void AddDefinition(const CommandContext& c) {
-    QString id, text;
-    if (!splitFirst(c.Rest, id, text)) {
-        c.reply(QStringLiteral("Insufficient fields specified for definition format, do ") +
-                c.trigger() + QStringLiteral("define <ID> <definition>."));
-    } else if (!DefinitionWrapper().AddItem(id, text)) {
-        c.reply(QStringLiteral(
-                    "Could not add definition, definition with same ID already exists, type ") +
-                c.trigger() + QStringLiteral("removedef <ID> to delete."));
-    } else {
-        c.reply(QStringLiteral("Added new definition, type ") + c.trigger() +
-                QStringLiteral("getdef ") + id + QStringLiteral(" to view."));
-    }
+    DefinitionWrapper definitions;
+    addEntry(c, definitions, kDefinitionWords);
 }
 
 void RemoveDefinition(const CommandContext& c) {
-    if (DefinitionWrapper().RemoveItem(c.Rest))
-        c.reply(QStringLiteral("Removed definition with ID: ") + c.Rest + u'.');
-    else
-        c.reply(QStringLiteral("Could not remove definition with that ID, it doesn't exist."));
+    DefinitionWrapper definitions;
+    removeEntry(c, definitions, kDefinitionWords);
 }
 
 void GetDefinition(const CommandContext& c) {
-    const QString text = DefinitionWrapper().GetItem(c.Rest);
-    if (text.isEmpty())
-        c.reply(QStringLiteral("Could not find definition with that ID."));
-    else
-        c.reply(QStringLiteral("Definition for ") + c.Rest + QStringLiteral(": ") + text);
+    DefinitionWrapper definitions;
+    getEntry(c, definitions, kDefinitionWords);
 }
 
 void AddMail(const CommandContext& c) {

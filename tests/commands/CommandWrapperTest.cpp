@@ -23,6 +23,7 @@ protected:
         slot = loadConnected(QStringLiteral("commander"));
         Bots(slot).setOnline(true);
         Bots(slot).Config.setTrigger(QStringLiteral("!"));
+        Bots(slot).Config.setClient(QStringLiteral("STAR"));
         Bots(slot).setDatabase(QStringLiteral("crew"));
         DatabaseWrapper db;
         db.AddUser(slot, QStringLiteral("Boss"), 100);

@@ -112,33 +112,35 @@ namespace {
 
 constexpr qint64 kDelayedRunBudgetMs = 15;
 
-// A burst of leave, rejoin and talk inside the delay is spam to be dropped
-// unseen. Each due event counts once for every event of the same name, by its
-// own kind; the marks span one run over all users, as they always have. The
-// names are counted first, so a long list costs a pass, not a square.
+// A user who leaves, comes back and talks inside the delay is spamming, and the
+// list is thrown away unseen. The marks are kept for each user apart: in a busy
+// channel one user's leave, another's join and a third's talk inside the same
+// moment are no burst, and throwing them away would lose joins and leaves that
+// the user list needs.
 bool isLeaveRejoinTalk(const std::vector<DelayedEvent>& events, quint32 delay) {
-    QHash<QString, int> sameName;
-    for (size_t e = 1; e < events.size(); ++e)
-        ++sameName[events[e].Username.toLower()];
-    bool left = false;
-    bool rejoined = false;
-    int talk = 0;
+    struct Marks {
+        bool left = false;
+        bool rejoined = false;
+        bool talked = false;
+    };
+    QHash<QString, Marks> marks;
     for (size_t e = 1; e < events.size(); ++e) {
         if (TicksSince(events[e].EventTime) <= delay) continue;
+        Marks& m = marks[events[e].Username.toLower()];
         switch (events[e].EventID) {
         case 2:
-            if (left) rejoined = true;
+            if (m.left) m.rejoined = true;
             break;
         case 3:
-            left = true;
+            m.left = true;
             break;
         case 5:
-            talk += sameName.value(events[e].Username.toLower());
+            m.talked = true;
             break;
         default:
             break;
         }
-        if (left && rejoined && talk > 0) return true;
+        if (m.left && m.rejoined && m.talked) return true;
     }
     return false;
 }

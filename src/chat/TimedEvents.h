@@ -25,7 +25,6 @@ public:
     void start();
     void stop();
     bool isRunning() const { return m_running; }
-    const std::vector<Timer>& timers() const { return m_timers; }
 
     // Runs each routine whose period has passed, in the order of the timers'
     // numbers. A stall runs a routine once, not once for each period missed;

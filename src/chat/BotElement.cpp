@@ -14,6 +14,7 @@
 
 #include <QElapsedTimer>
 #include <QHash>
+#include <algorithm>
 
 namespace {
 
@@ -23,22 +24,12 @@ QString plainLower(const QString& name) {
 
 } // namespace
 
-void BotElement::countUser(const UserElement& user, int change) {
-    for (auto [names, key] : {std::pair{&m_plainNames, user.UsernameFixed.toLower()},
-                              std::pair{&m_givenNames, user.Username().toLower()}}) {
-        const int count = names->value(key) + change;
-        if (count > 0)
-            names->insert(key, count);
-        else
-            names->remove(key);
-    }
-}
-
 void BotElement::userAdd(const QString& strName, qint32 flags, qint32 ping,
                          const QString& statstring, quint32 uptime) {
     // The collection is keyed by the name as given; a second add of the same
     // key keeps the first user.
-    if (m_givenNames.contains(strName.toLower())) return;
+    const QString given = strName.toLower();
+    if (m_givenNames.contains(given)) return;
     UserElement user;
     user.Flags = flags;
     user.Ping = ping;
@@ -46,30 +37,57 @@ void BotElement::userAdd(const QString& strName, qint32 flags, qint32 ping,
     user.Uptime = uptime;
     user.setUsername(strName);
     user.LastAction = GetTickCount();
-    countUser(user, 1);
+    const QString key = user.UsernameFixed.toLower();
+    const quint64 arrival = m_nextArrival++;
+    NameEntry& entry = m_plainNames[key];
+    if (entry.count++ == 0) entry.first = arrival;
+    ++m_givenNames[given];
     Users.push_back(std::move(user));
+    m_arrivals.push_back(arrival);
+    m_plainKeys.push_back(key);
 }
 
 void BotElement::userDel(const QString& name) {
     const int position = UserFind(name);
     if (position == 0) return;
-    countUser(Users[size_t(position - 1)], -1);
-    Users.erase(Users.begin() + (position - 1));
+    const size_t at = size_t(position - 1);
+    const QString key = m_plainKeys[at];
+    if (--m_givenNames[Users[at].Username().toLower()] == 0)
+        m_givenNames.remove(Users[at].Username().toLower());
+    Users.erase(Users.begin() + qsizetype(at));
+    m_arrivals.erase(m_arrivals.begin() + qsizetype(at));
+    m_plainKeys.erase(m_plainKeys.begin() + qsizetype(at));
+    // The user found is the first of the name; the next of it, if any, is
+    // further on.
+    NameEntry& entry = m_plainNames[key];
+    if (--entry.count == 0) {
+        m_plainNames.remove(key);
+        return;
+    }
+    for (size_t i = at; i < m_plainKeys.size(); ++i) {
+        if (m_plainKeys[i] == key) {
+            entry.first = m_arrivals[i];
+            break;
+        }
+    }
 }
 
 void BotElement::userClear() {
     Users.clear();
     m_plainNames.clear();
     m_givenNames.clear();
+    m_arrivals.clear();
+    m_plainKeys.clear();
+}
+
+int BotElement::positionOf(quint64 arrival) const {
+    const auto it = std::lower_bound(m_arrivals.begin(), m_arrivals.end(), arrival);
+    return int(it - m_arrivals.begin()) + 1;
 }
 
 int BotElement::UserFind(const QString& name) const {
-    const QString wanted = plainLower(name);
-    if (!m_plainNames.contains(wanted)) return 0;
-    for (size_t i = 0; i < Users.size(); ++i) {
-        if (Users[i].UsernameFixed.compare(wanted, Qt::CaseInsensitive) == 0) return int(i) + 1;
-    }
-    return 0;
+    const auto entry = m_plainNames.constFind(plainLower(name));
+    return entry == m_plainNames.cend() ? 0 : positionOf(entry->first);
 }
 
 void BotElement::ClearChannels() {
@@ -113,33 +131,35 @@ namespace {
 
 constexpr qint64 kDelayedRunBudgetMs = 15;
 
-// A burst of leave, rejoin and talk inside the delay is spam to be dropped
-// unseen. Each due event counts once for every event of the same name, by its
-// own kind; the marks span one run over all users, as they always have. The
-// names are counted first, so a long list costs a pass, not a square.
+// A user who leaves, comes back and talks inside the delay is spamming, and the
+// list is thrown away unseen. The marks are kept for each user apart: in a busy
+// channel one user's leave, another's join and a third's talk inside the same
+// moment are no burst, and throwing them away would lose joins and leaves that
+// the user list needs.
 bool isLeaveRejoinTalk(const std::vector<DelayedEvent>& events, quint32 delay) {
-    QHash<QString, int> sameName;
-    for (size_t e = 1; e < events.size(); ++e)
-        ++sameName[events[e].Username.toLower()];
-    bool left = false;
-    bool rejoined = false;
-    int talk = 0;
+    struct Marks {
+        bool left = false;
+        bool rejoined = false;
+        bool talked = false;
+    };
+    QHash<QString, Marks> marks;
     for (size_t e = 1; e < events.size(); ++e) {
         if (TicksSince(events[e].EventTime) <= delay) continue;
+        Marks& m = marks[events[e].Username.toLower()];
         switch (events[e].EventID) {
         case 2:
-            if (left) rejoined = true;
+            if (m.left) m.rejoined = true;
             break;
         case 3:
-            left = true;
+            m.left = true;
             break;
         case 5:
-            talk += sameName.value(events[e].Username.toLower());
+            m.talked = true;
             break;
         default:
             break;
         }
-        if (left && rejoined && talk > 0) return true;
+        if (m.left && m.rejoined && m.talked) return true;
     }
     return false;
 }

@@ -59,7 +59,7 @@ public:
     qint32 HoveredItem = 0;
     QStringList Channels;
     // In order of arrival; changed only through userAdd, userDel and userClear,
-    // which keep the name counts below in step.
+    // which keep the index below in step.
     std::vector<UserElement> Users;
 
     // Users, 1-based positions as the rest of the program counts them.
@@ -106,12 +106,22 @@ public:
 
 private:
     void emptySlot();
-    void countUser(const UserElement& user, int change);
+    int positionOf(quint64 arrival) const;
 
-    // Users by lower-cased plain name and by the name as given, so that a
-    // look-up of someone absent and the duplicate test cost no walk.
-    QHash<QString, int> m_plainNames;
-    QHash<QString, int> m_givenNames;
+    // The index beside Users, so that a look-up by name costs a hash probe and
+    // a binary search rather than a walk of the channel. Each user has an
+    // arrival number, rising in the order of Users; a name leads to the
+    // arrival number of the first user who bears it, and the position follows
+    // from the sorted numbers. A leave shifts no entry of the index.
+    struct NameEntry {
+        quint64 first = 0; // arrival number of the first user of the name
+        int count = 0;     // users of the name
+    };
+    QHash<QString, NameEntry> m_plainNames; // by lower-cased plain name
+    QHash<QString, int> m_givenNames;       // users by lower-cased name as given
+    std::vector<quint64> m_arrivals;        // beside Users
+    std::vector<QString> m_plainKeys;       // beside Users
+    quint64 m_nextArrival = 0;
 
     std::vector<DelayedEvent> m_events;
     QString m_channel;

@@ -7,6 +7,7 @@
 #include "platform/TickCount.h"
 #include "presentation/ChatWriter.h"
 #include "presentation/TextFormat.h"
+#include "presentation/UserColors.h"
 #include "session/ConnectionWrapper.h"
 #include "session/MachineFacts.h"
 #include "session/PacketReader.h"
@@ -53,27 +54,62 @@ TimedEvents& TimedEvents::instance() {
 }
 
 TimedEvents::TimedEvents() {
-    const auto wire = [this](QTimer& timer, int ms, auto slot) {
-        timer.setInterval(ms);
-        connect(&timer, &QTimer::timeout, this, slot);
+    // The song to plug-ins (5, each second) and the count of users online from
+    // the web (9, each minute) join this table with the media player and the
+    // web services.
+    m_timers = {
+        {1, 500, [this] { statusTick(); }},       // status line, caption, connect button
+        {2, 100, &TimedEvents::sendTick},         // send queue, connection watchdog
+        {3, 60000, [this] { minuteTick(); }},     // queue clearing, idle messages
+        {4, 40000, &TimedEvents::keepAliveTick},  // empty packet on every connection
+        {6, 12000, &TimedEvents::voidTick},       // "/unignore" of oneself in The Void
+        {7, 10000, &TimedEvents::recolourTick},   // idle colours of the list on screen
+        {8, 50, [this] { delayedEventsTick(); }}, // chat events held back by the flood delay
     };
-    wire(m_status, 500, &TimedEvents::statusTick);
-    wire(m_sendStep, 100, &TimedEvents::sendTick);
-    wire(m_minute, 60000, &TimedEvents::minuteTick);
-    wire(m_keepAlive, 40000, &TimedEvents::keepAliveTick);
-    wire(m_void, 12000, &TimedEvents::voidTick);
-    wire(m_delayed, 50, &TimedEvents::delayedEventsTick);
+    m_heartbeat.setSingleShot(true);
+    m_heartbeat.setTimerType(Qt::PreciseTimer);
+    connect(&m_heartbeat, &QTimer::timeout, this, &TimedEvents::pulse);
 }
 
 void TimedEvents::start() {
-    for (QTimer* t : {&m_status, &m_sendStep, &m_minute, &m_keepAlive, &m_void, &m_delayed})
-        t->start();
+    const quint32 now = GetTickCount();
+    for (Timer& t : m_timers)
+        t.last = now;
+    m_running = true;
     statusTick();
+    scheduleHeartbeat();
 }
 
 void TimedEvents::stop() {
-    for (QTimer* t : {&m_status, &m_sendStep, &m_minute, &m_keepAlive, &m_void, &m_delayed})
-        t->stop();
+    m_running = false;
+    m_heartbeat.stop();
+}
+
+void TimedEvents::pulse() {
+    for (Timer& t : m_timers) {
+        const quint32 now = GetTickCount();
+        const quint32 elapsed = now - t.last;
+        if (elapsed > 0x7FFFFFFFu) {
+            t.last = now;
+            continue;
+        }
+        if (elapsed < t.period) continue;
+        t.last = now - elapsed % t.period;
+        t.routine();
+    }
+    if (m_running) scheduleHeartbeat();
+}
+
+void TimedEvents::scheduleHeartbeat() {
+    // Never sleeps past the finest period, so that a hand-driven clock is
+    // looked at often; never spins on a routine that is due at once.
+    const quint32 now = GetTickCount();
+    quint32 next = 50;
+    for (const Timer& t : m_timers) {
+        const quint32 elapsed = now - t.last;
+        next = std::min(next, elapsed >= t.period ? 1u : t.period - elapsed);
+    }
+    m_heartbeat.start(int(std::max(1u, next)));
 }
 
 void TimedEvents::statusTick() {
@@ -95,8 +131,7 @@ void TimedEvents::statusTick() {
         caption = programTitle() + QStringLiteral(" - Viewing disconnected profile [") +
                   Bots(index).Profile() + QStringLiteral("]");
     }
-    if (status == m_statusLine && caption == m_caption && connect == m_connectLabel)
-        return;
+    if (status == m_statusLine && caption == m_caption && connect == m_connectLabel) return;
     m_statusLine = status;
     m_caption = caption;
     m_connectLabel = connect;
@@ -106,8 +141,7 @@ void TimedEvents::statusTick() {
 void TimedEvents::sendTick() {
     SlotTable& table = SlotTable::instance();
     for (int i = 1; i <= table.highestIndex(); ++i) {
-        if (!isConnected(i))
-            continue;
+        if (!isConnected(i)) continue;
         if (Bots(i).IsLoaded && Bots(i).Online())
             sendqueue::SendStep(i);
         else
@@ -134,8 +168,7 @@ void TimedEvents::minuteTick() {
     if (++m_autoClearCount >= 30) {
         if (SettingsWrapper::instance().AutoCQ()) {
             for (int i = 1; i <= table.highestIndex(); ++i) {
-                if (Bots(i).Online())
-                    Bots(i).ClearQueue();
+                if (Bots(i).Online()) Bots(i).ClearQueue();
             }
         }
         m_autoClearCount = 0;
@@ -143,8 +176,7 @@ void TimedEvents::minuteTick() {
     for (int i = 1; i <= table.highestIndex(); ++i) {
         BotElement& bot = Bots(i);
         const qint32 idleTime = bot.Config.IdleTime();
-        if (!bot.Online() || !bot.IsLoaded || idleTime <= 0)
-            continue;
+        if (!bot.Online() || !bot.IsLoaded || idleTime <= 0) continue;
         ++bot.IdleCounter;
         const QString message = bot.Config.IdleMsg();
         if (bot.IdleCounter >= idleTime && !message.isEmpty()) {
@@ -165,8 +197,7 @@ void TimedEvents::keepAliveTick() {
 }
 
 void TimedEvents::voidTick() {
-    if (SettingsWrapper::instance().VoidView())
-        return;
+    if (SettingsWrapper::instance().VoidView()) return;
     SlotTable& table = SlotTable::instance();
     for (int i = 1; i <= table.highestIndex(); ++i) {
         BotElement& bot = Bots(i);
@@ -180,6 +211,13 @@ void TimedEvents::voidTick() {
     }
 }
 
+void TimedEvents::recolourTick() {
+    // Idle colours change with time alone; only the list on screen is kept up.
+    const int index = SlotTable::instance().CurrentIndex();
+    if (index == 0 || !Bots(index).Online() || Bots(index).Users.empty()) return;
+    RecolorUserList(index);
+}
+
 void TimedEvents::delayedEventsTick() {
     SlotTable& table = SlotTable::instance();
     for (int i = 1; i <= table.highestIndex(); ++i) {
@@ -188,8 +226,7 @@ void TimedEvents::delayedEventsTick() {
             m_pendingError.clear();
         }
         BotElement& bot = Bots(i);
-        if (!bot.Online() || bot.DelayCount() == 0)
-            continue;
+        if (!bot.Online() || bot.DelayCount() == 0) continue;
         try {
             bot.ShowDelayedEvent(i);
         } catch (const PacketReadError& e) {

@@ -3,16 +3,33 @@
 #include <QObject>
 #include <QString>
 #include <QTimer>
+#include <functional>
+#include <vector>
 
 // The periodic work of the program. None of the timers is per slot: each
-// callback walks the slots, which keep running whichever one is on screen.
+// routine walks the slots, which keep running whichever one is on screen.
+// Periods are measured on the tick counter, so a test that drives the clock by
+// hand drives every timer with it; one heartbeat wakes the loop when the next
+// routine is due.
 class TimedEvents : public QObject {
     Q_OBJECT
 public:
+    struct Timer {
+        int number;     // as the rest of the program names them
+        quint32 period; // ms
+        std::function<void()> routine;
+        quint32 last = 0; // tick of the period's start
+    };
+
     static TimedEvents& instance();
     void start();
     void stop();
-    bool isRunning() const { return m_sendStep.isActive(); }
+    bool isRunning() const { return m_running; }
+
+    // Runs each routine whose period has passed, in the order of the timers'
+    // numbers. A stall runs a routine once, not once for each period missed;
+    // a clock set back starts every period afresh.
+    void pulse();
 
     // The text under the chat and the window's caption for the slot on
     // screen, as the window shows them.
@@ -20,12 +37,13 @@ public:
     const QString& Caption() const { return m_caption; }
     const QString& ConnectLabel() const { return m_connectLabel; }
 
-    // The callbacks, public so that tests can drive them with a hand clock.
+    // The routines, public so that tests can run one alone.
     void statusTick();
     static void sendTick();
     void minuteTick();
     static void keepAliveTick();
     static void voidTick();
+    static void recolourTick();
     void delayedEventsTick();
 
     // An idle message with its $ tokens filled in for a slot.
@@ -36,12 +54,11 @@ Q_SIGNALS:
 
 private:
     TimedEvents();
-    QTimer m_status;     // 500 ms
-    QTimer m_sendStep;   // 100 ms
-    QTimer m_minute;     // 60 s
-    QTimer m_keepAlive;  // 40 s
-    QTimer m_void;       // 12 s
-    QTimer m_delayed;    // 50 ms
+    void scheduleHeartbeat();
+
+    std::vector<Timer> m_timers;
+    QTimer m_heartbeat;
+    bool m_running = false;
     int m_autoClearCount = 0;
     QString m_statusLine;
     QString m_caption;

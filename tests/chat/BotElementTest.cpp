@@ -2,6 +2,9 @@
 #include "platform/ChatDocument.h"
 #include "platform/ListModel.h"
 #include "session/LogonRecord.h"
+#include "statistics/UserNames.h"
+
+#include <random>
 
 class BotElementTest : public SlotFixture {
 protected:
@@ -20,6 +23,41 @@ TEST_F(BotElementTest, UserFindIgnoresCaseAndTheCharacterPartOfRealmNames) {
     EXPECT_EQ(bot().UserFind("Hero*someone"), 1);
     EXPECT_EQ(bot().UserFind("*other"), 2);
     EXPECT_EQ(bot().UserFind("nobody"), 0);
+}
+
+TEST_F(BotElementTest, LookUpsAgreeWithAWalkOfTheChannelThroughEveryChange) {
+    // Names that share a plain form (characters of one account, case) and
+    // names that don't, added and removed at random.
+    std::mt19937 rng(3);
+    const QStringList pool{"alice", "Bob", "Hero*carol", "Mage*carol", "*carol", "DAVE",
+                           "dave",  "eve", "Rogue*eve",  "frank",      "Grace",  "heidi"};
+    const auto walk = [&](const QString& name) {
+        const QString wanted = ConvertUsername(name, false, -1).toLower();
+        for (size_t i = 0; i < bot().Users.size(); ++i)
+            if (ConvertUsername(bot().Users[i].Username(), false, -1).toLower() == wanted)
+                return int(i) + 1;
+        return 0;
+    };
+    for (int step = 0; step < 3000; ++step) {
+        const QString name = pool[int(rng() % pool.size())];
+        switch (rng() % 5) {
+        case 0:
+        case 1:
+            bot().userAdd(name, 0, 0, {}, 0);
+            break;
+        case 2:
+            bot().userDel(name);
+            break;
+        case 3:
+            if (rng() % 20 == 0) bot().userClear();
+            break;
+        default:
+            break;
+        }
+        for (const QString& wanted : pool)
+            ASSERT_EQ(bot().UserFind(wanted), walk(wanted))
+                << wanted.toStdString() << " at step " << step;
+    }
 }
 
 TEST_F(BotElementTest, AddingAUserTwiceKeepsTheFirst) {

@@ -130,3 +130,32 @@ TEST_F(ChatEventsTest, DelayedEventsWaitThenShowOrArePurged) {
     EXPECT_FALSE(chat().contains(QStringLiteral("bystander")));
     EXPECT_EQ(lvUsers(slot).count(), 1); // the leave was never shown either
 }
+
+TEST_F(ChatEventsTest, ABusyMomentOfDifferentUsersIsNoPurge) {
+    tickcount::ManualClock clock(100000);
+    SettingsWrapper::instance().setFloodMode(1000);
+    for (const char* name : {"leaver", "talker"})
+        event(1, QString::fromLatin1(name), QStringLiteral("RATS 0"));
+    clock.advance(1100);
+    Bots(slot).ShowDelayedEvent(slot);
+    ASSERT_EQ(lvUsers(slot).count(), 2);
+
+    // One leaves, another joins, a third talks, all at once: each is shown.
+    event(3, QStringLiteral("leaver"));
+    event(2, QStringLiteral("joiner"), QStringLiteral("RATS 0"));
+    event(5, QStringLiteral("talker"), QStringLiteral("just chatting"));
+    clock.advance(1100);
+    Bots(slot).ShowDelayedEvent(slot);
+    EXPECT_EQ(Bots(slot).DelayCount(), 0);
+    EXPECT_TRUE(chat().contains(QStringLiteral("just chatting")));
+    EXPECT_EQ(listNames(), (QStringList{"talker", "joiner"}));
+
+    // A talk before the leave and rejoin still makes a burst of one user.
+    event(5, QStringLiteral("joiner"), QStringLiteral("first words"));
+    event(3, QStringLiteral("joiner"));
+    event(2, QStringLiteral("Joiner"), QStringLiteral("RATS 0"));
+    clock.advance(1100);
+    Bots(slot).ShowDelayedEvent(slot);
+    EXPECT_EQ(Bots(slot).DelayCount(), 0);
+    EXPECT_FALSE(chat().contains(QStringLiteral("first words")));
+}

@@ -34,6 +34,19 @@ bool SandboxProcess::start(const QStringList& options) {
     return true;
 }
 
+QStringList SandboxProcess::control(const QStringList& lines, int ms) {
+    m_process.write((lines.join(u'\n') + u'\n').toUtf8());
+    QStringList answers;
+    waitFor(
+        [&] {
+            while (m_process.canReadLine())
+                answers << QString::fromUtf8(m_process.readLine()).trimmed();
+            return answers.size() >= lines.size();
+        },
+        ms);
+    return answers;
+}
+
 bool waitFor(const std::function<bool()>& done, int ms) {
     QElapsedTimer clock;
     clock.start();

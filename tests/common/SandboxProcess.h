@@ -2,6 +2,7 @@
 
 #include <QProcess>
 #include <QStringList>
+#include <functional>
 
 // The local test server in a child process, on ports the system picks.
 class SandboxProcess {
@@ -10,6 +11,11 @@ public:
     // Starts the sandbox with `options` and reads the two ports it prints.
     bool start(const QStringList& options = {});
     static QString binary();
+    // Control lines for a sandbox started with --control: all are written at
+    // once, so the sandbox carries them out together, and their answers come
+    // back in order while the event loop runs. Fewer answers when time ran out.
+    QStringList control(const QStringList& lines, int ms = 10000);
+    QString control(const QString& line) { return control(QStringList{line}).value(0); }
 
     int bncsPort = 0;
     int bnlsPort = 0;

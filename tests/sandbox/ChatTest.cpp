@@ -1,9 +1,12 @@
 #include "SandboxHarness.h"
+#include "sandbox/ControlChannel.h"
 #include "sandbox/EventScript.h"
 #include "sandbox/ResidentCrowd.h"
 
+#include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
+#include <QTest>
 #include <gtest/gtest.h>
 
 using namespace sandboxtest;
@@ -289,6 +292,55 @@ TEST(SandboxChat, ScriptPlaysServerEvents) {
     EXPECT_TRUE(anna.nextEvent(textOf(6, "global notice")));
     EXPECT_TRUE(anna.nextEvent(eventOf(3, "Ghost")));
     EXPECT_TRUE(script.finished());
+}
+
+TEST(SandboxChat, ControlLinesDriveUsersAndTellWhoIsInAChannel) {
+    Server server;
+    sandbox::ChatHub& hub = server.context().hub;
+    sandbox::EventScript script(hub);
+    sandbox::ResidentCrowd crowd(hub, 3, 1000, "Sandbox", 5);
+    sandbox::ControlChannel control(hub, script, crowd);
+    Client anna(server.bncsPort());
+    ASSERT_EQ(logOn(server, anna, "STAR", "anna", "pw"), "anna");
+    anna.join("Room");
+    ASSERT_TRUE(anna.nextEvent(eventOf(1, "anna")));
+
+    EXPECT_EQ(control.answer("user Ghost W3XP"), "ok");
+    EXPECT_EQ(control.answer("join Ghost Room"), "ok");
+    EXPECT_TRUE(anna.nextEvent(eventOf(2, "Ghost")));
+    EXPECT_EQ(control.answer("members Room"), "members 2 anna:2 Ghost:0");
+    EXPECT_EQ(control.answer("flags Ghost 0x12"), "ok");
+    EXPECT_EQ(anna.nextEvent(eventOf(9, "Ghost"))->flags, 0x12u);
+    EXPECT_EQ(control.answer("  members   room "), "members 2 anna:2 Ghost:18");
+    EXPECT_EQ(control.answer("whisper Ghost anna psst"), "ok");
+    EXPECT_TRUE(anna.nextEvent(textOf(4, "psst")));
+    EXPECT_EQ(control.answer("leave Ghost"), "ok");
+    EXPECT_TRUE(anna.nextEvent(eventOf(3, "Ghost")));
+    EXPECT_EQ(control.answer("members Room"), "members 1 anna:2");
+    EXPECT_EQ(control.answer("members Nowhere"), "members 0");
+
+    // Mistakes are answered, never carried out halfway.
+    EXPECT_EQ(control.answer("talk Nobody hello"), "error: Nobody is not in chat");
+    EXPECT_EQ(control.answer("wait 10"), "error: wait belongs in a script");
+    EXPECT_EQ(control.answer("flags anna lots"), "error: flags NAME FLAGS");
+    EXPECT_EQ(control.answer("frobnicate"), "error: unknown command frobnicate");
+    EXPECT_EQ(control.answer("members"), "error: members CHANNEL");
+    EXPECT_EQ(control.answer("residents nap"), "error: residents pause or residents resume");
+
+    // A paused crowd does nothing of its own accord, and makes nothing up when it resumes.
+    crowd.start();
+    EXPECT_EQ(control.answer("members Sandbox").section(' ', 0, 1), "members 3");
+    EXPECT_EQ(control.answer("residents pause"), "ok");
+    const quint64 before = crowd.actions();
+    QTest::qWait(100);
+    EXPECT_EQ(crowd.actions(), before);
+    QElapsedTimer sinceResume;
+    sinceResume.start();
+    EXPECT_EQ(control.answer("residents resume"), "ok");
+    QTest::qWait(50);
+    const quint64 done = crowd.actions() - before;
+    EXPECT_GT(done, 0u);
+    EXPECT_LE(done, quint64(sinceResume.elapsed()) + 5); // what came due since, at one a ms
 }
 
 TEST(SandboxChat, TraceShowsTheLogonInWireOrder) {

@@ -68,6 +68,26 @@ TEST(SandboxProgram, AnnouncesItsPortsAndKeepsAccountsInItsFile) {
     EXPECT_EQ(logOnTo(again, d, "newcomer", "secret"), "newcomer");
 }
 
+TEST(SandboxProgram, AnswersControlLinesAndEndsWithItsInput) {
+    Running r({"--control"});
+    ASSERT_TRUE(r.bncs && r.bnls) << r.process.readAllStandardError().toStdString();
+    // Lines sent together are answered in their order, one line each.
+    r.process.write("user Ghost\njoin Ghost Room\n\nmembers Room\ntalk Nobody hi\n");
+    QStringList answers;
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] {
+            while (r.process.canReadLine())
+                answers << QString::fromUtf8(r.process.readLine()).trimmed();
+            return answers.size() >= 4;
+        },
+        10000));
+    EXPECT_EQ(answers,
+              (QStringList{"ok", "ok", "members 1 Ghost:2", "error: Nobody is not in chat"}));
+    r.process.closeWriteChannel();
+    EXPECT_TRUE(r.process.waitForFinished(10000));
+    EXPECT_EQ(r.process.exitCode(), 0);
+}
+
 TEST(SandboxProgram, RefusesBadOptionsAndUnreadableFiles) {
     QProcess p;
     p.start(kProgram, {"--residents", "many"});

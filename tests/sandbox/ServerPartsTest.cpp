@@ -117,6 +117,8 @@ TEST(SandboxOptions, ParsesEveryOptionAndRefusesNonsense) {
     EXPECT_EQ(o->hashFiles.size(), 3);
     EXPECT_TRUE(o->trace && o->exclusiveKeys);
     EXPECT_FALSE(SandboxOptions::parse({"--flood", "off"}, error)->flood.enabled);
+    EXPECT_FALSE(o->control);
+    EXPECT_TRUE(SandboxOptions::parse({"--control"}, error)->control);
 
     for (const QStringList& bad : {QStringList{"--bncs-port", "70000"},
                                    {"--hash-files", "a,b"},

@@ -115,52 +115,76 @@ bool EventScript::loadFile(const QString& path, QString& error) {
     return load(QString::fromUtf8(file.readAll()), error);
 }
 
+bool EventScript::parse(const QString& text, int lineNumber, Line& line, QString& error) {
+    QString rest = text.trimmed();
+    const auto fail = [&](const QString& why) {
+        error = why;
+        return false;
+    };
+    line.number = lineNumber;
+    const QString command = takeWords(rest, 1).value(0).toLower();
+    const auto shape = shapes().find(command);
+    if (shape == shapes().end()) return fail(QStringLiteral("unknown command %1").arg(command));
+    line.words = QStringList{command} + takeWords(rest, shape->second.most);
+    line.rest = rest;
+    const int given = int(line.words.size()) - 1;
+    if (given < shape->second.least)
+        return fail(QStringLiteral("%1 needs more words").arg(command));
+    if (shape->second.text == Text::Required && line.rest.isEmpty())
+        return fail(QStringLiteral("%1 needs a text").arg(command));
+    if (shape->second.text == Text::None && !line.rest.isEmpty())
+        return fail(QStringLiteral("too many words for %1").arg(command));
+    const QStringList& w = line.words;
+    if (command == QLatin1String("wait") && !isNumber(w[1]))
+        return fail(QStringLiteral("wait takes milliseconds"));
+    if (command == QLatin1String("waitfor") && !((w[1] == QLatin1String("online") && given <= 2) ||
+                                                 (w[1] == QLatin1String("channel") && given >= 2)))
+        return fail(QStringLiteral("waitfor online [NAME] or waitfor channel CHANNEL [NAME]"));
+    if (command == QLatin1String("user") &&
+        ((given >= 2 && !findProduct(w[2])) || (given >= 3 && !isNumber(w[3])) ||
+         (given >= 4 && !isNumber(w[4]))))
+        return fail(QStringLiteral("user NAME [PRODUCT] [FLAGS] [PING]"));
+    if (command == QLatin1String("flags") && !isNumber(w[2]))
+        return fail(QStringLiteral("flags NAME FLAGS"));
+    if (command == QLatin1String("event") &&
+        (!isNumber(w[2]) || !isNumber(w[3]) || !isNumber(w[4])))
+        return fail(QStringLiteral("event TARGET ID FLAGS PING NAME [TEXT]"));
+    if (command == QLatin1String("frame") &&
+        (!isNumber(w[2]) || number(w[2]) > 0xFF || !isHex(line.rest)))
+        return fail(QStringLiteral("frame TARGET ID HEX"));
+    return true;
+}
+
 bool EventScript::load(const QString& text, QString& error) {
     m_lines.clear();
     const QStringList lines = text.split(QLatin1Char('\n'));
     for (int i = 0; i < lines.size(); ++i) {
-        QString rest = lines[i].trimmed();
-        if (rest.isEmpty() || rest.startsWith(QLatin1Char('#'))) continue;
-        const auto fail = [&](const QString& why) {
-            error = QStringLiteral("line %1: %2").arg(i + 1).arg(why);
-            return false;
-        };
+        const QString trimmed = lines[i].trimmed();
+        if (trimmed.isEmpty() || trimmed.startsWith(QLatin1Char('#'))) continue;
         Line line;
-        line.number = i + 1;
-        const QString command = takeWords(rest, 1).value(0).toLower();
-        const auto shape = shapes().find(command);
-        if (shape == shapes().end()) return fail(QStringLiteral("unknown command %1").arg(command));
-        line.words = QStringList{command} + takeWords(rest, shape->second.most);
-        line.rest = rest;
-        const int given = int(line.words.size()) - 1;
-        if (given < shape->second.least)
-            return fail(QStringLiteral("%1 needs more words").arg(command));
-        if (shape->second.text == Text::Required && line.rest.isEmpty())
-            return fail(QStringLiteral("%1 needs a text").arg(command));
-        if (shape->second.text == Text::None && !line.rest.isEmpty())
-            return fail(QStringLiteral("too many words for %1").arg(command));
-        const QStringList& w = line.words;
-        if (command == QLatin1String("wait") && !isNumber(w[1]))
-            return fail(QStringLiteral("wait takes milliseconds"));
-        if (command == QLatin1String("waitfor") &&
-            !((w[1] == QLatin1String("online") && given <= 2) ||
-              (w[1] == QLatin1String("channel") && given >= 2)))
-            return fail(QStringLiteral("waitfor online [NAME] or waitfor channel CHANNEL [NAME]"));
-        if (command == QLatin1String("user") &&
-            ((given >= 2 && !findProduct(w[2])) || (given >= 3 && !isNumber(w[3])) ||
-             (given >= 4 && !isNumber(w[4]))))
-            return fail(QStringLiteral("user NAME [PRODUCT] [FLAGS] [PING]"));
-        if (command == QLatin1String("flags") && !isNumber(w[2]))
-            return fail(QStringLiteral("flags NAME FLAGS"));
-        if (command == QLatin1String("event") &&
-            (!isNumber(w[2]) || !isNumber(w[3]) || !isNumber(w[4])))
-            return fail(QStringLiteral("event TARGET ID FLAGS PING NAME [TEXT]"));
-        if (command == QLatin1String("frame") &&
-            (!isNumber(w[2]) || number(w[2]) > 0xFF || !isHex(line.rest)))
-            return fail(QStringLiteral("frame TARGET ID HEX"));
+        if (!parse(trimmed, i + 1, line, error)) {
+            error = QStringLiteral("line %1: %2").arg(i + 1).arg(error);
+            return false;
+        }
         m_lines.append(line);
     }
     return true;
+}
+
+bool EventScript::runNow(const QString& text, QString& error) {
+    Line line;
+    if (!parse(text, 1, line, error)) return false;
+    if (line.words[0].startsWith(QLatin1String("wait"))) {
+        error = QStringLiteral("%1 belongs in a script").arg(line.words[0]);
+        return false;
+    }
+    // What the line could not do comes back as the error instead of a problem signal.
+    QString problem;
+    m_problem = &problem;
+    run(line);
+    m_problem = nullptr;
+    error = problem;
+    return problem.isEmpty();
 }
 
 void EventScript::play() {
@@ -278,6 +302,10 @@ QList<ChatUser*> EventScript::targets(const QString& name) const {
 }
 
 void EventScript::report(const Line& line, const QString& text) {
+    if (m_problem) {
+        *m_problem = text;
+        return;
+    }
     Q_EMIT problem(QStringLiteral("script line %1: %2").arg(line.number).arg(text));
 }
 

@@ -25,6 +25,9 @@ public:
     bool load(const QString& text, QString& error);
     bool loadFile(const QString& path, QString& error);
     void play();
+    // Carries out one command now, beside whatever the script is doing; `wait` and `waitfor`
+    // have no meaning here. False, and why, when the line is wrong or could not be done.
+    bool runNow(const QString& line, QString& error);
     bool finished() const { return m_next >= m_lines.size() && !m_waiting; }
 
 Q_SIGNALS:
@@ -39,6 +42,7 @@ private:
         QString rest;      // the text after them
     };
 
+    static bool parse(const QString& text, int lineNumber, Line& line, QString& error);
     void step();
     void run(const Line& line);
     bool conditionHolds(const Line& line) const;
@@ -52,6 +56,7 @@ private:
     bool m_waiting = false;
     QTimer m_timer;
     std::map<QString, std::unique_ptr<Resident>> m_users; // scripted users by lower-case name
+    QString* m_problem = nullptr;                         // where runNow collects what went wrong
 };
 
 } // namespace sandbox

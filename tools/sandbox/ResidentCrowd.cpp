@@ -140,15 +140,29 @@ void ResidentCrowd::start() {
     for (auto& r : m_residents)
         comeBack(*r);
     m_clock.start();
-    m_timer.start();
+    if (!m_paused) m_timer.start();
 }
 
 void ResidentCrowd::tick() {
     // Catch up with the rate, whatever the timer's grain; a long stall is not made good.
-    const qint64 due = qint64(double(m_clock.elapsed()) * m_rate / 1000.0) - qint64(m_actions);
+    const qint64 due = qint64(double(m_clock.elapsed()) * m_rate / 1000.0) - qint64(m_actions) -
+                       qint64(m_skipped);
     for (qint64 i = 0; i < std::min<qint64>(due, 2000); ++i)
         act();
-    if (due > 2000) m_actions += quint64(due - 2000);
+    if (due > 2000) m_skipped += quint64(due - 2000);
+}
+
+void ResidentCrowd::pause() {
+    m_paused = true;
+    m_timer.stop();
+}
+
+void ResidentCrowd::resume() {
+    if (!m_paused) return;
+    m_paused = false;
+    if (!m_clock.isValid()) return;
+    m_skipped = quint64(double(m_clock.elapsed()) * m_rate / 1000.0) - m_actions;
+    m_timer.start();
 }
 
 void ResidentCrowd::comeBack(Resident& r) {

@@ -31,6 +31,11 @@ public:
     quint64 actions() const { return m_actions; }
     // One action, now; the timer calls it `rate` times a second.
     void act();
+    // Stops and restarts the actions; a paused crowd still answers whispers. Nothing missed
+    // while paused is made up afterwards.
+    void pause();
+    void resume();
+    bool paused() const { return m_paused; }
 
 private:
     void tick();
@@ -47,6 +52,8 @@ private:
     QTimer m_timer;
     QElapsedTimer m_clock;
     quint64 m_actions = 0;
+    quint64 m_skipped = 0; // actions that came due in a stall or a pause and were let go
+    bool m_paused = false;
     QHash<QString, qint64> m_lastAnswer; // resident and sender to when it last answered
 };
 

@@ -64,6 +64,8 @@ QString SandboxOptions::usage() {
         "  --resident-channel NAME  where they gather (Sandbox)\n"
         "  --channel-limit N        users a channel holds (0: no limit)\n"
         "  --script FILE            play a scripted sequence of server events\n"
+        "  --control                take commands on standard input, one answer line each;\n"
+        "                           the server ends when the input closes\n"
         "  --trace                  log every frame in and out to standard error\n"
         "  --trace-file FILE        ... or to FILE\n"
         "  --seed N                 fix the residents' choices\n"
@@ -121,11 +123,9 @@ std::optional<SandboxOptions> SandboxOptions::parse(const QStringList& arguments
          }},
     };
     const std::map<QString, bool*> switches{
-        {"--bnls-fail", &o.bnlsFail},
-        {"--exclusive-keys", &o.exclusiveKeys},
-        {"--trace", &o.trace},
-        {"--help", &o.help},
-        {"-h", &o.help},
+        {"--bnls-fail", &o.bnlsFail}, {"--exclusive-keys", &o.exclusiveKeys},
+        {"--trace", &o.trace},        {"--control", &o.control},
+        {"--help", &o.help},          {"-h", &o.help},
     };
 
     for (int i = 0; i < arguments.size(); ++i) {

@@ -40,6 +40,7 @@ struct SandboxOptions {
     QString residentChannel = QStringLiteral("Sandbox");
     int channelLimit = 0; // users a channel holds; 0 is no limit
     QString scriptFile;
+    bool control = false; // commands and questions on standard input, answers on standard output
     bool trace = false;
     QString traceFile; // empty: standard error
     quint32 seed = 0;  // residents' choices; 0 picks one

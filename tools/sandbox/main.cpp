@@ -1,3 +1,4 @@
+#include "sandbox/ControlChannel.h"
 #include "sandbox/EventScript.h"
 #include "sandbox/ResidentCrowd.h"
 #include "sandbox/SandboxContext.h"
@@ -5,6 +6,7 @@
 
 #include <QCoreApplication>
 #include <cstdio>
+#include <unistd.h>
 
 using namespace sandbox;
 
@@ -49,6 +51,11 @@ int main(int argc, char** argv) {
     ResidentCrowd crowd(context->hub, options->residents, options->residentRate,
                         options->residentChannel, options->seed);
     if (options->residents > 0) crowd.start();
+    ControlChannel control(context->hub, script, crowd);
+    if (options->control) {
+        QObject::connect(&control, &ControlChannel::closed, &app, &QCoreApplication::quit);
+        control.listen(STDIN_FILENO);
+    }
     script.play();
     return app.exec();
 }

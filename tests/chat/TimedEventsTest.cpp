@@ -1,0 +1,171 @@
+// The timers run on the tick counter, so a hand-driven clock drives them all:
+// each routine comes at its period, across the counter's wrap, and does its
+// work on the slots it is meant for.
+#include "chat/TimedEvents.h"
+
+#include "common/ChatFixture.h"
+#include "config/SettingsWrapper.h"
+#include "platform/ChatDocument.h"
+#include "platform/ListModel.h"
+#include "platform/TickCount.h"
+#include "presentation/Theme.h"
+#include "session/PacketReader.h"
+
+namespace {
+
+class TimedEventsTest : public ChatFixture {
+protected:
+    void SetUp() override {
+        ChatFixture::SetUp();
+        SettingsWrapper& settings = SettingsWrapper::instance();
+        settings.setFloodMode(0);
+        settings.setVoidView(false);
+        settings.setAutoCQ(false);
+        slot = loadConnected(QStringLiteral("timed"));
+        BotElement& bot = Bots(slot);
+        bot.setOnline(true);
+        bot.UniqueAccount = QStringLiteral("Timed");
+        bot.Config.setIdleTime(0);
+    }
+    void TearDown() override { TimedEvents::instance().stop(); }
+
+    void startTimers() {
+        start = clock.now();
+        TimedEvents::instance().start();
+    }
+    // Moves the clock on to `at` ms after the start in steps of the finest
+    // timer, letting the timers look at it after each.
+    void runTo(quint32 at) {
+        while (quint32(clock.now() - start) < at) {
+            clock.advance(std::min<quint32>(50, at - quint32(clock.now() - start)));
+            TimedEvents::instance().pulse();
+            noteSent();
+        }
+    }
+    void event(quint32 id, const QString& user, const QString& text = {}, quint32 flags = 0) {
+        wsBNET(slot).simulateData(chatEventFrame(id, flags, 20, user, text));
+    }
+    // What left the socket since the last look, by time after the start.
+    void noteSent() {
+        QList<QByteArray>& sent = wsBNET(slot).sent;
+        for (const QByteArray& frame : sent) {
+            PacketReader r;
+            r.HandleBuffer(frame);
+            const quint8 id = r.ReadBYTE(2);
+            r.Skip(4);
+            const quint32 at = clock.now() - start;
+            if (id == 0x00)
+                keepAlives.push_back(at);
+            else if (id == 0x0E)
+                lines.push_back({at, r.ReadSTRING()});
+        }
+        sent.clear();
+    }
+    quint32 colorOf(const QString& user) {
+        const ListModel& list = lvUsers(slot);
+        for (int i = 1; i <= list.count(); ++i)
+            if (list.item(i).tag == user) return list.item(i).color;
+        return 0;
+    }
+
+    // Just before the counter wraps, so that every period crosses it.
+    tickcount::ManualClock clock{0xFFFFFFFFu - 30000};
+    quint32 start = 0;
+    int slot = 0;
+    std::vector<quint32> keepAlives;
+    std::vector<std::pair<quint32, QString>> lines;
+};
+
+} // namespace
+
+TEST_F(TimedEventsTest, EachRoutineComesAtItsPeriodAcrossTheCountersWrap) {
+    BotElement& bot = Bots(slot);
+    bot.setChannel(QStringLiteral("The Void"));
+    bot.Config.setIdleTime(1);
+    bot.Config.setIdleMsg(QStringLiteral("idle in $ch"));
+    startTimers();
+    runTo(120100);
+
+    EXPECT_EQ(keepAlives, (std::vector<quint32>{40000, 80000, 120000}));
+    std::vector<quint32> unignores;
+    std::vector<quint32> idles;
+    for (const auto& [at, text] : lines) {
+        if (text == QLatin1String("/unignore Timed")) unignores.push_back(at);
+        if (text == QLatin1String("idle in The Void")) idles.push_back(at);
+    }
+    // Each line leaves on the send step after it was queued, unless the line
+    // before holds it back: the idle message goes first at the full minute.
+    EXPECT_EQ(idles, (std::vector<quint32>{60100, 120100}));
+    ASSERT_EQ(unignores.size(), 9u);
+    EXPECT_EQ(unignores[0], 12100u);
+    EXPECT_EQ(unignores[3], 48100u);
+    EXPECT_GT(unignores[4], 60100u + 2000u); // behind the idle line's wait
+    EXPECT_EQ(unignores[5], 72100u);
+
+    // Outside The Void the twelve-second routine has nothing to say.
+    runTo(125000);
+    bot.setChannel(QStringLiteral("Lobby"));
+    lines.clear();
+    runTo(185000);
+    ASSERT_EQ(lines.size(), 1u);
+    EXPECT_EQ(lines[0].second, QStringLiteral("idle in Lobby"));
+}
+
+TEST_F(TimedEventsTest, AStallRunsARoutineOnceAndAClockSetBackStartsAfresh) {
+    Bots(slot).Config.setIdleTime(100);
+    startTimers();
+    clock.advance(5 * 60000 + 30000);
+    TimedEvents::instance().pulse();
+    EXPECT_EQ(Bots(slot).IdleCounter, 1);
+    // The phase holds: the next minute is due at the six-minute mark.
+    runTo(5 * 60000 + 59950);
+    EXPECT_EQ(Bots(slot).IdleCounter, 1);
+    runTo(6 * 60000);
+    EXPECT_EQ(Bots(slot).IdleCounter, 2);
+
+    clock.set(clock.now() - 3600000);
+    start = clock.now();
+    TimedEvents::instance().pulse();
+    EXPECT_EQ(Bots(slot).IdleCounter, 2);
+    keepAlives.clear();
+    runTo(40000);
+    EXPECT_EQ(keepAlives, std::vector<quint32>{40000});
+    EXPECT_EQ(Bots(slot).IdleCounter, 2);
+    runTo(60000);
+    EXPECT_EQ(Bots(slot).IdleCounter, 3);
+}
+
+TEST_F(TimedEventsTest, HeldEventsShowWithinTheDelayTimersGrain) {
+    SettingsWrapper::instance().setFloodMode(1000);
+    startTimers();
+    runTo(20);
+    event(5, QStringLiteral("someone"), QStringLiteral("held back"));
+    runTo(1020);
+    EXPECT_FALSE(rtbChat(slot).text().contains(QStringLiteral("held back")));
+    runTo(1070);
+    EXPECT_TRUE(rtbChat(slot).text().contains(QStringLiteral("held back")));
+}
+
+TEST_F(TimedEventsTest, QuietUsersTakeTheIdleColourWithinTenSecondsOnScreenOnly) {
+    const int other = loadConnected(QStringLiteral("elsewhere"));
+    Bots(other).setOnline(true);
+    SlotTable::instance().SelectBot(slot);
+    startTimers();
+    runTo(3000);
+    event(1, QStringLiteral("quiet"), QStringLiteral("RATS 0"));
+    event(1, QStringLiteral("chatty"), QStringLiteral("RATS 0"));
+    wsBNET(other).simulateData(chatEventFrame(1, 0, 20, QStringLiteral("quiet"), "RATS 0"));
+    const ThemeRecord& theme = CurrentTheme();
+    EXPECT_EQ(colorOf(QStringLiteral("quiet")), theme.userList.Normal);
+    runTo(300000);
+    event(5, QStringLiteral("chatty"), QStringLiteral("still here"));
+
+    runTo(3000 + 600000 - 50);
+    EXPECT_EQ(colorOf(QStringLiteral("quiet")), theme.userList.Normal);
+    runTo(3000 + 600000 + 10000);
+    EXPECT_EQ(colorOf(QStringLiteral("quiet")), theme.userList.Idle_10min);
+    EXPECT_EQ(colorOf(QStringLiteral("chatty")), theme.userList.Normal);
+    const ListModel& hidden = lvUsers(other);
+    ASSERT_EQ(hidden.count(), 1);
+    EXPECT_EQ(hidden.item(1).color, theme.userList.Normal);
+}

@@ -1,0 +1,304 @@
+// The chat engine against the sandbox and its residents: the user list stays
+// the channel's through everything the channel does, whispers go both ways, a
+// spammer's burst vanishes unseen, and the idle message keeps its minute on
+// the bot's own clock.
+#include "chat/TimedEvents.h"
+#include "common/SandboxProcess.h"
+#include "common/SlotFixture.h"
+#include "config/SettingsWrapper.h"
+#include "platform/ChatDocument.h"
+#include "platform/ListModel.h"
+#include "platform/TickCount.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtEndian>
+#include <algorithm>
+#include <map>
+
+namespace {
+
+class ChatEndToEnd : public SlotFixture {
+protected:
+    void SetUp() override {
+        SlotFixture::SetUp();
+        SettingsWrapper& settings = SettingsWrapper::instance();
+        settings.setLocalHashing(false);
+        settings.setFloodMode(1000); // every event takes the delayed road
+        settings.setWhisperPanel(false);
+        TimedEvents::instance().start();
+    }
+    void TearDown() override { TimedEvents::instance().stop(); }
+
+    bool startSandbox(QStringList options) {
+        options << QStringLiteral("--control") << QStringLiteral("--trace-file") << tracePath();
+        return sandbox.start(options);
+    }
+    QString tracePath() const { return traceDir.filePath(QStringLiteral("trace.log")); }
+
+    // A profile on the sandbox whose home is `channel`; not yet connected.
+    int load(const QString& account, const QString& channel) {
+        const int i = SlotTable::instance().LoadProfile(account);
+        ConfigWrapper& c = Bots(i).Config;
+        c.setAccount(account);
+        c.setPassword(QStringLiteral("secret"));
+        c.setClient(QStringLiteral("STAR"));
+        c.setVerbyte(QStringLiteral("d3"));
+        c.setCdkey(QStringLiteral("7178075237576"));
+        c.setServer(sandbox.bncsServer());
+        c.setServerBNLS(sandbox.bnlsServer());
+        c.setChannel(channel);
+        return i;
+    }
+
+    // The bot's users as "name:flags", in their order of arrival.
+    static QStringList botUsers(int i) {
+        QStringList out;
+        for (const UserElement& u : Bots(i).Users)
+            out << u.UsernameFixed.toLower() + u':' + QString::number(u.Flags);
+        return out;
+    }
+    // The same of the sandbox's channel.
+    QStringList members(const QString& channel) {
+        QStringList words = sandbox.control(QStringLiteral("members ") + channel).split(u' ');
+        words = words.mid(2);
+        for (QString& w : words)
+            w = w.toLower();
+        return words;
+    }
+    // The bot is in the channel and has caught up with it; nobody but the bot
+    // moves meanwhile.
+    ::testing::AssertionResult followsChannel(int i, const QString& channel, bool inOrder = true) {
+        if (!waitFor([&] { return Bots(i).Channel() == channel; }, 15000))
+            return ::testing::AssertionFailure() << "bot in " << Bots(i).Channel().toStdString()
+                                                 << ", not in " << channel.toStdString();
+        QStringList expected = members(channel);
+        if (!inOrder) expected.sort();
+        QStringList seen;
+        const bool caughtUp = waitFor(
+            [&] {
+                seen = botUsers(i);
+                if (!inOrder) seen.sort();
+                return Bots(i).Channel() == channel && seen == expected &&
+                       Bots(i).DelayCount() == 0;
+            },
+            15000);
+        if (!caughtUp)
+            return ::testing::AssertionFailure()
+                   << "bot in " << Bots(i).Channel().toStdString() << ":\n  "
+                   << seen.join(u' ').toStdString() << "\nsandbox's " << channel.toStdString()
+                   << ":\n  " << expected.join(u' ').toStdString();
+        return listViewAgrees(i);
+    }
+    // The list on screen holds the same users, operators and representatives first.
+    static ::testing::AssertionResult listViewAgrees(int i) {
+        const ListModel& list = lvUsers(i);
+        BotElement& bot = Bots(i);
+        if (size_t(list.count()) != bot.Users.size())
+            return ::testing::AssertionFailure()
+                   << list.count() << " items for " << bot.Users.size() << " users";
+        bool othersBegun = false;
+        for (int n = 1; n <= list.count(); ++n) {
+            const int position = bot.UserFind(list.item(n).tag);
+            if (position == 0)
+                return ::testing::AssertionFailure()
+                       << "item of " << list.item(n).tag.toStdString() << " without a user";
+            const bool top = bot.user(position).Flags & 0x03;
+            if (top && othersBegun)
+                return ::testing::AssertionFailure()
+                       << list.item(n).tag.toStdString() << " is below ordinary users";
+            othersBegun = othersBegun || !top;
+        }
+        return ::testing::AssertionSuccess();
+    }
+    QString chat(int i) const { return rtbChat(i).text(); }
+    // Chat lines from the bot as the sandbox received them.
+    QList<QByteArray> chatLinesAtServer() const {
+        QFile file(tracePath());
+        file.open(QIODevice::ReadOnly);
+        QList<QByteArray> lines;
+        for (const QByteArray& line : file.readAll().split('\n')) {
+            const QList<QByteArray> f = line.split(' ');
+            if (f.size() >= 7 && f[2] == "bncs" && f[4] == "in" && f[5] == "0x0e")
+                lines << QByteArray::fromHex(f[6]).mid(4).chopped(1);
+        }
+        return lines;
+    }
+    // How many chat events of each id the sandbox sent.
+    std::map<quint32, int> eventsSent() const {
+        QFile file(tracePath());
+        file.open(QIODevice::ReadOnly);
+        std::map<quint32, int> count;
+        for (const QByteArray& line : file.readAll().split('\n')) {
+            const QList<QByteArray> f = line.split(' ');
+            if (f.size() >= 7 && f[2] == "bncs" && f[4] == "out" && f[5] == "0x0f")
+                ++count[qFromLittleEndian<quint32>(QByteArray::fromHex(f[6]).constData() + 4)];
+        }
+        return count;
+    }
+    static void pause(int ms) {
+        waitFor([] { return false; }, ms);
+    }
+
+    QTemporaryDir traceDir;
+    SandboxProcess sandbox;
+};
+
+} // namespace
+
+TEST_F(ChatEndToEnd, TheUserListIsTheChannelThroughJoinsLeavesFlagsAndAChannelChange) {
+    ASSERT_TRUE(startSandbox({QStringLiteral("--residents"), QStringLiteral("30"),
+                              QStringLiteral("--resident-rate"), QStringLiteral("8"),
+                              QStringLiteral("--seed"), QStringLiteral("11")}));
+    const int i = load(QStringLiteral("watcher"), QStringLiteral("Sandbox"));
+    SlotTable::instance().ConnectBot(i);
+    ASSERT_TRUE(waitFor([&] { return Bots(i).Channel() == QLatin1String("Sandbox"); }))
+        << chat(i).toStdString();
+
+    // The residents come and go, talk and hand the operator's flag on, while
+    // a visitor of our own arrives, is made operator, loses it and leaves.
+    const QStringList steps[] = {
+        {"user Visitor SEXP 0 90", "join Visitor Sandbox"},
+        {"flags Visitor 2"},
+        {"flags Visitor 16"},
+        {"user Drifter W2BN", "join Drifter Sandbox", "leave Visitor"},
+    };
+    for (const QStringList& step : steps) {
+        pause(2000);
+        ASSERT_EQ(sandbox.control(step), QStringList(step.size(), QStringLiteral("ok")));
+    }
+    pause(2000);
+    ASSERT_EQ(sandbox.control(QStringLiteral("residents pause")), QStringLiteral("ok"));
+    EXPECT_TRUE(followsChannel(i, QStringLiteral("Sandbox")));
+    // The residents did come and go meanwhile.
+    std::map<quint32, int> sent = eventsSent();
+    EXPECT_GT(sent[2], 3);
+    EXPECT_GT(sent[3], 3);
+    EXPECT_GT(sent[5], 10);
+    EXPECT_TRUE(chat(i).contains(QStringLiteral("Visitor gained channel operator status.")));
+    EXPECT_TRUE(chat(i).contains(QStringLiteral("Visitor lost channel operator status.")));
+
+    // Another channel, where the list starts anew and flags change too.
+    ASSERT_EQ(sandbox.control({"user Keeper W3XP 0 80", "join Keeper Backroom", "user Lurker D2DV",
+                               "join Lurker Backroom"}),
+              QStringList(4, QStringLiteral("ok")));
+    Bots(i).Queue << QStringLiteral("/join Backroom");
+    EXPECT_TRUE(followsChannel(i, QStringLiteral("Backroom")));
+    ASSERT_EQ(sandbox.control({"flags Lurker 4", "join Drifter Backroom"}),
+              QStringList(2, QStringLiteral("ok")));
+    EXPECT_TRUE(followsChannel(i, QStringLiteral("Backroom")));
+
+    // Back among the residents, who went on without us.
+    ASSERT_EQ(sandbox.control(QStringLiteral("residents resume")), QStringLiteral("ok"));
+    pause(3000);
+    Bots(i).Queue << QStringLiteral("/join Sandbox");
+    ASSERT_TRUE(waitFor([&] { return Bots(i).Channel() == QLatin1String("Sandbox"); }));
+    pause(3000);
+    ASSERT_EQ(sandbox.control(QStringLiteral("residents pause")), QStringLiteral("ok"));
+    EXPECT_TRUE(followsChannel(i, QStringLiteral("Sandbox")));
+    EXPECT_TRUE(Bots(i).Online());
+}
+
+TEST_F(ChatEndToEnd, WhispersGoBothWays) {
+    ASSERT_TRUE(startSandbox({QStringLiteral("--residents"), QStringLiteral("4"),
+                              QStringLiteral("--seed"), QStringLiteral("3")}));
+    ASSERT_EQ(sandbox.control(QStringLiteral("residents pause")), QStringLiteral("ok"));
+    const int i = load(QStringLiteral("whisperer"), QStringLiteral("Sandbox"));
+    SlotTable::instance().ConnectBot(i);
+    ASSERT_TRUE(followsChannel(i, QStringLiteral("Sandbox")));
+    const QString resident = members(QStringLiteral("Sandbox")).first().section(u':', 0, 0);
+
+    ASSERT_EQ(sandbox.control(QStringLiteral("whisper %1 whisperer are you a bot?").arg(resident)),
+              QStringLiteral("ok"));
+    ASSERT_TRUE(waitFor([&] { return chat(i).contains(QStringLiteral("are you a bot?")); }));
+    EXPECT_EQ(Bots(i).LastWhisper.toLower(), resident);
+
+    // The resident answers what reached it, quoting it.
+    Bots(i).Queue << QStringLiteral("/w %1 only on weekdays").arg(resident);
+    EXPECT_TRUE(waitFor([&] {
+        return chat(i).contains(QStringLiteral("you said \"only on weekdays\"?"));
+    })) << chat(i).toStdString();
+    EXPECT_EQ(Bots(i).LastWhispered.toLower(), resident);
+    EXPECT_EQ(Bots(i).LastWhisper.toLower(), resident);
+}
+
+TEST_F(ChatEndToEnd, ALeaveRejoinTalkBurstVanishesUnseen) {
+    ASSERT_TRUE(startSandbox({QStringLiteral("--residents"), QStringLiteral("6"),
+                              QStringLiteral("--seed"), QStringLiteral("5")}));
+    ASSERT_EQ(sandbox.control(QStringLiteral("residents pause")), QStringLiteral("ok"));
+    ASSERT_EQ(sandbox.control({"user Spammer", "join Spammer Sandbox"}),
+              QStringList(2, QStringLiteral("ok")));
+    const int i = load(QStringLiteral("guard"), QStringLiteral("Sandbox"));
+    SlotTable::instance().ConnectBot(i);
+    ASSERT_TRUE(followsChannel(i, QStringLiteral("Sandbox")));
+
+    ASSERT_EQ(sandbox.control({"leave Spammer", "join Spammer Sandbox",
+                               "talk Spammer buy gold at example dot com"}),
+              QStringList(3, QStringLiteral("ok")));
+    ASSERT_TRUE(waitFor([&] { return Bots(i).DelayCount() > 0; }));
+    ASSERT_TRUE(waitFor([&] { return Bots(i).DelayCount() == 0; }));
+    // What comes after the burst is shown as usual.
+    ASSERT_EQ(sandbox.control(QStringLiteral("talk Spammer sorry about that")),
+              QStringLiteral("ok"));
+    ASSERT_TRUE(waitFor([&] { return chat(i).contains(QStringLiteral("sorry about that")); }));
+    EXPECT_FALSE(chat(i).contains(QStringLiteral("buy gold")));
+    // Neither the leave nor the rejoin was seen: the spammer is still listed
+    // once, in the place of the first arrival, ahead of the bot.
+    EXPECT_FALSE(chat(i).contains(QStringLiteral("Spammer has left the channel.")));
+    EXPECT_TRUE(followsChannel(i, QStringLiteral("Sandbox"), false));
+    EXPECT_LT(Bots(i).UserFind(QStringLiteral("Spammer")),
+              Bots(i).UserFind(QStringLiteral("guard")));
+}
+
+TEST_F(ChatEndToEnd, TheIdleMessageGoesOutOnTheMinuteOfTheBotsClock) {
+    TimedEvents::instance().stop();
+    tickcount::ManualClock clock(5000000);
+    TimedEvents::instance().start();
+    const quint32 start = clock.now();
+    // Time passes for the bot only when the test moves its clock.
+    const auto driveTo = [&](quint32 at) {
+        while (clock.now() - start < at) {
+            clock.advance(std::min<quint32>(50, at - (clock.now() - start)));
+            TimedEvents::instance().pulse();
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+        }
+    };
+    // The same, at ten times the pace of real time, for what needs the network.
+    const auto driveUntil = [&](const std::function<bool()>& done) {
+        for (int n = 0; n < 2000 && !done(); ++n) {
+            driveTo(clock.now() - start + 50);
+            pause(5);
+        }
+        return done();
+    };
+
+    ASSERT_TRUE(startSandbox({}));
+    const int i = load(QStringLiteral("idler"), QStringLiteral("Lobby"));
+    Bots(i).Config.setIdleTime(2);
+    Bots(i).Config.setIdleMsg(QStringLiteral("idle in $ch"));
+    SlotTable::instance().ConnectBot(i);
+    ASSERT_TRUE(driveUntil([&] { return Bots(i).Channel() == QLatin1String("Lobby"); }))
+        << chat(i).toStdString();
+
+    // Chat in the channel doesn't move the idle time: it is a fixed period. A
+    // newcomer's words are shown once the flood delay since the arrival is over.
+    ASSERT_EQ(sandbox.control({"user Chatter", "join Chatter Lobby"}),
+              QStringList(2, QStringLiteral("ok")));
+    ASSERT_TRUE(driveUntil([&] { return Bots(i).UserFind(QStringLiteral("Chatter")) > 0; }));
+    driveTo(clock.now() - start + 1500);
+    ASSERT_EQ(sandbox.control(QStringLiteral("talk Chatter anyone here?")), QStringLiteral("ok"));
+    ASSERT_TRUE(driveUntil([&] { return chat(i).contains(QStringLiteral("anyone here?")); }));
+    ASSERT_LT(clock.now() - start, 60000u);
+
+    driveTo(119950);
+    EXPECT_TRUE(Bots(i).Queue.isEmpty());
+    EXPECT_EQ(Bots(i).IdleCounter, 1);
+    driveTo(120000);
+    EXPECT_EQ(Bots(i).Queue, QStringList{QStringLiteral("idle in Lobby")});
+    driveTo(120100);
+    EXPECT_TRUE(Bots(i).Queue.isEmpty());
+    EXPECT_TRUE(waitFor([&] { return chatLinesAtServer().contains("idle in Lobby"); }))
+        << chatLinesAtServer().join('\n').toStdString();
+    EXPECT_EQ(chatLinesAtServer().count("idle in Lobby"), 1);
+}

@@ -4,10 +4,12 @@
 #include <QElapsedTimer>
 
 SandboxProcess::~SandboxProcess() {
-    if (m_process.state() != QProcess::NotRunning) {
-        m_process.kill();
-        m_process.waitForFinished(3000);
-    }
+    if (m_process.state() == QProcess::NotRunning) return;
+    // Asked first, so it removes its temporary files; forced if it hangs.
+    m_process.terminate();
+    if (m_process.waitForFinished(3000)) return;
+    m_process.kill();
+    m_process.waitForFinished(3000);
 }
 
 QString SandboxProcess::binary() {

@@ -96,8 +96,10 @@ TEST_F(UserListTest, TheContextMenuOffersWhatCanBeDoneToTheUser) {
     ASSERT_NE(stats, nullptr);
     ASSERT_EQ(stats->actions().size(), 7);
     stats->actions().at(5)->trigger();
+    // The menu's lines take the keyboard's road, so the bot's own UNSQUELCH
+    // command is what sends the second.
     EXPECT_EQ(Bots(slot).Queue,
-              (QStringList{"/ban loud", "/unsquelch hushed", "/stats hushed WAR3"}));
+              (QStringList{"/ban loud", "/unignore hushed", "/stats hushed WAR3"}));
     menu->defaultAction()->trigger();
     EXPECT_EQ(window->cboSend()->currentText(), QStringLiteral("/w hushed "));
 }

@@ -5,10 +5,12 @@
 
 #include <QCoreApplication>
 #include <QFile>
+#include <QHash>
 #include <QStringTokenizer>
 #include <algorithm>
 #include <array>
 #include <fcntl.h>
+#include <optional>
 #include <sqlite3.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -199,11 +201,19 @@ struct RegistryWrapper::Value {
     qint32 dword = 0;
 };
 
+// What reads found, absent values included. Bounded, though the settings a
+// run reads again and again are few.
+struct RegistryWrapper::ReadCache {
+    static constexpr qsizetype kLimit = 8192;
+    QHash<QString, std::optional<Value>> values;
+};
+
 // One write is one transaction; an operation made of several writes nests
 // them in a savepoint, so a failed step undoes only its own part.
 class RegistryWrapper::Transaction {
 public:
     explicit Transaction(RegistryWrapper& store) : store_(store) {
+        store_.forgetReads();
         if (!store_.db_) return;
         if (store_.transactionDepth_ == 0)
             active_ = store_.step(store_.begin_);
@@ -223,6 +233,8 @@ public:
 
 private:
     bool finish(bool keep) {
+        // Reads inside the transaction may have seen what a rollback undoes.
+        store_.forgetReads();
         active_ = false;
         const bool outer = --store_.transactionDepth_ == 0;
         if (outer) {
@@ -249,7 +261,8 @@ QString RegistryWrapper::defaultStoreFile() {
     return GetSettingsPath() + QStringLiteral("settings.sqlite");
 }
 
-RegistryWrapper::RegistryWrapper(const QString& file) : file_(file) {
+RegistryWrapper::RegistryWrapper(const QString& file)
+    : file_(file), cache_(std::make_unique<ReadCache>()) {
     const QByteArray path = QFile::encodeName(file);
     if (file != QLatin1StringView(":memory:")) {
         // Passwords and product keys live here: the file is the user's alone.
@@ -307,6 +320,7 @@ RegistryWrapper::~RegistryWrapper() {
 }
 
 void RegistryWrapper::close() {
+    forgetReads();
     for (sqlite3_stmt** stmt :
          {&findKey_, &insertKey_, &deleteKey_, &childKeys_, &anyChild_, &readValue_, &writeValue_,
           &deleteValue_, &deleteValues_, &listValues_, &begin_, &commit_, &rollback_}) {
@@ -459,6 +473,27 @@ bool RegistryWrapper::readValue(const KeyPath& key, const QString& name, Value& 
     return true;
 }
 
+bool RegistryWrapper::cachedRead(const QString& path, const QString& name, Value& out) {
+    QString key = path;
+    key += QChar(0);
+    key += name;
+    const auto known = cache_->values.constFind(key);
+    if (known != cache_->values.cend()) {
+        if (*known) out = **known;
+        return known->has_value();
+    }
+    std::optional<Value> found;
+    if (Value value; readValue(splitKeyPath(path), name, value)) found = std::move(value);
+    if (cache_->values.size() >= ReadCache::kLimit) cache_->values.clear();
+    cache_->values.insert(key, found);
+    if (found) out = *found;
+    return found.has_value();
+}
+
+void RegistryWrapper::forgetReads() {
+    if (cache_) cache_->values.clear();
+}
+
 int RegistryWrapper::writeValue(const QString& path, const QString& name, int type,
                                 const QByteArray& data, qint32 dword) {
     const KeyPath key = splitKeyPath(path);
@@ -586,8 +621,7 @@ int RegistryWrapper::WriteSTRING(const QString& path, const QString& name, const
 QString RegistryWrapper::ReadSTRING(const QString& path, const QString& name,
                                     const QString& defaultValue, bool defaultIfEmpty) {
     Value value;
-    if (!readValue(splitKeyPath(path), name, value) || value.type != TypeString)
-        return defaultValue;
+    if (!cachedRead(path, name, value) || value.type != TypeString) return defaultValue;
     return stringRead(value.data, defaultValue, defaultIfEmpty);
 }
 
@@ -597,7 +631,7 @@ int RegistryWrapper::WriteDWORD(const QString& path, const QString& name, qint32
 
 qint32 RegistryWrapper::ReadDWORD(const QString& path, const QString& name, qint32 defaultValue) {
     Value value;
-    if (!readValue(splitKeyPath(path), name, value) || value.type != TypeDword) return defaultValue;
+    if (!cachedRead(path, name, value) || value.type != TypeDword) return defaultValue;
     return value.dword;
 }
 
@@ -611,8 +645,7 @@ int RegistryWrapper::WriteBinary(const QString& path, const QString& name, const
 QString RegistryWrapper::ReadBinary(const QString& path, const QString& name,
                                     const QString& defaultValue) {
     Value value;
-    if (!readValue(splitKeyPath(path), name, value) || value.type != TypeBinary)
-        return defaultValue;
+    if (!cachedRead(path, name, value) || value.type != TypeBinary) return defaultValue;
     return trimBlanks(BinToStr(value.data));
 }
 
@@ -633,7 +666,7 @@ int RegistryWrapper::KillValue(const QString& path, const QString& name) {
 
 bool RegistryWrapper::ValueExists(const QString& path, const QString& name) {
     Value value;
-    return readValue(splitKeyPath(path), name, value);
+    return cachedRead(path, name, value);
 }
 
 int RegistryWrapper::EnumValues(const QString& path, QStringList& names, QStringList& values,

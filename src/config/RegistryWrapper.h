@@ -13,8 +13,9 @@ struct sqlite3_stmt;
 // The settings tree: keys that hold typed, named values, addressed by paths
 // such as "HKCU\Software\Corvantide4\Settings". The tree lives in one SQLite
 // file; every write is its own transaction, so a killed process loses nothing
-// that a write had already reported as done. Nothing is cached: each read goes
-// to the store, through statements prepared once.
+// that a write had already reported as done. The process holds the file's
+// lock, so only its own writes change it: values once read are kept until the
+// next write of any kind, which forgets them all.
 //
 // Results follow the registry conventions the rest of the program expects:
 // writes give non-zero on success and 0 on failure, reads give the caller's
@@ -97,6 +98,10 @@ private:
     QList<Child> children(qint64 id);
     QList<Value> values(qint64 id);
     bool readValue(const KeyPath& key, const QString& name, Value& out);
+    // readValue through the cache, by the path and name as the caller spelled
+    // them.
+    bool cachedRead(const QString& path, const QString& name, Value& out);
+    void forgetReads();
     int writeValue(const QString& path, const QString& name, int type, const QByteArray& data,
                    qint32 dword);
     bool copyKey(const QString& parent, const QString& sourceName, const QString& targetName);
@@ -113,6 +118,8 @@ private:
     int transactionDepth_ = 0;
     bool transactionFailed_ = false;
     bool createKeyIfDoesntExists_ = true;
+    struct ReadCache;
+    std::unique_ptr<ReadCache> cache_;
 
     sqlite3_stmt* findKey_ = nullptr;
     sqlite3_stmt* insertKey_ = nullptr;

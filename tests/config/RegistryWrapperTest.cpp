@@ -234,6 +234,27 @@ TEST_F(Store, RenameAndCloneCarryDwordsAndStringsOnly) {
     EXPECT_TRUE(store_.KeyExists(profiles + QStringLiteral("Empty2")));
 }
 
+// Reads are remembered; a change made under any spelling of the path, or by
+// deleting, renaming or importing, must still show at the next read.
+TEST_F(Store, ReadsSeeEveryChangeWhateverItsSpelling) {
+    const QString key = QStringLiteral("HKCU\\Software\\Corvantide4\\Profiles\\Main");
+    EXPECT_EQ(store_.ReadDWORD(key, QStringLiteral("IdleTime"), -1), -1);
+    store_.WriteDWORD(QStringLiteral("HKEY_CURRENT_USER\\software\\corvantide4\\PROFILES\\main"),
+                      QStringLiteral("idletime"), 7);
+    EXPECT_EQ(store_.ReadDWORD(key, QStringLiteral("IdleTime"), -1), 7);
+    store_.KillValue(key, QStringLiteral("IDLETIME"));
+    EXPECT_EQ(store_.ReadDWORD(key, QStringLiteral("IdleTime"), -1), -1);
+
+    store_.WriteSTRING(key, QStringLiteral("Account"), QStringLiteral("before"));
+    EXPECT_EQ(store_.ReadSTRING(key, QStringLiteral("Account")), QStringLiteral("before"));
+    ASSERT_TRUE(store_.RenameKey(QStringLiteral("HKCU\\Software\\Corvantide4\\Profiles"),
+                                 QStringLiteral("Main"), QStringLiteral("Other")));
+    EXPECT_FALSE(store_.ValueExists(key, QStringLiteral("Account")));
+    ASSERT_TRUE(store_.ImportRegText("REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Software\\Corvantide4\\"
+                                     "Profiles\\Main]\r\n\"Account\"=\"after\"\r\n"));
+    EXPECT_EQ(store_.ReadSTRING(key, QStringLiteral("Account")), QStringLiteral("after"));
+}
+
 TEST_F(Store, RenameAndCloneRefusals) {
     const QString parent = QStringLiteral("HKCU\\Software\\Corvantide4\\Profiles");
     store_.WriteSTRING(parent + QStringLiteral("\\Main"), QStringLiteral("Account"),

@@ -1,7 +1,24 @@
 #include "common/SandboxProcess.h"
 
+#include "chat/BotElement.h"
+#include "session/SlotTable.h"
+
 #include <QCoreApplication>
 #include <QElapsedTimer>
+
+int SandboxProcess::loadProfile(const QString& account, const QString& channel) const {
+    const int i = SlotTable::instance().LoadProfile(account);
+    ConfigWrapper& c = Bots(i).Config;
+    c.setAccount(account);
+    c.setPassword(QStringLiteral("secret"));
+    c.setClient(QStringLiteral("STAR"));
+    c.setVerbyte(QStringLiteral("d3"));
+    c.setCdkey(QStringLiteral("7178075237576"));
+    c.setServer(bncsServer());
+    c.setServerBNLS(bnlsServer());
+    c.setChannel(channel);
+    return i;
+}
 
 SandboxProcess::~SandboxProcess() {
     if (m_process.state() == QProcess::NotRunning) return;

@@ -21,6 +21,9 @@ public:
     int bnlsPort = 0;
     QString bncsServer() const { return QStringLiteral("127.0.0.1:%1").arg(bncsPort); }
     QString bnlsServer() const { return QStringLiteral("127.0.0.1:%1").arg(bnlsPort); }
+    // A StarCraft profile in a new slot, logging on here as `account` (which
+    // the sandbox creates) with `channel` as its home; not yet connected.
+    int loadProfile(const QString& account, const QString& channel) const;
 
 private:
     QProcess m_process;

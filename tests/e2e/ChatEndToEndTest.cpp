@@ -39,17 +39,7 @@ protected:
 
     // A profile on the sandbox whose home is `channel`; not yet connected.
     int load(const QString& account, const QString& channel) {
-        const int i = SlotTable::instance().LoadProfile(account);
-        ConfigWrapper& c = Bots(i).Config;
-        c.setAccount(account);
-        c.setPassword(QStringLiteral("secret"));
-        c.setClient(QStringLiteral("STAR"));
-        c.setVerbyte(QStringLiteral("d3"));
-        c.setCdkey(QStringLiteral("7178075237576"));
-        c.setServer(sandbox.bncsServer());
-        c.setServerBNLS(sandbox.bnlsServer());
-        c.setChannel(channel);
-        return i;
+        return sandbox.loadProfile(account, channel);
     }
 
     // The bot's users as "name:flags", in their order of arrival.

@@ -42,17 +42,7 @@ protected:
     void TearDown() override { TimedEvents::instance().stop(); }
 
     int load(const QString& account) {
-        const int i = SlotTable::instance().LoadProfile(account);
-        ConfigWrapper& c = Bots(i).Config;
-        c.setAccount(account);
-        c.setPassword(QStringLiteral("secret"));
-        c.setClient(QStringLiteral("STAR"));
-        c.setVerbyte(QStringLiteral("d3"));
-        c.setCdkey(QStringLiteral("7178075237576"));
-        c.setServer(sandbox.bncsServer());
-        c.setServerBNLS(sandbox.bnlsServer());
-        c.setChannel(QStringLiteral("Commands"));
-        return i;
+        return sandbox.loadProfile(account, QStringLiteral("Commands"));
     }
     // Waits until the owner has seen `text` in the channel from the keeper.
     bool ownerSees(const QString& text, int ms = 15000) {

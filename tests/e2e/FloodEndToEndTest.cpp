@@ -45,16 +45,7 @@ TEST_F(FloodEndToEnd, TwoHundredLinesLeaveAtTheQueuesPaceWithoutADisconnect) {
     SandboxProcess sandbox;
     ASSERT_TRUE(sandbox.start({QStringLiteral("--trace-file"), trace}));
     SettingsWrapper::instance().setLocalHashing(false);
-    const int i = SlotTable::instance().LoadProfile(QStringLiteral("flooder"));
-    ConfigWrapper& c = Bots(i).Config;
-    c.setAccount(QStringLiteral("flooder"));
-    c.setPassword(QStringLiteral("secret"));
-    c.setClient(QStringLiteral("STAR"));
-    c.setVerbyte(QStringLiteral("d3"));
-    c.setCdkey(QStringLiteral("7178075237576"));
-    c.setServer(sandbox.bncsServer());
-    c.setServerBNLS(sandbox.bnlsServer());
-    c.setChannel(QStringLiteral("Flood"));
+    const int i = sandbox.loadProfile(QStringLiteral("flooder"), QStringLiteral("Flood"));
     SlotTable::instance().ConnectBot(i);
     ASSERT_TRUE(waitFor([&] { return Bots(i).Channel() == QLatin1String("Flood"); }));
 

@@ -1,6 +1,7 @@
 #include "gui/SendBox.h"
 
 #include "WindowFixture.h"
+#include "commands/ChatInput.h"
 
 #include <QClipboard>
 #include <QLineEdit>
@@ -107,6 +108,34 @@ TEST_F(SendBoxTest, PlainLinesAreCodedWhenEncryptionIsOn) {
     EXPECT_EQ(Bots(slot).Queue[0], QStringLiteral("\u00AB\u00DA\u00DB\u00DC"));
     EXPECT_EQ(Bots(slot).Queue[1], QStringLiteral("/who x"));
     EXPECT_EQ(box->itemText(1), Bots(slot).Queue[0]) << "the history keeps the coded form";
+}
+
+} // namespace
+
+namespace {
+
+TEST_F(SendBoxTest, ALineWithNobodyToAnswerComesBackToTheBox) {
+    const int slot = onlineSlot(QStringLiteral("Answerer"));
+    SlotTable::instance().SelectBot(slot);
+    SendChatLine(slot, QStringLiteral("/r are you there"));
+    EXPECT_EQ(box->currentText(), QStringLiteral("/r are you there"));
+    // Only the box of the profile on screen takes it.
+    const int other = onlineSlot(QStringLiteral("Elsewhere"));
+    SendChatLine(other, QStringLiteral("/fwd hello"));
+    EXPECT_EQ(box->currentText(), QStringLiteral("/r are you there"));
+}
+
+TEST_F(SendBoxTest, TheKeyboardsHideAndShowCommandsMoveTheWindow) {
+    const int slot = onlineSlot(QStringLiteral("Hider"));
+    SlotTable::instance().SelectBot(slot);
+    type(QStringLiteral("/hide"));
+    QTest::keyClick(edit, Qt::Key_Return);
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(window->isVisible());
+    SendUserLine(slot, QStringLiteral("/show"));
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_TRUE(Bots(slot).Queue.isEmpty());
 }
 
 } // namespace

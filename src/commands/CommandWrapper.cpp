@@ -6,6 +6,7 @@
 #include "commands/ModerationCommands.h"
 #include "commands/SessionCommands.h"
 #include "commands/SettingCommands.h"
+#include "commands/StalkingCommands.h"
 #include "commands/StoreCommands.h"
 #include "statistics/UserNames.h"
 
@@ -17,6 +18,7 @@ using namespace informationcommands;
 using namespace moderationcommands;
 using namespace sessioncommands;
 using namespace settingcommands;
+using namespace stalkingcommands;
 using namespace storecommands;
 
 // Commands of one word. Rows run from the highest level down.
@@ -30,6 +32,7 @@ const CommandEntry kPlainCommands[] = {
     {80, {"HOME"}, Home},
     {80, {"REJOIN", "RJ"}, Rejoin},
     {80, {"RESIGN"}, Resign},
+    {80, {"FOLLOW"}, Follow},
     {30, {"USERS"}, Users},
     {30, {"AWAY"}, Away},
     {30, {"RANDOMQUOTE"}, RandomQuote},
@@ -54,6 +57,8 @@ const CommandEntry kArgumentCommands[] = {
     {90, {"UNBLOCK"}, Unblock},
     {90, {"JOIN", "J"}, Join},
     {90, {"FORCE"}, Force},
+    {80, {"STALKING"}, Stalking},
+    {80, {"STALK"}, Stalk},
     {70, {"ADD", "ADDUSER"}, moderationcommands::AddUser},
     {70, {"REMOVE", "REMOVEUSER"}, RemoveUser},
     {30, {"MACRO"}, Macro},

@@ -21,6 +21,7 @@
 
 #include <QActionGroup>
 #include <QApplication>
+#include <QClipboard>
 #include <QCloseEvent>
 #include <QDesktopServices>
 #include <QFile>
@@ -147,6 +148,8 @@ frmBot::frmBot(QWidget* parent) : QMainWindow(parent) {
             close();
         },
         Qt::QueuedConnection);
+    connect(&DesktopShell::instance(), &DesktopShell::clipboardTextOffered, this,
+            [](const QString& text) { QApplication::clipboard()->setText(text); });
     connect(&DesktopShell::instance(), &DesktopShell::windowVisibilityRequested, this,
             &QWidget::setVisible, Qt::QueuedConnection);
     connect(&TimedEvents::instance(), &TimedEvents::statusChanged, this, &frmBot::onStatusChanged);

@@ -72,6 +72,10 @@ QVariant ListModel::data(const QModelIndex& index, int role) const {
         return it.color;
     case TagRole:
         return it.tag;
+    case Qt::ToolTipRole: {
+        const QString& tip = sub ? it.subToolTip : it.toolTip;
+        return tip.isEmpty() ? QVariant() : QVariant(tip);
+    }
     default:
         return {};
     }

@@ -14,6 +14,8 @@ struct ListItem {
     QString tag;
     QString subText;
     QString subIconKey;
+    QString toolTip;
+    QString subToolTip;
     // A look-up key of the owner's choosing; the model counts the items of
     // each key, so asking whether any item has one costs nothing.
     QString key;

@@ -270,6 +270,19 @@ void ConnectionWrapper::dispatch(int Index, PacketReader& Reader, quint8 PacketI
     case 0x59:
         Handle_RegisterEmail(Index);
         break;
+    case 0x65:
+        Handle_FriendsList(Index, Reader);
+        break;
+    case 0x66: // a friend was removed
+    case 0x68: // a friend was added
+        Output_FriendsList(Index);
+        break;
+    case 0x67:
+        Handle_FriendUpdate(Index, Reader);
+        break;
+    case 0x69:
+        Handle_FriendPosition(Index, Reader);
+        break;
     default:
         writeUnhandled(Index, PacketID, Reader.ReadBuffer());
         break;

@@ -59,6 +59,12 @@ public:
     void Output_Login(int Index);
     void Output_EnterChat(int Index);
 
+    // The friends list: asked for whole, or told of one friend or a move.
+    void Output_FriendsList(int Index);
+    void Handle_FriendsList(int Index, PacketReader& Reader);
+    void Handle_FriendUpdate(int Index, PacketReader& Reader);
+    void Handle_FriendPosition(int Index, PacketReader& Reader);
+
     // The public profile of an account: sex, location and description.
     void Output_ProfileRequest(int Index, const QString& Account);
     void Output_JoinChannel(int Index, const QString& Channel);

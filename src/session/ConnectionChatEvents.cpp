@@ -19,7 +19,6 @@
 #include "presentation/Theme.h"
 #include "session/ConnectionWrapper.h"
 #include "session/PacketReader.h"
-#include "session/PacketWriter.h"
 #include "session/SlotTable.h"
 #include "statistics/UserNames.h"
 
@@ -43,11 +42,6 @@ bool sameName(const QString& a, const QString& b) {
 bool withinFloodDelay(quint32 since) {
     const qint32 delay = settings().FloodMode();
     return delay > 0 && TicksSince(since) < quint32(delay);
-}
-
-void requestFriendsList(int Index) {
-    PacketWriter w;
-    w.SendPacket(Index, 0x65);
 }
 
 void runScript(int Index, const char* sub, QVariantList args, const char* lineName = nullptr) {
@@ -244,7 +238,7 @@ void ConnectionWrapper::Handle_ChatEvent_Leave(int Index, const QString& Usernam
     }
     bot.userDel(plain);
     channelview::RemoveUserItems(Index, plain);
-    if (bot.Config.Stalk() && sameName(bot.Config.Stalker(), plain)) requestFriendsList(Index);
+    if (bot.Config.Stalk() && sameName(bot.Config.Stalker(), plain)) Output_FriendsList(Index);
     runScript(Index, "Event_UserLeave", {Username});
 }
 
@@ -379,7 +373,7 @@ void ConnectionWrapper::Handle_ChatEvent_WhisperFrom(int Index, const QString& U
     }
     if (matchesPattern(Text, QStringLiteral("Your friend * has exited Battle.net.")) ||
         matchesPattern(Text, QStringLiteral("Your friend * has entered Battle.net.")))
-        requestFriendsList(Index);
+        Output_FriendsList(Index);
     runScript(Index, "Event_WhisperFrom", {Username, Text, Flags, Ping});
 }
 
@@ -420,7 +414,7 @@ void ConnectionWrapper::Handle_ChatEvent_Information(int Index, const QString& T
         const QString client = bot.Config.Client().toUpper();
         if (client == QLatin1String("D2XP") || client == QLatin1String("W2BN") ||
             client == QLatin1String("D2DV"))
-            requestFriendsList(Index);
+            Output_FriendsList(Index);
         WriteChat(Index, Status::Information, line);
     } else if (matchesPattern(Text, QStringLiteral("* kicked you out of the channel!"))) {
         bot.ClearQueue();

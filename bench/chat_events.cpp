@@ -4,6 +4,7 @@
 // Beside it, a look-up of each event's name in the same channel: through the
 // slot's name index, and by the walk from the first user that the index
 // replaced, as the baseline. The handlers make two or three look-ups an event.
+#include "ChatTraffic.h"
 #include "chat/BotElement.h"
 #include "config/Folders.h"
 #include "config/SettingsWrapper.h"
@@ -27,23 +28,6 @@ constexpr int kChannel = 1000;
 constexpr int kEvents = 100'000;
 // Frames arrive in reads of this many events, as from a busy socket.
 constexpr int kPerRead = 32;
-
-QByteArray chatEvent(quint32 id, quint32 flags, const QString& user, const QString& text) {
-    PacketWriter w;
-    w.WriteDWORD(id);
-    w.WriteDWORD(flags);
-    w.WriteDWORD(60);
-    w.WriteVOID(QByteArray(12, '\0'));
-    w.WriteSTRING(user);
-    w.WriteSTRING(text);
-    return PacketWriter::frameBNCS(0x0F, w.payload());
-}
-
-QString statstring(int i) {
-    static const char* const products[] = {"RATS 0 0 3",  "PXES 1200 0 12",   "NB2W 0 0 0",
-                                           "3RAW 2H3W 0", "PX3W 3U3W 0 LCAT", "VD2D"};
-    return QString::fromLatin1(products[i % 6]);
-}
 
 QString nameOf(int n) {
     static const char* const starts[] = {"Tal", "Mor", "Bre", "Kas", "Dun", "Eli", "Fen", "Gar"};
@@ -69,7 +53,7 @@ const Stream& stream() {
         out.arrival += chatEvent(7, 0, {}, QStringLiteral("Crowd"));
         for (int n = 0; n < kChannel; ++n) {
             present.push_back(n);
-            out.arrival += chatEvent(1, n % 50 == 0 ? 0x02 : 0x10, nameOf(n), statstring(n));
+            out.arrival += chatEvent(1, n % 50 == 0 ? 0x02 : 0x10, nameOf(n), sampleStatstring(n));
         }
         for (int n = kChannel; n < kChannel + 200; ++n)
             absent.push_back(n);
@@ -91,10 +75,10 @@ const Stream& stream() {
             } else if (roll < 20) {
                 n = take(absent);
                 present.push_back(n);
-                read += chatEvent(2, 0x10, nameOf(n), statstring(n));
+                read += chatEvent(2, 0x10, nameOf(n), sampleStatstring(n));
             } else if (roll < 30) {
                 n = present[rng() % present.size()];
-                read += chatEvent(9, roll < 22 ? 0x12 : 0x10, nameOf(n), statstring(n));
+                read += chatEvent(9, roll < 22 ? 0x12 : 0x10, nameOf(n), sampleStatstring(n));
             } else {
                 n = present[rng() % present.size()];
                 read += chatEvent(5, 0x10, nameOf(n),

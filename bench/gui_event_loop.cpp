@@ -4,6 +4,7 @@
 // typing the window must keep up with. The counters are the longest and the
 // mean gap between its ticks; the baseline is the same timer in the same
 // loop with no events arriving.
+#include "ChatTraffic.h"
 #include "chat/BotElement.h"
 #include "chat/TimedEvents.h"
 #include "config/Folders.h"
@@ -29,23 +30,6 @@ namespace {
 constexpr int kUsers = 1000;
 constexpr int kEventsPerSecond = 100;
 constexpr int kSteadyMilliseconds = 5000;
-
-QByteArray chatEvent(quint32 id, quint32 flags, const QString& user, const QString& text) {
-    PacketWriter w;
-    w.WriteDWORD(id);
-    w.WriteDWORD(flags);
-    w.WriteDWORD(40);
-    w.WriteVOID(QByteArray(12, '\0'));
-    w.WriteSTRING(user);
-    w.WriteSTRING(text);
-    return PacketWriter::frameBNCS(0x0F, w.payload());
-}
-
-QString product(int i) {
-    static const char* const products[] = {"RATS 0 0 3",  "PXES 1200 0 12",   "NB2W 0 0 0",
-                                           "3RAW 2H3W 0", "PX3W 3U3W 0 LCAT", "VD2D"};
-    return QString::fromLatin1(products[i % 6]);
-}
 
 struct Gaps {
     qint64 longest = 0;
@@ -123,7 +107,7 @@ void EventLoopGaps(benchmark::State& state) {
             QByteArray frames;
             for (; joined < kUsers; ++joined) {
                 frames += chatEvent(1, joined % 50 == 0 ? 0x02 : 0,
-                                    QStringLiteral("user%1").arg(joined), product(joined));
+                                    QStringLiteral("user%1").arg(joined), sampleStatstring(joined));
             }
             channel.send(frames);
         });
@@ -135,7 +119,7 @@ void EventLoopGaps(benchmark::State& state) {
                 if (kind == 8)
                     channel.send(chatEvent(3, 0, user, {}));
                 else if (kind == 9)
-                    channel.send(chatEvent(2, 0, user, product(sent)));
+                    channel.send(chatEvent(2, 0, user, sampleStatstring(sent)));
                 else
                     channel.send(chatEvent(
                         5, 0, user, QStringLiteral("message number %1 from the crowd").arg(sent)));

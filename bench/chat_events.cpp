@@ -16,7 +16,6 @@
 #include "statistics/UserNames.h"
 
 #include <QCoreApplication>
-#include <QSignalBlocker>
 #include <QTemporaryDir>
 #include <benchmark/benchmark.h>
 #include <random>
@@ -101,12 +100,8 @@ int enterChannel() {
     SlotTable::reset();
     SlotTable::instance().IsLoaded = true;
     const int slot = SlotTable::instance().LoadProfile(QStringLiteral("Busy"));
-    for (SocketControl* s : {&wsBNET(slot), &wsBNLS(slot)}) {
-        s->setDetached(true);
-        s->Connect(QStringLiteral("localhost"), 1);
-        const QSignalBlocker quiet(s);
-        s->simulateConnected();
-    }
+    wsBNET(slot).simulateQuietConnection();
+    wsBNLS(slot).simulateQuietConnection();
     Bots(slot).setOnline(true);
     Bots(slot).UniqueAccount = QStringLiteral("Busy");
     SlotTable::instance().SelectBot(slot);

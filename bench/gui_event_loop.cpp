@@ -18,7 +18,6 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
-#include <QSignalBlocker>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <algorithm>
@@ -69,12 +68,8 @@ public:
         SlotTable::reset();
         SlotTable::instance().IsLoaded = true;
         slot = SlotTable::instance().LoadProfile(QStringLiteral("Busy"));
-        for (SocketControl* s : {&wsBNET(slot), &wsBNLS(slot)}) {
-            s->setDetached(true);
-            s->Connect(QStringLiteral("localhost"), 1);
-            const QSignalBlocker quiet(s);
-            s->simulateConnected();
-        }
+        wsBNET(slot).simulateQuietConnection();
+        wsBNLS(slot).simulateQuietConnection();
         Bots(slot).setOnline(true);
         Bots(slot).UniqueAccount = QStringLiteral("Busy");
         if (withWindow) {

@@ -4,7 +4,6 @@
 #include "session/StreamCutter.h"
 
 #include <benchmark/benchmark.h>
-
 #include <cstring>
 #include <random>
 #include <vector>
@@ -41,8 +40,8 @@ void CutBncsStream(benchmark::State& state) {
     for (auto _ : state) {
         StreamBuffer in;
         qint64 frames = 0;
-        streamcutter::Handlers h{[&](PacketReader& r, quint8 id) { frames += id + r.ReadBYTE(); },
-                                 {}, {}};
+        streamcutter::Handlers h{
+            [&](PacketReader& r, quint8 id) { frames += id + r.ReadBYTE(); }, {}, {}};
         qsizetype pos = 0;
         for (int n : s.pieces) {
             in.append(QByteArray::fromRawData(s.bytes.constData() + pos, n));
@@ -51,8 +50,8 @@ void CutBncsStream(benchmark::State& state) {
         }
         benchmark::DoNotOptimize(frames);
     }
-    state.counters["frames/s"] =
-        benchmark::Counter(double(kFrames) * double(state.iterations()), benchmark::Counter::kIsRate);
+    state.counters["frames/s"] = benchmark::Counter(double(kFrames) * double(state.iterations()),
+                                                    benchmark::Counter::kIsRate);
     state.SetBytesProcessed(int64_t(state.iterations()) * s.bytes.size());
 }
 
@@ -68,8 +67,8 @@ void MemcpySameBytes(benchmark::State& state) {
         benchmark::DoNotOptimize(out.data());
         benchmark::ClobberMemory();
     }
-    state.counters["frames/s"] =
-        benchmark::Counter(double(kFrames) * double(state.iterations()), benchmark::Counter::kIsRate);
+    state.counters["frames/s"] = benchmark::Counter(double(kFrames) * double(state.iterations()),
+                                                    benchmark::Counter::kIsRate);
     state.SetBytesProcessed(int64_t(state.iterations()) * s.bytes.size());
 }
 

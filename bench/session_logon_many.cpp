@@ -5,14 +5,12 @@
 #include "config/Folders.h"
 #include "session/SlotTable.h"
 
-#include <benchmark/benchmark.h>
-
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
-
+#include <benchmark/benchmark.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -29,19 +27,16 @@ double ownCpuSeconds() {
 
 double processCpuSeconds(qint64 pid) {
     QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
-    if (!stat.open(QIODevice::ReadOnly))
-        return 0;
+    if (!stat.open(QIODevice::ReadOnly)) return 0;
     const QList<QByteArray> fields = stat.readAll().split(' ');
-    if (fields.size() < 15)
-        return 0;
+    if (fields.size() < 15) return 0;
     return double(fields[13].toLongLong() + fields[14].toLongLong()) / double(sysconf(_SC_CLK_TCK));
 }
 
 // Reads "BNCS listening on 127.0.0.1:N" and the BNLS line from the sandbox.
 bool readPorts(QProcess& sandbox, int& bncs, int& bnls) {
     while (bncs == 0 || bnls == 0) {
-        if (!sandbox.waitForReadyRead(5000))
-            return false;
+        if (!sandbox.waitForReadyRead(5000)) return false;
         while (sandbox.canReadLine()) {
             const QString line = QString::fromUtf8(sandbox.readLine()).trimmed();
             const int port = line.section(u':', -1).toInt();
@@ -105,8 +100,7 @@ void LogOnHundredSlots(benchmark::State& state) {
         state.counters["bot_per_sandbox_cpu"] = sandboxCpu > 0 ? botCpu / sandboxCpu : 0;
         sandbox.kill();
         sandbox.waitForFinished();
-        if (online < kSlots)
-            state.SkipWithError("not every slot reached chat within a minute");
+        if (online < kSlots) state.SkipWithError("not every slot reached chat within a minute");
     }
 }
 

@@ -12,7 +12,6 @@
 #include "session/SlotTable.h"
 
 #include <QCoreApplication>
-#include <QSignalBlocker>
 #include <QTemporaryDir>
 #include <cstddef>
 #include <cstdint>
@@ -28,11 +27,7 @@ const int kRanks[] = {100, 90, 80, 70, 30, 20, 10};
 void prepareSlot() {
     for (SocketControl* s : {&wsBNET(g_slot), &wsBNLS(g_slot)}) {
         s->sent.clear();
-        if (s->State() != SocketControl::Connected) {
-            s->Connect(QStringLiteral("localhost"), 1);
-            const QSignalBlocker quiet(s);
-            s->simulateConnected();
-        }
+        s->simulateQuietConnection();
     }
     BotElement& bot = Bots(g_slot);
     bot.setOnline(true);
@@ -53,8 +48,6 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
     bot.setDatabase(QStringLiteral("fuzz"));
     for (size_t i = 0; i < std::size(kRanks); ++i)
         DatabaseWrapper().AddUser(g_slot, QLatin1String(kSpeakers[i + 1]), kRanks[i]);
-    wsBNET(g_slot).setDetached(true);
-    wsBNLS(g_slot).setDetached(true);
     return 0;
 }
 

@@ -13,13 +13,27 @@ void walkFrame(PacketReader& r) {
         const quint8 op = r.ReadBYTE(qint16(1 + step % std::max(1, r.DataLength())));
         const qint16 pos = qint16(op & 0x80 ? (op & 0x3F) : 0);
         switch (op % 7) {
-        case 0: r.ReadBYTE(pos); break;
-        case 1: r.ReadWORD(pos); break;
-        case 2: r.ReadDWORD(pos); break;
-        case 3: r.ReadSTRING(pos); break;
-        case 4: r.ReadVOID(op, pos); break;
-        case 5: r.Skip(int(op) - 64); break;
-        case 6: (void)r.ReadRemains(); break;
+        case 0:
+            r.ReadBYTE(pos);
+            break;
+        case 1:
+            r.ReadWORD(pos);
+            break;
+        case 2:
+            r.ReadDWORD(pos);
+            break;
+        case 3:
+            r.ReadSTRING(pos);
+            break;
+        case 4:
+            r.ReadVOID(op, pos);
+            break;
+        case 5:
+            r.Skip(int(op) - 64);
+            break;
+        case 6:
+            (void)r.ReadRemains();
+            break;
         }
     }
 }
@@ -27,12 +41,11 @@ void walkFrame(PacketReader& r) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    if (size < 1)
-        return 0;
+    if (size < 1) return 0;
     const bool bnls = data[0] & 1;
     StreamBuffer in;
-    streamcutter::Handlers handlers{[](PacketReader& r, quint8) { walkFrame(r); },
-                                    [](quint8) {}, [](quint8, const char*) {}};
+    streamcutter::Handlers handlers{[](PacketReader& r, quint8) { walkFrame(r); }, [](quint8) {},
+                                    [](quint8, const char*) {}};
     size_t pos = 1;
     while (pos < size) {
         // Each piece's length is taken from the stream itself.

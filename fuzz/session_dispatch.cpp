@@ -7,9 +7,7 @@
 #include "session/SlotTable.h"
 
 #include <QCoreApplication>
-#include <QSignalBlocker>
 #include <QTemporaryDir>
-
 #include <cstddef>
 #include <cstdint>
 
@@ -20,11 +18,7 @@ int g_slot = 0;
 void prepareSlot() {
     for (SocketControl* s : {&wsBNET(g_slot), &wsBNLS(g_slot)}) {
         s->sent.clear();
-        if (s->State() != SocketControl::Connected) {
-            s->Connect(QStringLiteral("localhost"), 1);
-            const QSignalBlocker quiet(s);
-            s->simulateConnected();
-        }
+        s->simulateQuietConnection();
     }
     Bots(g_slot).setOnline(true);
 }
@@ -43,8 +37,6 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
     c.setServer(QStringLiteral("localhost"));
     c.setVerbyte(QStringLiteral("d3"));
     c.setClient(QStringLiteral("WAR3"));
-    wsBNET(g_slot).setDetached(true);
-    wsBNLS(g_slot).setDetached(true);
     return 0;
 }
 
@@ -52,17 +44,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     prepareSlot();
     // The first byte picks the socket; the rest arrives in pieces of sizes the
     // input chooses.
-    if (size < 1)
-        return 0;
+    if (size < 1) return 0;
     const bool bnls = data[0] & 1;
     SocketControl& socket = bnls ? wsBNLS(g_slot) : wsBNET(g_slot);
     size_t pos = 1;
     while (pos < size) {
         const size_t piece = std::min<size_t>(size - pos, 1 + data[pos] % 128);
-        socket.simulateData(QByteArray(reinterpret_cast<const char*>(data + pos), qsizetype(piece)));
+        socket.simulateData(
+            QByteArray(reinterpret_cast<const char*>(data + pos), qsizetype(piece)));
         pos += piece;
-        if (socket.State() != SocketControl::Connected)
-            prepareSlot();
+        if (socket.State() != SocketControl::Connected) prepareSlot();
     }
     Bots(g_slot).InBNCS.clear();
     Bots(g_slot).InBNLS.clear();

@@ -9,8 +9,7 @@ SocketControl::~SocketControl() {
 }
 
 void SocketControl::dropSocket() {
-    if (!m_socket)
-        return;
+    if (!m_socket) return;
     m_socket->disconnect(this);
     m_socket->abort();
     m_socket->deleteLater();
@@ -22,8 +21,7 @@ void SocketControl::Connect(const QString& host, quint16 port) {
     m_remoteHost = host;
     m_remotePort = port;
     m_state = Connecting;
-    if (m_detached)
-        return;
+    if (m_detached) return;
     m_socket = new QTcpSocket(this);
     connect(m_socket, &QTcpSocket::connected, this, &SocketControl::onConnected);
     connect(m_socket, &QTcpSocket::readyRead, this, &SocketControl::onReadyRead);
@@ -39,8 +37,7 @@ void SocketControl::Close() {
 }
 
 void SocketControl::SendData(const QByteArray& data) {
-    if (m_state != Connected)
-        return;
+    if (m_state != Connected) return;
     if (m_detached) {
         sent.append(data);
         return;
@@ -62,14 +59,12 @@ void SocketControl::onConnected() {
 
 void SocketControl::onReadyRead() {
     m_pending += m_socket->readAll();
-    if (!m_pending.isEmpty())
-        Q_EMIT dataArrival(m_pending.size());
+    if (!m_pending.isEmpty()) Q_EMIT dataArrival(m_pending.size());
 }
 
 void SocketControl::onDisconnected() {
     // The peer closed: the control stays "closing" until its owner closes it.
-    if (m_state != Connected)
-        return;
+    if (m_state != Connected) return;
     m_state = Closing;
     Q_EMIT closed();
 }
@@ -85,6 +80,13 @@ void SocketControl::onError(QAbstractSocket::SocketError socketError) {
 void SocketControl::simulateConnected() {
     m_state = Connected;
     Q_EMIT connected();
+}
+
+void SocketControl::simulateQuietConnection() {
+    m_detached = true;
+    if (m_state == Connected) return;
+    Connect(QStringLiteral("localhost"), 1);
+    m_state = Connected;
 }
 
 void SocketControl::simulateData(const QByteArray& bytes) {

@@ -47,6 +47,10 @@ public:
     void setDetached(bool detached) { m_detached = detached; }
     bool isDetached() const { return m_detached; }
     void simulateConnected();
+    // Detached and connected to "localhost" without the connect event: a
+    // socket that a test, benchmark or fuzzer feeds by hand. Does nothing to
+    // a socket already connected.
+    void simulateQuietConnection();
     void simulateData(const QByteArray& bytes);
     void simulateClose();
     void simulateError(int number, const QString& description);

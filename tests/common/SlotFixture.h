@@ -5,7 +5,6 @@
 #include "session/PacketWriter.h"
 #include "session/SlotTable.h"
 
-#include <QSignalBlocker>
 #include <gtest/gtest.h>
 
 // A fresh slot table for each test, with sockets that never touch the network.
@@ -17,12 +16,8 @@ protected:
     // without running the connect events.
     int loadConnected(const QString& profile) {
         const int i = SlotTable::instance().LoadProfile(profile);
-        for (SocketControl* s : {&wsBNET(i), &wsBNLS(i)}) {
-            s->setDetached(true);
-            s->Connect(QStringLiteral("localhost"), 1);
-            const QSignalBlocker quiet(s);
-            s->simulateConnected();
-        }
+        wsBNET(i).simulateQuietConnection();
+        wsBNLS(i).simulateQuietConnection();
         return i;
     }
 

@@ -146,6 +146,15 @@ int SlotTable::findProfile(const QString& Name) const {
     return 0;
 }
 
+void SlotTable::renameSlotProfile(int index, const QString& Name) {
+    Slot& s = slot(index);
+    s.bot.Config.Profile = Name;
+    for (auto* tag : {&s.bnet.Tag, &s.bnls.Tag, &s.chat.Tag, &s.whisper.Tag, &s.clan.Tag,
+                      &s.users.Tag, &s.friends.Tag})
+        *tag = Name;
+    Q_EMIT slotRenamed(index);
+}
+
 bool SlotTable::UnloadProfile(const QString& Name) {
     const int index = Name.isEmpty() ? 0 : findProfile(Name);
     if (index == 0) {

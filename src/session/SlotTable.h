@@ -49,6 +49,9 @@ public:
     static void connectTo(SocketControl& socket, const QString& server, quint16 defaultPort);
     // The slot holding a profile of that name, 0 if none.
     int findProfile(const QString& Name) const;
+    // The slot's profile took a new name in the store: the slot keeps its
+    // connection and reads its settings under the new name from now on.
+    void renameSlotProfile(int index, const QString& Name);
 
     // Set once the start-up sequence has run; profiles loaded before that do
     // not refresh the menus one by one.
@@ -64,6 +67,7 @@ Q_SIGNALS:
     void slotCreated(int index);
     void slotLoaded(int index);
     void slotUnloaded(int index);
+    void slotRenamed(int index);
     void activeSlotChanged(int index);
     void profilesChanged();
     void clanTagChanged(int index);

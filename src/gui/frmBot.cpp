@@ -11,6 +11,8 @@
 #include "gui/ProfileTabBar.h"
 #include "gui/SendBox.h"
 #include "gui/UserListView.h"
+#include "gui/frmConfig.h"
+#include "gui/frmConfigManageProfile.h"
 #include "platform/ChatDocument.h"
 #include "platform/ListModel.h"
 #include "presentation/ChatWriter.h"
@@ -131,6 +133,7 @@ frmBot::frmBot(QWidget* parent) : QMainWindow(parent) {
     connect(&table, &SlotTable::slotLoaded, this, &frmBot::tmrUpdate_Timer);
     connect(&table, &SlotTable::slotUnloaded, this, &frmBot::tmrUpdate_Timer);
     connect(&table, &SlotTable::profilesChanged, this, &frmBot::DisplayProfiles);
+    connect(&table, &SlotTable::slotRenamed, this, &frmBot::onSlotRenamed);
     connect(&table, &SlotTable::clanTagChanged, m_panels, &FoldOutPanels::refreshClan);
     connect(&table, &SlotTable::channelListChanged, this, [this](int index) {
         if (index == SlotTable::instance().CurrentIndex()) DisplayChannels();
@@ -258,6 +261,11 @@ QMenu* frmBot::buildBotMenu() {
                       });
         }));
 
+    m_mnuBot
+        ->addAction(QStringLiteral("Configuration"), this,
+                    [this] { openConfiguration(SlotTable::instance().CurrentIndex()); })
+        ->setObjectName(QStringLiteral("mnuConfiguration"));
+
     QMenu* files = m_mnuBot->addMenu(QStringLiteral("Files"));
     files->setObjectName(QStringLiteral("mnuFiles"));
     files->addAction(QStringLiteral("Open Bot Path"), this,
@@ -360,6 +368,11 @@ QMenu* frmBot::buildHelpMenu() {
 void frmBot::buildProfileMenus() {
     m_mnuProfileClick = new QMenu(this);
     m_mnuProfileClick->setObjectName(QStringLiteral("mnuProfileClick"));
+    m_mnuProfileClick
+        ->addAction(QStringLiteral("Configure"), this,
+                    [this] { openConfiguration(SlotTable::instance().CurrentIndex()); })
+        ->setObjectName(QStringLiteral("mnuProfConfig"));
+    m_mnuProfileClick->addSeparator();
     m_mnuProfileClick->addAction(QStringLiteral("Connect"), this,
                                  [this] { connectSlot(SlotTable::instance().CurrentIndex()); });
     m_mnuProfileClick->addAction(QStringLiteral("Disconnect"), this,
@@ -376,10 +389,21 @@ void frmBot::buildProfileMenus() {
     m_mnuProfileAdd = new QMenu(this);
     m_mnuProfileAdd->setObjectName(QStringLiteral("mnuProfileAdd"));
     m_mnuProfiles = m_mnuProfileAdd;
+    m_mnuCreateManage =
+        m_mnuProfileAdd->addAction(QStringLiteral("Create/Manage ..."), this, [this] {
+            auto* manager = new frmConfigManageProfile(this);
+            manager->setAttribute(Qt::WA_DeleteOnClose);
+            manager->open();
+        });
+    m_mnuCreateManage->setObjectName(QStringLiteral("mnuCreateManage"));
+    m_mnuProfileAdd->addSeparator();
 }
 
 void frmBot::DisplayProfiles() {
-    m_mnuProfiles->clear();
+    // The rows below "Create/Manage ..." and its separator.
+    const QList<QAction*> actions = m_mnuProfiles->actions();
+    for (qsizetype i = 2; i < actions.size(); ++i)
+        delete actions[i];
     const QStringList names = SlotTable::instance().unloadedProfiles();
     if (names.isEmpty()) {
         m_mnuProfiles->addAction(QStringLiteral("-"))->setEnabled(false);
@@ -391,6 +415,24 @@ void frmBot::DisplayProfiles() {
             tmrUpdate_Timer();
         });
     }
+}
+
+frmConfig* frmBot::openConfiguration(int slot) {
+    auto* form = new frmConfig(slot, this);
+    form->setAttribute(Qt::WA_DeleteOnClose);
+    connect(form, &frmConfig::controlPanelRequested, this,
+            [this, form](int row) { openControlPanel(row, form); });
+    form->open();
+    return form;
+}
+
+void frmBot::openControlPanel(int row, QWidget* over) {
+    Q_UNUSED(row);
+    auto* box = new QMessageBox(QMessageBox::Information, QStringLiteral("Control Panel"),
+                                QStringLiteral("The control panel is not available yet."),
+                                QMessageBox::Ok, over ? over : this);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->open();
 }
 
 void frmBot::DisplayChannels() {
@@ -672,6 +714,13 @@ void frmBot::onTabReleased(int slot, Qt::MouseButton button, const QPoint& globa
     selectSlot(slot);
     tmrUpdate_Timer();
     if (button == Qt::RightButton && slot > 0) m_mnuProfileClick->popup(globalPos);
+}
+
+void frmBot::onSlotRenamed(int index) {
+    // The tab shows the new name, and the menus list it in place of the old.
+    m_tabs->rebuildNow();
+    DisplayProfiles();
+    if (index == SlotTable::instance().CurrentIndex()) onSlotSelected(index);
 }
 
 void frmBot::unloadActive() {

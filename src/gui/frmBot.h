@@ -16,6 +16,7 @@ class QStackedWidget;
 class QTimer;
 class QToolButton;
 class SendBox;
+class frmConfig;
 class UserListView;
 
 // The main window. It shows the slot on screen (its chat, whisper panel and
@@ -68,6 +69,12 @@ public:
     QAction* mnuClear() const { return m_mnuClear; }
     QWidget* sidebar() const { return m_sidebar; }
 
+    // The profile form, on the profile of that slot when it has one.
+    frmConfig* openConfiguration(int slot);
+    // The control panel on a row of its list, over the form that asked.
+    void openControlPanel(int row, QWidget* over);
+    QMenu* mnuProfileAdd() const { return m_mnuProfileAdd; }
+
     // The menu commands that act on a slot.
     void connectSlot(int slot);
     void disconnectSlot(int slot);
@@ -92,6 +99,7 @@ private:
     void onSlotSelected(int index);
     void onSettingChanged(const QString& property);
     void onStatusChanged();
+    void onSlotRenamed(int index);
     void onTabReleased(int slot, Qt::MouseButton button, const QPoint& globalPos);
     void selectSlot(int index);
     void unloadActive();
@@ -129,6 +137,7 @@ private:
     QMenu* m_mnuProfileAdd = nullptr;
     QMenu* m_mnuProfiles = nullptr;
     QMenu* m_mnuChannels = nullptr;
+    QAction* m_mnuCreateManage = nullptr;
     QAction* m_mnuConnect = nullptr;
     QAction* m_mnuDisconnect = nullptr;
     QAction* m_mnuClear = nullptr;

@@ -141,7 +141,8 @@ int SlotTable::LoadProfile(const QString& Name) {
 
 int SlotTable::findProfile(const QString& Name) const {
     for (int i = 1; i <= highestIndex(); ++i) {
-        if (m_slots[size_t(i)]->bot.Profile() == Name) return i;
+        // A rename in other case leaves the store's spelling behind the slot's.
+        if (m_slots[size_t(i)]->bot.Profile().compare(Name, Qt::CaseInsensitive) == 0) return i;
     }
     return 0;
 }

@@ -10,7 +10,9 @@ void ShowWarning(QWidget* parent, const QString& text) {
                                 QMessageBox::Ok, parent);
     box->setObjectName(QStringLiteral("warningBox"));
     box->setAttribute(Qt::WA_DeleteOnClose);
-    box->open();
+    // After the event that led here: an Enter that is still on its way to
+    // the dialog would otherwise press the box's OK at once.
+    QMetaObject::invokeMethod(box, &QDialog::open, Qt::QueuedConnection);
 }
 
 QPushButton* DialogButton(const QString& text, const QString& name, const QString& tip) {

@@ -42,8 +42,9 @@ protected:
     // The text of the warning shown over a dialog, which is then closed;
     // empty when there is none.
     static QString takeWarning(QWidget* over) {
+        QApplication::processEvents();
         auto* box = over->findChild<QMessageBox*>(QStringLiteral("warningBox"));
-        if (!box) return {};
+        if (!box || !box->isVisible()) return {};
         const QString text = box->text();
         delete box;
         return text;

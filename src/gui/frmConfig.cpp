@@ -146,7 +146,6 @@ QWidget* frmConfig::buildBasicPage() {
     connect(cboProduct, &QComboBox::currentIndexChanged, this, &frmConfig::cboProduct_Click);
     textRow(QStringLiteral("Product:"), cboProduct);
     txtVerbyte = textField(QStringLiteral("txtVerbyte"));
-    txtVerbyte->setMaxLength(8);
     auto* verbyteRow = new QHBoxLayout;
     verbyteRow->addWidget(txtVerbyte);
     auto* help = new QToolButton;

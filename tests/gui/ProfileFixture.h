@@ -1,6 +1,7 @@
 #pragma once
 
 #include "WindowFixture.h"
+#include "commands/DatabaseManager.h"
 #include "config/OfferedList.h"
 #include "config/RegistryWrapper.h"
 #include "gui/frmConfig.h"
@@ -17,18 +18,11 @@ protected:
         WindowFixture::SetUp();
         for (const QString& name : ProfileLifecycle::ListProfiles())
             ProfileLifecycle::DeleteProfile(name);
-        for (int kind = OfferedList::Accounts; kind <= OfferedList::Databases; ++kind) {
-            const auto k = OfferedList::Kind(kind);
-            for (const QString& entry : OfferedList::entries(k)) {
-                // A userbase goes with its users.
-                QStringList users;
-                if (RegistryWrapper::instance().EnumKeys(OfferedList::key(k) + u'\\' + entry,
-                                                         users) > 0) {
-                    for (const QString& user : users)
-                        OfferedList::remove(k, entry + u'\\' + user);
-                }
-                OfferedList::remove(k, entry);
-            }
+        for (const QString& database : DatabaseManager::ListDatabases())
+            DatabaseManager::DeleteDatabase(database);
+        for (int kind = OfferedList::Accounts; kind < OfferedList::Databases; ++kind) {
+            for (const QString& entry : OfferedList::entries(OfferedList::Kind(kind)))
+                OfferedList::remove(OfferedList::Kind(kind), entry);
         }
         RegistryWrapper::instance().KillKey(SettingsWrapper::RootKey() +
                                             QStringLiteral("Verbytes"));

@@ -94,8 +94,10 @@ frmConfig::frmConfig(int slot, QWidget* parent) : QDialog(parent), m_slot(slot) 
           OfferedList::Channels, OfferedList::Cdkeys1, OfferedList::Cdkeys2, OfferedList::Servers1,
           OfferedList::Servers2})
         fillOffered(kind);
-    fillProfiles(openingProfile(slot));
-    DetermineEnabledState();
+    followProfiles();
+    // Profiles made, renamed or removed elsewhere, such as on the terminal,
+    // show here at once.
+    connect(&SlotTable::instance(), &SlotTable::profilesChanged, this, &frmConfig::followProfiles);
 }
 
 // Pages -----------------------------------------------------------------------
@@ -389,7 +391,13 @@ void frmConfig::fillProfiles(const QString& preferred) {
         return;
     }
     showAdvanced(m_advanced);
-    cboProfiles_Click();
+    // The profile on view keeps what was typed into it.
+    if (shown.isEmpty() || cboProfiles->currentText() != shown) cboProfiles_Click();
+}
+
+void frmConfig::followProfiles() {
+    fillProfiles(openingProfile(m_slot));
+    DetermineEnabledState();
 }
 
 QStringList frmConfig::profiles() const {
@@ -528,8 +536,7 @@ void frmConfig::cmdProfileManage_Click() {
     auto* manager = new frmConfigManageProfile(this);
     manager->setAttribute(Qt::WA_DeleteOnClose);
     connect(manager, &QDialog::finished, this, [this] {
-        fillProfiles(openingProfile(m_slot));
-        DetermineEnabledState();
+        followProfiles();
         SlotTable::instance().DisplayProfiles();
     });
     manager->open();

@@ -72,6 +72,9 @@ private:
     void fillOffered(OfferedList::Kind kind);
     void fillDatabases();
     void fillProfiles(const QString& preferred);
+    // The profiles again, on the same one if it is still there, else on the
+    // slot's.
+    void followProfiles();
     void showSheet(const ProfileSheet& sheet);
     bool profileStored() const;
     // Apply's work; false, after saying why when it was the store, when

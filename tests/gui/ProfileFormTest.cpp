@@ -233,10 +233,15 @@ TEST_F(ProfileFormTest, ALoadedSlotAnswersToTheNewTriggerAndUserbaseAtOnce) {
     EXPECT_EQ(talk("!say two"), QStringList{QStringLiteral("two")});
     EXPECT_TRUE(talk(".say three").isEmpty());
 
+    // Renamed elsewhere, as the terminal does it: the form follows.
+    ProfileLifecycle::RenameProfile(QStringLiteral("Running"), QStringLiteral("Racing"));
+    EXPECT_EQ(part<QComboBox>(form, "cboProfiles")->currentText(), QStringLiteral("Racing"));
+    EXPECT_EQ(part<QLineEdit>(form, "txtTrigger")->text(), QStringLiteral("!"));
+
     // Loading it again is refused on the console.
     part<QPushButton>(form, "lblLoad")->click();
     EXPECT_TRUE(rtbChat(0).text().contains(
-        QStringLiteral("Cannot load profile (Running) it is already loaded.")));
+        QStringLiteral("Cannot load profile (Racing) it is already loaded.")));
     form->close();
 }
 

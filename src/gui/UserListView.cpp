@@ -2,8 +2,10 @@
 
 #include "chat/BotElement.h"
 #include "commands/AliasesAndGroups.h"
+#include "commands/BlocksAndFilters.h"
 #include "gui/IconPainter.h"
 #include "platform/ListModel.h"
+#include "presentation/UserColors.h"
 #include "presentation/UserTooltip.h"
 #include "session/SlotTable.h"
 #include "statistics/UserNames.h"
@@ -12,8 +14,10 @@
 #include <QClipboard>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QMenu>
 #include <QPainter>
+#include <QPointer>
 #include <QStyledItemDelegate>
 #include <QToolTip>
 
@@ -210,6 +214,7 @@ QMenu* UserListView::contextMenu() {
             squelched ? QStringLiteral("Unsquelch") : QStringLiteral("Squelch"),
             command(squelched ? QStringLiteral("/unsquelch ") : QStringLiteral("/squelch ")))
         ->setObjectName(QStringLiteral("mnuSquelchUser"));
+    addBlockAction(ConvertUsername(user, false, -1));
     m_menu->addSeparator();
     m_menu->addAction(QStringLiteral("Ban"), command(QStringLiteral("/ban ")))
         ->setObjectName(QStringLiteral("mnuBanUser"));
@@ -232,10 +237,30 @@ QMenu* UserListView::contextMenu() {
     return m_menu;
 }
 
+// The blocked list is asked by the user's plain name; the block itself goes
+// the road of the BLOCK and UNBLOCK commands, with their refusals and replies.
+void UserListView::addBlockAction(const QString& name) {
+    const bool blocked = IsBlocked(name);
+    const int slot = m_slot;
+    const QString line = (blocked ? QStringLiteral("/unblock ") : QStringLiteral("/block ")) + name;
+    m_menu
+        ->addAction(blocked ? QStringLiteral("Unblock") : QStringLiteral("Block"), this,
+                    [this, slot, line] {
+                        Q_EMIT lineRequested(slot, line);
+                        RecolorUserLists();
+                    })
+        ->setObjectName(QStringLiteral("mnuBlockUser"));
+}
+
 void UserListView::addMembershipMenu(const QString& caption, const QString& name, Membership kind) {
     const bool alias = kind == Membership::Alias;
     QMenu* menu = m_menu->addMenu(caption);
     menu->setObjectName(alias ? QStringLiteral("mnuAlias") : QStringLiteral("mnuGroup"));
+    const int row = alias ? AliasesRow : GroupsRow;
+    menu->addAction(alias ? QStringLiteral("Edit Aliases") : QStringLiteral("Edit Groups"), this,
+                    [this, row] { Q_EMIT controlPanelRequested(row); })
+        ->setObjectName(alias ? QStringLiteral("mnuEditAliases") : QStringLiteral("mnuEditGroups"));
+    menu->addSeparator();
     const int slot = m_slot;
     // "None" takes the user out of the alias or group they are in; a row
     // moves them into that one.
@@ -270,7 +295,53 @@ void UserListView::addMembershipMenu(const QString& caption, const QString& name
     }
 }
 
+QLineEdit* UserListView::renameSelected() {
+    const QModelIndexList rows =
+        selectionModel() ? selectionModel()->selectedRows() : QModelIndexList();
+    if (m_kind != Kind::Users || rows.isEmpty()) return nullptr;
+    endRename(false);
+    const QModelIndex index = rows.first();
+    const QString text = index.data(Qt::DisplayRole).toString();
+    m_rename.begin(m_slot, index.data(ListModel::TagRole).toString(), text);
+    m_renameEditor = new QLineEdit(text, viewport());
+    m_renameEditor->setObjectName(QStringLiteral("lvUsersLabelEdit"));
+    m_renameEditor->setGeometry(visualRect(index).adjusted(kIcon + 4, 0, 0, 0));
+    m_renameEditor->selectAll();
+    m_renameEditor->installEventFilter(this);
+    connect(m_renameEditor, &QLineEdit::returnPressed, this, [this] { endRename(true); });
+    connect(m_renameEditor, &QLineEdit::editingFinished, this, [this] {
+        // Leaving the box ends the edit as Enter does; Escape has ended it
+        // already.
+        if (m_renameEditor) endRename(true);
+    });
+    m_renameEditor->show();
+    m_renameEditor->setFocus();
+    return m_renameEditor;
+}
+
+// A refused name leaves nothing changed; the editor goes either way.
+void UserListView::endRename(bool commit) {
+    if (!m_renameEditor) return;
+    QPointer<QLineEdit> editor = m_renameEditor;
+    m_renameEditor = nullptr;
+    const QString text = editor->text();
+    editor->hide();
+    editor->deleteLater();
+    if (commit && m_rename.active()) m_rename.finish(text);
+    setFocus();
+}
+
+bool UserListView::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == m_renameEditor && event->type() == QEvent::KeyPress &&
+        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+        endRename(false);
+        return true;
+    }
+    return QTreeView::eventFilter(watched, event);
+}
+
 void UserListView::keyPressEvent(QKeyEvent* event) {
+    if (m_kind == Kind::Users && event->key() == Qt::Key_F2 && renameSelected()) return;
     if (m_kind == Kind::Users && m_list && m_list->count() > 0) {
         if (event->key() == Qt::Key_Space && event->modifiers() == Qt::NoModifier) {
             const QString user = selectedUser();

@@ -14,8 +14,8 @@ namespace {
 const QString kNoBackslash = QStringLiteral("Name cannot contain backslashes.");
 
 bool exists(const char* tree, const QString& name) {
-    return RegistryWrapper::instance().KeyExists(SettingsWrapper::RootKey() +
-                                                 QLatin1String(tree) + u'\\' + name);
+    return RegistryWrapper::instance().KeyExists(SettingsWrapper::RootKey() + QLatin1String(tree) +
+                                                 u'\\' + name);
 }
 
 // A refusal for a name that cannot be a key of its own.

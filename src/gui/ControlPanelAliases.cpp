@@ -3,13 +3,13 @@
 #include "commands/AliasGroupEditor.h"
 
 ControlPanelAliases::ControlPanelAliases(QWidget* parent)
-    : ControlPanelMemberList(
-          {QStringLiteral("h3a"), QStringLiteral("Manage Aliases:"), QStringLiteral("h3aAliases"),
-           QStringLiteral("h3aMembers"), QStringLiteral("Create Alias"),
-           QStringLiteral("Please enter a title for the new Alias!"),
-           QStringLiteral("Delete Alias?"),
-           QStringLiteral("Are you sure you want to delete this Alias?")},
-          parent) {}
+    : ControlPanelMemberList({QStringLiteral("h3a"), QStringLiteral("Manage Aliases:"),
+                              QStringLiteral("h3aAliases"), QStringLiteral("h3aMembers"),
+                              QStringLiteral("Create Alias"),
+                              QStringLiteral("Please enter a title for the new Alias!"),
+                              QStringLiteral("Delete Alias?"),
+                              QStringLiteral("Are you sure you want to delete this Alias?")},
+                             parent) {}
 
 QStringList ControlPanelAliases::names() const {
     return AliasGroupEditor::AliasNames();

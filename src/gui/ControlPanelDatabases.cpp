@@ -15,6 +15,7 @@
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QShortcut>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -65,27 +66,33 @@ ControlPanelDatabases::ControlPanelDatabases(QWidget* parent) : ControlPanelPage
     m_users->setObjectName(QStringLiteral("h3cUsers"));
     m_users->setHeaderLabels({QStringLiteral("Username"), QStringLiteral("Flags")});
     m_users->setRootIsDecorated(false);
+    m_users->header()->setStretchLastSection(false);
     m_users->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    m_users->header()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
     m_username = new QLineEdit;
     m_username->setObjectName(QStringLiteral("h3cUsername"));
     m_username->setPlaceholderText(QStringLiteral("Username"));
     m_flags = new QLineEdit;
     m_flags->setObjectName(QStringLiteral("h3cFlags"));
     m_flags->setPlaceholderText(QStringLiteral("Flags"));
-    m_flags->setMaximumWidth(60);
+    m_flags->setMaximumWidth(fontMetrics().horizontalAdvance(QStringLiteral("Flags")) + 24);
     QPushButton* addUser = button(QStringLiteral("&Add"), "h3cAddUser");
     QPushButton* removeUser = button(QStringLiteral("&Remove"), "h3cRemoveUser");
     auto* userEntry = new QHBoxLayout;
     userEntry->addWidget(m_username, 1);
     userEntry->addWidget(m_flags);
-    userEntry->addWidget(addUser);
     auto* userColumn = new QVBoxLayout;
     userColumn->addWidget(new QLabel(QStringLiteral("Users:")));
     userColumn->addWidget(m_users, 1);
     userColumn->addLayout(userEntry);
-    userColumn->addWidget(removeUser);
+    auto* userButtons = new QHBoxLayout;
+    userButtons->addWidget(addUser);
+    userButtons->addWidget(removeUser);
+    userColumn->addLayout(userButtons);
     layout->addLayout(userColumn, 1, 2);
-    layout->setColumnStretch(2, 1);
+    layout->setColumnStretch(0, 2);
+    layout->setColumnStretch(1, 2);
+    layout->setColumnStretch(2, 3);
 
     connect(m_databases, &QListWidget::currentRowChanged, this, [this] { showDatabase(); });
     connect(create, &QPushButton::clicked, this, &ControlPanelDatabases::newDatabase);
@@ -94,6 +101,9 @@ ControlPanelDatabases::ControlPanelDatabases(QWidget* parent) : ControlPanelPage
     connect(addUser, &QPushButton::clicked, this, &ControlPanelDatabases::addUser);
     connect(m_flags, &QLineEdit::returnPressed, this, &ControlPanelDatabases::addUser);
     connect(removeUser, &QPushButton::clicked, this, &ControlPanelDatabases::deleteUser);
+    auto* removeKey =
+        new QShortcut(QKeySequence::Delete, m_users, nullptr, nullptr, Qt::WidgetShortcut);
+    connect(removeKey, &QShortcut::activated, this, &ControlPanelDatabases::deleteUser);
     // A user chosen in the list can be given another rank at once.
     connect(m_users, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* item) {
         if (!item) return;
@@ -144,8 +154,9 @@ bool ControlPanelDatabases::accepted(const ManageOutcome& outcome) {
 
 bool ControlPanelDatabases::save() {
     const QString database = selectedDatabase();
-    if (database.isEmpty()) return accepted(ManageOutcome::refused(
-        QStringLiteral("You must select a database profile!")));
+    if (database.isEmpty())
+        return accepted(
+            ManageOutcome::refused(QStringLiteral("You must select a database profile!")));
     bool saved = true;
     for (int row = 0; row < m_bots->count(); ++row) {
         const QListWidgetItem* item = m_bots->item(row);

@@ -58,8 +58,8 @@ void ControlPanelGroups::setColor(qint32 color) {
         return;
     }
     m_colorButton->setText({});
-    m_colorButton->setStyleSheet(QStringLiteral("background-color: %1;")
-                                     .arg(IconPainter::fromBgr(quint32(color)).name()));
+    m_colorButton->setStyleSheet(
+        QStringLiteral("background-color: %1;").arg(IconPainter::fromBgr(quint32(color)).name()));
 }
 
 void ControlPanelGroups::pickColor() {

@@ -17,10 +17,10 @@ class ControlPanelMemberList : public ControlPanelPage {
 public:
     // The words of one such page and the names of its controls.
     struct Texts {
-        QString page;       // "h3a"
-        QString heading;    // "Manage Aliases:"
-        QString list;       // "h3aAliases"
-        QString members;    // "h3aMembers"
+        QString page;    // "h3a"
+        QString heading; // "Manage Aliases:"
+        QString list;    // "h3aAliases"
+        QString members; // "h3aMembers"
         QString createTitle;
         QString createText;
         QString deleteTitle;

@@ -1,10 +1,9 @@
 #include "gui/ControlPanelPlugins.h"
 
+#include "gui/PanelHelpers.h"
 #include "platform/ListModel.h"
 #include "plugins/PluginHost.h"
 #include "presentation/ChatWriter.h"
-
-#include "gui/PanelHelpers.h"
 
 #include <QCheckBox>
 #include <QGridLayout>
@@ -112,7 +111,8 @@ void ControlPanelPlugins::startOrStop() {
         }
         QMessageBox::warning(
             this, name + QStringLiteral(" cannot be loaded!"),
-            QStringLiteral("Could not load plugin, details have been posted in bot console window."));
+            QStringLiteral(
+                "Could not load plugin, details have been posted in bot console window."));
         return;
     }
     consoleLine(QStringLiteral("- Terminating plugin "), name);

@@ -38,9 +38,8 @@ PluginHost::~PluginHost() = default;
 QStringList PluginHost::PluginFiles() {
     const QDir folder(GetProgramFolder() + QStringLiteral("/Plugins"));
     QStringList names;
-    for (const QFileInfo& file :
-         folder.entryInfoList({QStringLiteral("*.js"), QStringLiteral("*.so")}, QDir::Files,
-                              QDir::Name)) {
+    for (const QFileInfo& file : folder.entryInfoList(
+             {QStringLiteral("*.js"), QStringLiteral("*.so")}, QDir::Files, QDir::Name)) {
         if (!names.contains(file.completeBaseName())) names.append(file.completeBaseName());
     }
     return names;
@@ -75,8 +74,9 @@ int PluginHost::StartPlugin(const QString& name) {
         if (!object) throw PluginCallError(QStringLiteral("the plug-in made no object"));
         slot = add({name, 0, object});
     } catch (const PluginCallError& e) {
-        return failed(1, QStringLiteral("Error -> Could not start plugin, plugins() array is "
-                                        "causing error - "),
+        return failed(1,
+                      QStringLiteral("Error -> Could not start plugin, plugins() array is "
+                                     "causing error - "),
                       e);
     }
     try {
@@ -84,8 +84,9 @@ int PluginHost::StartPlugin(const QString& name) {
         object->call(QStringLiteral("Startup"), args);
     } catch (const PluginCallError& e) {
         // The record stays: the object was made.
-        return failed(2, QStringLiteral("Error -> Could not start plugin, cannot create plugin "
-                                        "object - it is not registered properly - "),
+        return failed(2,
+                      QStringLiteral("Error -> Could not start plugin, cannot create plugin "
+                                     "object - it is not registered properly - "),
                       e);
     }
     return slot > 0 ? 0 : 3;
@@ -98,8 +99,9 @@ int PluginHost::StopPlugin(const QString& name) {
             QVariantList args;
             if (m_plugins[i].Object) m_plugins[i].Object->call(QStringLiteral("Shutdown"), args);
         } catch (const PluginCallError& e) {
-            return failed(2, QStringLiteral("Error -> Could not stop plugin, the plugin is missing "
-                                            "or has an error in the Shutdown() event - "),
+            return failed(2,
+                          QStringLiteral("Error -> Could not stop plugin, the plugin is missing "
+                                         "or has an error in the Shutdown() event - "),
                           e);
         }
         m_plugins.erase(m_plugins.begin() + qsizetype(i));

@@ -25,14 +25,14 @@ protected:
 
 TEST_F(AliasLabelEditTest, TypingANameMakesOrJoinsAnAlias) {
     bool accepted = false;
-    EXPECT_TRUE(edit("bob", "bob", "bob", &accepted).contains(
-        "Type something to create an alias for this user."));
+    EXPECT_TRUE(edit("bob", "bob", "bob", &accepted)
+                    .contains("Type something to create an alias for this user."));
     EXPECT_TRUE(accepted);
     EXPECT_TRUE(AliasGroupEditor::AliasNames().isEmpty()) << "own name typed back: nothing";
 
     EXPECT_TRUE(edit("bob", "bob", "Friends").contains("Created alias \"Friends\" for \"bob\"."));
-    EXPECT_TRUE(edit("carl", "carl", "Friends")
-                    .contains("Added \"carl\" to alias called \"Friends\"."));
+    EXPECT_TRUE(
+        edit("carl", "carl", "Friends").contains("Added \"carl\" to alias called \"Friends\"."));
     EXPECT_EQ(AliasGroupEditor::AliasMembers("Friends"), (QStringList{"bob", "carl"}));
 
     const QString refused = edit("dave", "dave", "a\\b", &accepted);

@@ -5,12 +5,12 @@
 #include "commands/BlocksAndFilters.h"
 #include "commands/DatabaseManager.h"
 #include "commands/DatabaseWrapper.h"
+#include "config/Folders.h"
 #include "gui/ControlPanelAliases.h"
 #include "gui/ControlPanelDatabases.h"
 #include "gui/ControlPanelGroups.h"
 #include "gui/ControlPanelPlugins.h"
 #include "gui/UserListView.h"
-#include "config/Folders.h"
 #include "platform/ListModel.h"
 #include "plugins/PluginHost.h"
 #include "session/ProfileLifecycle.h"
@@ -21,8 +21,8 @@
 #include <QFile>
 #include <QInputDialog>
 #include <QLabel>
-#include <QListView>
 #include <QLineEdit>
+#include <QListView>
 #include <QListWidget>
 #include <QMenu>
 #include <QMessageBox>
@@ -109,7 +109,8 @@ TEST_F(ControlPanelPagesTest, DatabasesAreMadeBoundToTickedProfilesAndGiveRanks)
     QLineEdit* flags = child<QLineEdit>(&page, "h3cFlags");
     username->setText(QStringLiteral("bob"));
     flags->setText(QStringLiteral("10"));
-    EXPECT_EQ(warningOf(&page, "h3cAddUser"), QStringLiteral("There are no database profiles created!"));
+    EXPECT_EQ(warningOf(&page, "h3cAddUser"),
+              QStringLiteral("There are no database profiles created!"));
 
     auto* databases = child<QListWidget>(&page, "h3cDatabase");
     EXPECT_EQ(clickAndType(&page, "h3cNew", QString()),
@@ -133,7 +134,8 @@ TEST_F(ControlPanelPagesTest, DatabasesAreMadeBoundToTickedProfilesAndGiveRanks)
     EXPECT_TRUE(Bots(third).Database().isEmpty());
 
     flags->setText(QStringLiteral("abc"));
-    EXPECT_EQ(warningOf(&page, "h3cAddUser"), QStringLiteral("Flags value must be between 1 - 100!"));
+    EXPECT_EQ(warningOf(&page, "h3cAddUser"),
+              QStringLiteral("Flags value must be between 1 - 100!"));
     username->clear();
     flags->setText(QStringLiteral("100"));
     EXPECT_EQ(warningOf(&page, "h3cAddUser"), QStringLiteral("You must enter a username!"));
@@ -214,7 +216,8 @@ TEST_F(ControlPanelPagesTest, TheUserListBlocksRenamesAndOpensTheEditors) {
     EXPECT_FALSE(IsBlocked(QStringLiteral("bob")));
 
     QList<int> rows;
-    QObject::connect(window.get(), &frmBot::controlPanelRequested, [&rows](int row) { rows << row; });
+    QObject::connect(window.get(), &frmBot::controlPanelRequested,
+                     [&rows](int row) { rows << row; });
     action("mnuEditAliases")->trigger();
     action("mnuEditGroups")->trigger();
     EXPECT_EQ(rows, (QList<int>{11, 15}));
@@ -273,8 +276,9 @@ TEST_F(ControlPanelPagesTest, PluginsAreListedDescribedStartedAndStopped) {
     ASSERT_EQ(plugins->count(), 2);
     EXPECT_TRUE(child<QLabel>(&page, "h3gDesc")->text().startsWith("Could not grab description"));
     auto* action = child<QPushButton>(&page, "h3gAction");
-    EXPECT_EQ(warningOf(&page, "h3gAction"),
-              QStringLiteral("Could not load plugin, details have been posted in bot console window."));
+    EXPECT_EQ(
+        warningOf(&page, "h3gAction"),
+        QStringLiteral("Could not load plugin, details have been posted in bot console window."));
     EXPECT_TRUE(rtbChat(0).text().contains("Error -> Could not start plugin"));
     EXPECT_FALSE(host.isLoaded(QStringLiteral("Broken")));
 

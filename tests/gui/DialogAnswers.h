@@ -10,8 +10,7 @@
 // returned guard lives: `answer` gets it to fill in, read and close. A box of
 // another type is left to another guard, so an input box and the warning it
 // leads to can each have their own.
-template <class Box>
-std::unique_ptr<QTimer> answerNext(std::function<void(Box*)> answer) {
+template <class Box> std::unique_ptr<QTimer> answerNext(std::function<void(Box*)> answer) {
     auto timer = std::make_unique<QTimer>();
     timer->setInterval(5);
     QTimer* self = timer.get();

@@ -1,5 +1,6 @@
 #include "commands/AliasGroupEditor.h"
 
+#include "chat/BotElement.h"
 #include "commands/AliasesAndGroups.h"
 #include "config/RegistryWrapper.h"
 #include "config/SettingsWrapper.h"
@@ -44,27 +45,31 @@ QStringList withoutEmptySlot(QStringList names) {
     return names;
 }
 
-void refreshScreen() {
-    RefreshAliasesAndGroups(SlotTable::instance().CurrentIndex());
-}
-
 ManageOutcome created(const char* tree, const QString& name, bool existed) {
     if (!exists(tree, name)) return ManageOutcome::storeRefused(QStringLiteral("create ") + name);
     ManageOutcome outcome = ManageOutcome::done();
     outcome.existed = existed;
-    refreshScreen();
+    AliasGroupEditor::RefreshEveryList();
     return outcome;
 }
 
 ManageOutcome removed(const char* tree, const QString& name) {
     if (exists(tree, name)) return ManageOutcome::storeRefused(QStringLiteral("delete ") + name);
-    refreshScreen();
+    AliasGroupEditor::RefreshEveryList();
     return ManageOutcome::done();
 }
 
 } // namespace
 
 namespace AliasGroupEditor {
+
+void RefreshEveryList() {
+    SlotTable& table = SlotTable::instance();
+    RefreshAliasesAndGroups(table.CurrentIndex());
+    for (int i = 1; i <= table.highestIndex(); ++i) {
+        if (i != table.CurrentIndex() && table.bot(i).IsLoaded) RefreshAliasesAndGroups(i);
+    }
+}
 
 QStringList SplitMembers(const QString& text) {
     QStringList members;
@@ -116,7 +121,7 @@ ManageOutcome SaveAlias(const QString& name, const QStringList& members) {
     RewriteAlias(name, members);
     if (!holdsMembers("Aliases", name, members, IsAliasMember))
         return ManageOutcome::storeRefused(QStringLiteral("save the alias ") + name);
-    refreshScreen();
+    RefreshEveryList();
     return ManageOutcome::done();
 }
 
@@ -139,7 +144,7 @@ ManageOutcome SaveGroup(const QString& name, const QStringList& members, qint32 
     if (!holdsMembers("Groups", name, members, IsGroupMember) || GetGroupColor(name) != color ||
         GetGroupPrefix(name) != prefix)
         return ManageOutcome::storeRefused(QStringLiteral("save the group ") + name);
-    refreshScreen();
+    RefreshEveryList();
     return ManageOutcome::done();
 }
 

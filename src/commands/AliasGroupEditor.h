@@ -7,9 +7,14 @@
 
 // What the alias and group editors do to the store: make, remove and rewrite
 // an alias or a group, each save checked by reading the store back. A save
-// refreshes the user list and menus of the slot on screen at once, so the
-// running bot shows the change without a restart.
+// refreshes the user lists and menus at once, so the running bot shows the
+// change without a restart.
 namespace AliasGroupEditor {
+
+// Renames and recolours the items of every loaded slot's user list after the
+// aliases and groups, the slot on screen first, and rebuilds the menus. Not
+// only the slot on screen: a tab switched to later shows no stale name.
+void RefreshEveryList();
 
 // The members typed one a line (CR LF or LF); blank lines are no members.
 QStringList SplitMembers(const QString& text);

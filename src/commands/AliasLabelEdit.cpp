@@ -1,10 +1,10 @@
 #include "commands/AliasLabelEdit.h"
 
+#include "commands/AliasGroupEditor.h"
 #include "commands/AliasesAndGroups.h"
 #include "config/RegistryWrapper.h"
 #include "config/SettingsWrapper.h"
 #include "presentation/ChatWriter.h"
-#include "session/SlotTable.h"
 #include "statistics/UserNames.h"
 
 namespace {
@@ -69,7 +69,7 @@ bool AliasLabelEdit::finish(const QString& text) {
         else
             join(text);
     }
-    RefreshAliasesAndGroups(SlotTable::instance().CurrentIndex());
+    AliasGroupEditor::RefreshEveryList();
     return true;
 }
 

@@ -152,10 +152,12 @@ TEST_F(ControlPanelPagesTest, DatabasesAreMadeBoundToTickedProfilesAndGiveRanks)
     EXPECT_EQ(page.selectedDatabase(), QStringLiteral("Other"));
 }
 
-TEST_F(ControlPanelPagesTest, SavedAliasesAndGroupsShowAtOnceInTheActiveList) {
+TEST_F(ControlPanelPagesTest, SavedAliasesAndGroupsShowAtOnceInTheUserLists) {
     const int slot = onlineSlot(QStringLiteral("Watcher"));
+    const int hidden = onlineSlot(QStringLiteral("Hidden"));
     SlotTable::instance().SelectBot(slot);
-    event(slot, 1, QStringLiteral("bob"), QStringLiteral("RATS 0 0 0"));
+    for (int i : {slot, hidden})
+        event(i, 1, QStringLiteral("bob"), QStringLiteral("RATS 0 0 0"));
     const QAbstractItemModel* list = window->userList()->model();
 
     ControlPanelAliases aliases;
@@ -167,6 +169,7 @@ TEST_F(ControlPanelPagesTest, SavedAliasesAndGroupsShowAtOnceInTheActiveList) {
     ASSERT_TRUE(aliases.save());
     EXPECT_EQ(AliasGroupEditor::AliasMembers(QStringLiteral("Crew")), (QStringList{"bob", "carl"}));
     EXPECT_EQ(list->index(0, 0).data().toString(), QStringLiteral("Crew"));
+    EXPECT_EQ(lvUsers(hidden).item(1).text, QStringLiteral("Crew")) << "the tab not on screen too";
     child<QPlainTextEdit>(&aliases, "h3aMembers")->setPlainText(QStringLiteral("a\\b"));
     {
         const auto warned = answerNext<QMessageBox>([](QMessageBox* box) { box->accept(); });

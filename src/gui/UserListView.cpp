@@ -104,6 +104,8 @@ UserListView::UserListView(Kind kind, QWidget* parent) : QTreeView(parent), m_ki
     setMouseTracking(true);
     viewport()->setMouseTracking(true);
     setItemDelegate(new ListItemDelegate(this));
+    m_renameClick.setSingleShot(true);
+    connect(&m_renameClick, &QTimer::timeout, this, [this] { renameSelected(); });
     showSlot(0);
 }
 
@@ -326,6 +328,9 @@ void UserListView::endRename(bool commit) {
     m_renameEditor = nullptr;
     const QString text = editor->text();
     editor->hide();
+    // Gone at once for anyone looking for the editor; deleted once its own
+    // signal has returned.
+    editor->setObjectName({});
     editor->deleteLater();
     if (commit && m_rename.active()) m_rename.finish(text);
     setFocus();
@@ -363,8 +368,22 @@ void UserListView::mouseMoveEvent(QMouseEvent* event) {
     QTreeView::mouseMoveEvent(event);
 }
 
+void UserListView::mousePressEvent(QMouseEvent* event) {
+    // A click on the name already chosen edits it, once the wait for a
+    // double click has passed.
+    const QModelIndex index = indexAt(event->position().toPoint());
+    m_renameOnRelease = m_kind == Kind::Users && event->button() == Qt::LeftButton &&
+                        index.isValid() && index.column() == 0 &&
+                        selectionModel()->isRowSelected(index.row(), {});
+    QTreeView::mousePressEvent(event);
+}
+
 void UserListView::mouseReleaseEvent(QMouseEvent* event) {
     QTreeView::mouseReleaseEvent(event);
+    if (m_renameOnRelease) {
+        m_renameOnRelease = false;
+        m_renameClick.start(QApplication::doubleClickInterval());
+    }
     if (event->button() != Qt::RightButton) return;
     const QModelIndex index = indexAt(event->position().toPoint());
     if (index.isValid()) setCurrentIndex(index);
@@ -372,6 +391,8 @@ void UserListView::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void UserListView::mouseDoubleClickEvent(QMouseEvent* event) {
+    m_renameClick.stop();
+    m_renameOnRelease = false;
     QTreeView::mouseDoubleClickEvent(event);
     const QString user = selectedUser();
     if (m_kind == Kind::Users && !user.isEmpty()) Q_EMIT whisperRequested(user);

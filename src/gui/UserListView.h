@@ -2,6 +2,7 @@
 
 #include "commands/AliasLabelEdit.h"
 
+#include <QTimer>
 #include <QTreeView>
 
 class ListModel;
@@ -34,8 +35,9 @@ public:
     // The context menu as it would pop up for the selected item; null with
     // no selection. Owned by the view.
     QMenu* contextMenu();
-    // Starts editing the selected user's name in place (F2): what is typed
-    // becomes the user's alias. Returns the editor, null with no selection.
+    // Starts editing the selected user's name in place (F2, or a click on the
+    // chosen name): what is typed becomes the user's alias. Returns the
+    // editor, null with no selection.
     QLineEdit* renameSelected();
 
     // The control panel's rows that the menu opens.
@@ -53,6 +55,7 @@ Q_SIGNALS:
 protected:
     void keyPressEvent(QKeyEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void leaveEvent(QEvent* event) override;
@@ -76,5 +79,7 @@ private:
     QMenu* m_menu = nullptr;
     int m_tooltipBuilds = 0;
     QLineEdit* m_renameEditor = nullptr;
+    bool m_renameOnRelease = false;
+    QTimer m_renameClick;
     AliasLabelEdit m_rename;
 };

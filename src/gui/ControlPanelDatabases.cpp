@@ -54,7 +54,9 @@ ControlPanelDatabases::ControlPanelDatabases(QWidget* parent) : ControlPanelPage
     auto* note = new QLabel(
         QStringLiteral("Check which bots you want to use this database then click \"Save\""));
     note->setWordWrap(true);
-    QPushButton* bind = button(QStringLiteral("&Save"), "h3cBind");
+    // No accelerator: Alt+S belongs to the control panel's own Save, which
+    // binds as well.
+    QPushButton* bind = button(QStringLiteral("Save"), "h3cBind");
     auto* botColumn = new QVBoxLayout;
     botColumn->addWidget(new QLabel(QStringLiteral("Bots:")));
     botColumn->addWidget(m_bots, 1);

@@ -7,6 +7,7 @@
 #include "control/ControlServer.h"
 #include "control/TerminalVerbs.h"
 #include "gui/frmBot.h"
+#include "platform/TerminationSignals.h"
 #include "presentation/ChatWriter.h"
 #include "session/ShutdownSequence.h"
 #include "session/SlotTable.h"
@@ -29,6 +30,7 @@ namespace {
 
 struct Options {
     bool headless = false;
+    bool noInput = false;
     bool connect = false;
     QString home;
     QString importReg;
@@ -47,6 +49,10 @@ Options parseOptions(const QCoreApplication& app) {
     const QCommandLineOption home(QStringLiteral("home"),
                                   QStringLiteral("Keep every file of this run under DIR."),
                                   QStringLiteral("DIR"));
+    const QCommandLineOption noInput(QStringLiteral("no-input"),
+                                     QStringLiteral("With --headless: do not read the terminal; "
+                                                    "run until SIGTERM or QUIT (for a "
+                                                    "service)."));
     const QCommandLineOption connect(QStringLiteral("connect"),
                                      QStringLiteral("Connect every profile loaded at start."));
     const QCommandLineOption importReg(QStringLiteral("import-reg"),
@@ -57,14 +63,14 @@ Options parseOptions(const QCoreApplication& app) {
                                        QStringLiteral("Export the settings below KEY to FILE "
                                                       "and exit (--export-reg KEY FILE)."),
                                        QStringLiteral("KEY FILE"));
-    parser.addOptions({headless, home, connect, importReg, exportReg});
+    parser.addOptions({headless, noInput, home, connect, importReg, exportReg});
     parser.process(app);
     // The file may follow the key as a plain word, or come as a second
     // --export-reg as it did before.
     QStringList exportArgs = parser.values(exportReg);
     if (exportArgs.size() == 1) exportArgs += parser.positionalArguments().mid(0, 1);
-    return {parser.isSet(headless), parser.isSet(connect), parser.value(home),
-            parser.value(importReg), exportArgs};
+    return {parser.isSet(headless) || parser.isSet(noInput), parser.isSet(noInput),
+            parser.isSet(connect), parser.value(home), parser.value(importReg), exportArgs};
 }
 
 // `corvantide [--home DIR] VERB ...`: the words from the first terminal verb
@@ -184,7 +190,7 @@ int runHeadless(QCoreApplication& app, const Options& options) {
     openControlChannel(control);
     if (options.connect) QTimer::singleShot(0, &app, connectLoadedProfiles);
     console.setLineHandler(sendTypedLine);
-    console.startReading();
+    if (!options.noInput) console.startReading();
     const int code = app.exec();
     ShutdownSequence().run();
     console.flush();
@@ -211,7 +217,7 @@ int runWindow(QCoreApplication& app, const Options& options) {
 // help or version text.
 bool runsWithoutWindow(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
-        for (const char* option : {"--headless", "--import-reg", "--export-reg", "--help", "-h",
+        for (const char* option : {"--headless", "--no-input", "--import-reg", "--export-reg", "--help", "-h",
                                    "--version", "-v", "--help-all"}) {
             const size_t length = std::strlen(option);
             if (std::strncmp(argv[i], option, length) == 0 &&
@@ -245,6 +251,7 @@ int main(int argc, char** argv) {
     QCoreApplication& app = *application;
     QCoreApplication::setApplicationName(QStringLiteral("Corvantide"));
     QCoreApplication::setApplicationVersion(QStringLiteral(CORVANTIDE_VERSION));
+    QuitOnTermination(app);
     const Options options = parseOptions(app);
     if (!options.home.isEmpty()) SetHomeFolder(options.home);
     if (!options.importReg.isEmpty() || !options.exportReg.isEmpty())

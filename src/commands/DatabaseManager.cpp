@@ -103,7 +103,8 @@ ManageOutcome CreateDatabase(const QString& name) {
     if (name.contains(u'\\'))
         return refused(QStringLiteral("A database name cannot contain backslashes."));
     const bool existed = !FindDatabase(name).isEmpty();
-    if (store().CreateKey(databaseKey(name)) == 0) return storeRefused(QStringLiteral("create the database"));
+    if (store().CreateKey(databaseKey(name)) == 0)
+        return storeRefused(QStringLiteral("create the database"));
     ManageOutcome outcome = ManageOutcome::done();
     outcome.existed = existed;
     return outcome;
@@ -142,7 +143,8 @@ ManageOutcome ReleaseDatabase(const QString& profile, const QString& database) {
     const QString storedProfile = ProfileLifecycle::FindProfile(profile);
     if (storedProfile.isEmpty()) return noSuchProfile(profile);
     const QString bound = BoundDatabase(storedProfile);
-    if (bound.isEmpty() || bound.compare(database, Qt::CaseInsensitive) != 0) return ManageOutcome::done();
+    if (bound.isEmpty() || bound.compare(database, Qt::CaseInsensitive) != 0)
+        return ManageOutcome::done();
     if (!writeBinding(storedProfile, QString()))
         return storeRefused(QStringLiteral("unbind the database"));
     return ManageOutcome::done();
@@ -158,10 +160,12 @@ ManageOutcome SetUserRank(const QString& database, const QString& user, qint32 r
         return refused(QStringLiteral("There are no database profiles created!"));
     if (database.isEmpty()) return refused(QStringLiteral("You must select a database profile!"));
     if (user.isEmpty()) return refused(QStringLiteral("You must enter a username!"));
-    if (rank <= 0 || rank >= 101) return refused(QStringLiteral("Flags value must be between 1 - 100!"));
+    if (rank <= 0 || rank >= 101)
+        return refused(QStringLiteral("Flags value must be between 1 - 100!"));
     const QString stored = FindDatabase(database);
     if (stored.isEmpty()) return noSuchDatabase(database);
-    if (user.contains(u'\\')) return refused(QStringLiteral("A username cannot contain backslashes."));
+    if (user.contains(u'\\'))
+        return refused(QStringLiteral("A username cannot contain backslashes."));
     if (store().WriteDWORD(userKey(stored, user), kFlags, rank) == 0)
         return storeRefused(QStringLiteral("store the rank"));
     return ManageOutcome::done();
@@ -174,7 +178,8 @@ ManageOutcome DeleteUser(const QString& database, const QString& user) {
         return refused(QStringLiteral("There is no user called \"") + user +
                        QStringLiteral("\" in the database."));
     store().KillKey(userKey(stored, user));
-    if (store().KeyExists(userKey(stored, user))) return storeRefused(QStringLiteral("delete the user"));
+    if (store().KeyExists(userKey(stored, user)))
+        return storeRefused(QStringLiteral("delete the user"));
     return ManageOutcome::done();
 }
 

@@ -420,14 +420,15 @@ void frmBot::DisplayProfiles() {
 frmConfig* frmBot::openConfiguration(int slot) {
     auto* form = new frmConfig(slot, this);
     form->setAttribute(Qt::WA_DeleteOnClose);
-    connect(form, &frmConfig::controlPanelRequested, this,
-            [this, form](int row) { openControlPanel(row, form); });
+    connect(form, &frmConfig::controlPanelRequested, this, &frmBot::controlPanelRequested);
     form->open();
     return form;
 }
 
-void frmBot::openControlPanel(int row, QWidget* over) {
+void frmBot::openControlPanel(int row) {
     Q_UNUSED(row);
+    // Over the dialog that asked, when one did.
+    QWidget* over = QApplication::activeModalWidget();
     auto* box = new QMessageBox(QMessageBox::Information, QStringLiteral("Control Panel"),
                                 QStringLiteral("The control panel is not available yet."),
                                 QMessageBox::Ok, over ? over : this);
@@ -555,6 +556,8 @@ QWidget* frmBot::buildCentre() {
     connect(m_users, &UserListView::whisperRequested, m_send, &SendBox::startWhisper);
     connect(m_users, &UserListView::lineRequested, this,
             [](int slot, const QString& line) { SendUserLine(slot, line); });
+    connect(m_users, &UserListView::controlPanelRequested, this, &frmBot::controlPanelRequested);
+    connect(this, &frmBot::controlPanelRequested, this, &frmBot::openControlPanel);
     side->addWidget(m_listStack, 1);
     m_listChooser = new QWidget;
     m_listChooser->setObjectName(QStringLiteral("guiToolbarBoxList"));

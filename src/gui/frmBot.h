@@ -71,8 +71,9 @@ public:
 
     // The profile form, on the profile of that slot when it has one.
     frmConfig* openConfiguration(int slot);
-    // The control panel on a row of its list, over the form that asked.
-    void openControlPanel(int row, QWidget* over);
+    // The control panel on a row of its list; every request for it (the
+    // user list's menu, the profile form's databases) comes here.
+    void openControlPanel(int row);
     QMenu* mnuProfileAdd() const { return m_mnuProfileAdd; }
 
     // The menu commands that act on a slot.
@@ -81,6 +82,10 @@ public:
 
     // The least size of the window.
     static constexpr QSize kMinimumSize{533, 400};
+
+Q_SIGNALS:
+    // The user list asks for the control panel, opened on that row.
+    void controlPanelRequested(int row);
 
 protected:
     void closeEvent(QCloseEvent* event) override;

@@ -12,6 +12,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -364,8 +365,9 @@ void frmConfig::fillOffered(OfferedList::Kind kind) {
 }
 
 void frmConfig::fillDatabases() {
+    // Unlike the boxes one types into, a deleted database must not stay on
+    // offer: a profile bound to it would answer nobody.
     const QStringList entries = OfferedList::entries(OfferedList::Databases);
-    if (entries.isEmpty()) return;
     const QString chosen = cboDB->currentText();
     cboDB->clear();
     cboDB->addItems(entries);
@@ -545,6 +547,11 @@ void frmConfig::cmdProfileManage_Click() {
 void frmConfig::cmdDBMan_Click() {
     Q_EMIT controlPanelRequested(kDatabasesRow);
     fillDatabases();
+}
+
+void frmConfig::changeEvent(QEvent* event) {
+    QDialog::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && isActiveWindow()) fillDatabases();
 }
 
 void frmConfig::Image2_Click() {

@@ -56,6 +56,11 @@ Q_SIGNALS:
     // The control panel should open on that row of its list.
     void controlPanelRequested(int row);
 
+protected:
+    // Back from the control panel, or from anywhere a database may have been
+    // made: the databases are offered afresh.
+    void changeEvent(QEvent* event) override;
+
 private:
     struct OfferedBox {
         OfferedList::Kind kind;

@@ -26,7 +26,8 @@ protected:
 
 TEST_F(DatabaseManagerTest, CreatingRefusesEmptyNamesAndKeepsAnExistingDatabase) {
     using namespace DatabaseManager;
-    EXPECT_EQ(CreateDatabase({}).warning, QStringLiteral("You must enter a name for the database!"));
+    EXPECT_EQ(CreateDatabase({}).warning,
+              QStringLiteral("You must enter a name for the database!"));
     EXPECT_FALSE(CreateDatabase(QStringLiteral("a\\b")).ok);
     EXPECT_TRUE(ListDatabases().isEmpty());
 

@@ -2,6 +2,7 @@
 // applies them for a person at a terminal.
 #include "chat/BotElement.h"
 #include "common/SlotFixture.h"
+#include "config/QtPrinters.h"
 #include "config/RegistryWrapper.h"
 #include "config/SettingsWrapper.h"
 #include "control/TerminalVerbs.h"
@@ -135,7 +136,6 @@ TEST_F(TerminalVerbs_, UserbasesAreMadeFilledAndBoundInOneLineEach) {
     EXPECT_EQ(run(QStringLiteral("database|delete|Crew")).status, 0);
     EXPECT_TRUE(Bots(slot).Database().isEmpty());
     expectRefused(QStringLiteral("database|list|Crew"),
-                  QStringLiteral("No database named 'Crew'; `corvantide database list` shows "
-                                 "them."));
+                  QStringLiteral("There is no database called \"Crew\"."));
     run(QStringLiteral("profile|delete|Keeper"));
 }

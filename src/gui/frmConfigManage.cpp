@@ -1,6 +1,7 @@
 #include "gui/frmConfigManage.h"
 
 #include "gui/DialogParts.h"
+#include "gui/PanelHelpers.h"
 
 #include <QAction>
 #include <QDialogButtonBox>
@@ -75,11 +76,6 @@ void frmConfigManage::fill() {
     m_list->addItems(OfferedList::entries(m_kind));
 }
 
-QString frmConfigManage::selectedEntry() const {
-    const QListWidgetItem* item = m_list->currentItem();
-    return item && item->isSelected() ? item->text() : QString();
-}
-
 bool frmConfigManage::acceptEntry(const QString&) {
     return true;
 }
@@ -94,14 +90,14 @@ void frmConfigManage::cmdAdd_Click() {
 }
 
 void frmConfigManage::cmdDel_Click() {
-    const QString entry = selectedEntry();
+    const QString entry = ChosenText(m_list);
     if (entry.isEmpty()) return;
     OfferedList::remove(m_kind, entry);
     fill();
 }
 
 void frmConfigManage::cmdEdit_Click() {
-    const QString entry = selectedEntry();
+    const QString entry = ChosenText(m_list);
     if (entry.isEmpty()) return;
     m_text->setText(entry);
     OfferedList::remove(m_kind, entry);

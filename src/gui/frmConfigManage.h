@@ -37,7 +37,6 @@ protected:
 
 private:
     void fill();
-    QString selectedEntry() const;
 
     OfferedList::Kind m_kind = OfferedList::Accounts;
     QListWidget* m_list;

@@ -2,6 +2,7 @@
 
 #include "chat/BotElement.h"
 #include "gui/DialogParts.h"
+#include "gui/PanelHelpers.h"
 #include "session/ProfileLifecycle.h"
 #include "session/SlotTable.h"
 
@@ -56,13 +57,8 @@ frmConfigManageProfile::frmConfigManageProfile(QWidget* parent) : QDialog(parent
     resize(380, 320);
 }
 
-QString frmConfigManageProfile::selectedProfile() const {
-    const QListWidgetItem* item = m_list->currentItem();
-    return item && item->isSelected() ? item->text() : QString();
-}
-
 void frmConfigManageProfile::showList(const QString& select) {
-    QString wanted = select.isEmpty() ? selectedProfile() : select;
+    QString wanted = select.isEmpty() ? ChosenText(m_list) : select;
     if (wanted.isEmpty()) {
         const int active = SlotTable::instance().CurrentIndex();
         if (active > 0) wanted = Bots(active).Profile();
@@ -104,7 +100,7 @@ void frmConfigManageProfile::askName(const QString& prompt,
 }
 
 void frmConfigManageProfile::cmdClone_Click() {
-    const QString from = selectedProfile();
+    const QString from = ChosenText(m_list);
     if (from.isEmpty()) return;
     askName(QStringLiteral("What do you want to call the cloned profile?"),
             [this, from](const QString& to) {
@@ -115,7 +111,7 @@ void frmConfigManageProfile::cmdClone_Click() {
 }
 
 void frmConfigManageProfile::cmdRename_Click() {
-    const QString from = selectedProfile();
+    const QString from = ChosenText(m_list);
     if (from.isEmpty()) return;
     askName(QStringLiteral("What do you want to rename ") + from + QStringLiteral(" to?"),
             [this, from](const QString& to) {
@@ -129,7 +125,7 @@ void frmConfigManageProfile::cmdRename_Click() {
 }
 
 void frmConfigManageProfile::cmdDel_Click() {
-    const QString name = selectedProfile();
+    const QString name = ChosenText(m_list);
     if (name.isEmpty()) return;
     auto* box = new QMessageBox(QMessageBox::Question, windowTitle(),
                                 QStringLiteral("Are you sure you want to delete this profile? \n"

@@ -28,7 +28,6 @@ private:
     // Refills the list, keeping the selected profile, else choosing the one
     // on screen in the main window.
     void showList(const QString& select = {});
-    QString selectedProfile() const;
     void askName(const QString& prompt, const std::function<void(const QString&)>& answered);
 
     QListWidget* m_list;

@@ -1,5 +1,6 @@
 #include "control/ProfileVerbs.h"
 
+#include "config/ProfileSheet.h"
 #include "config/SettingsCatalogue.h"
 #include "control/TypedValue.h"
 #include "session/ProfileLifecycle.h"
@@ -8,12 +9,10 @@ namespace {
 
 using Entry = SettingsCatalogue::Entry;
 
-// In the order of the configuration form's product list.
-const QStringList& productCodes() {
-    static const QStringList codes{QStringLiteral("STAR"), QStringLiteral("SEXP"),
-                                   QStringLiteral("D2DV"), QStringLiteral("D2XP"),
-                                   QStringLiteral("W2BN"), QStringLiteral("WAR3"),
-                                   QStringLiteral("W3XP")};
+QStringList productCodes() {
+    QStringList codes;
+    for (int i = 0; i < ProfileSheet::ProductNames().size(); ++i)
+        codes.append(ProfileSheet::productCode(i));
     return codes;
 }
 
@@ -108,21 +107,13 @@ VerbResult unknownValue(const QString& valueName) {
 
 // The product is chosen by its code; the product list's index and the
 // product's name are understood too.
-bool productCode(const QString& text, QString& code) {
-    static const QStringList names{
-        QStringLiteral("StarCraft"),   QStringLiteral("StarCraft: BroodWar"),
-        QStringLiteral("Diablo II"),   QStringLiteral("Diablo II: Lord of Destruction"),
-        QStringLiteral("WarCraft II"), QStringLiteral("WarCraft III"),
-        QStringLiteral("WarCraft III: Frozen Throne")};
-    const QString upper = text.trimmed().toUpper();
-    if (productCodes().contains(upper)) {
-        code = upper;
-        return true;
-    }
-    for (qsizetype i = 0; i < names.size(); ++i) {
-        if (names[i].compare(text.trimmed(), Qt::CaseInsensitive) == 0 ||
-            text.trimmed() == QString::number(i)) {
-            code = productCodes()[i];
+bool productCode(const QString& typed, QString& code) {
+    const QString text = typed.trimmed();
+    const QStringList names = ProfileSheet::ProductNames();
+    for (int i = 0; i < names.size(); ++i) {
+        if (ProfileSheet::productCode(i).compare(text, Qt::CaseInsensitive) == 0 ||
+            names[i].compare(text, Qt::CaseInsensitive) == 0 || text == QString::number(i)) {
+            code = ProfileSheet::productCode(i);
             return true;
         }
     }

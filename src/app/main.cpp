@@ -102,6 +102,13 @@ void connectLoadedProfiles() {
         table.ConnectBot(i);
 }
 
+// A store that was no settings store went aside for a fresh one: the first
+// line of the console says where, before the user misses the old settings.
+void reportStoreMovedAside() {
+    const QString notice = RegistryWrapper::instance().movedAsideNotice();
+    if (!notice.isEmpty()) WriteChat(0, Status::Error, notice);
+}
+
 int runHeadless(QCoreApplication& app, const Options& options) {
     HeadlessConsole console(stdout, isatty(STDOUT_FILENO) != 0);
     QObject::connect(&console, &HeadlessConsole::endOfInput, &app, &QCoreApplication::quit);
@@ -111,6 +118,7 @@ int runHeadless(QCoreApplication& app, const Options& options) {
                      [](const QString& title, const QString& text) {
                          std::fprintf(stderr, "%s: %s\n", qPrintable(title), qPrintable(text));
                      });
+    reportStoreMovedAside();
     StartupSequence startup;
     if (!startup.run()) {
         console.flush();
@@ -131,6 +139,7 @@ int runWindow(QCoreApplication& app, const Options& options) {
     // The window exists before the start-up so that it sees every slot and
     // every line from the first.
     frmBot window;
+    reportStoreMovedAside();
     StartupSequence startup;
     if (!startup.run()) return 1;
     if (options.connect) QTimer::singleShot(0, &app, connectLoadedProfiles);
@@ -172,11 +181,9 @@ int main(int argc, char** argv) {
     if (!options.importReg.isEmpty() || !options.exportReg.isEmpty())
         return runSettingsCommand(options);
     if (!RegistryWrapper::instance().isOpen()) {
-        // Another Corvantide holds this settings store; a second one would
-        // run on defaults and lose every change.
-        const QString text = QStringLiteral("Could not open the settings store %1: is Corvantide "
-                                            "already running with this home?")
-                                 .arg(RegistryWrapper::defaultStoreFile());
+        // A run without its store would go on defaults and lose every
+        // change: a lock, a read-only file and a damaged one each say so.
+        const QString text = RegistryWrapper::instance().openError();
         std::fprintf(stderr, "%s\n", qPrintable(text));
         if (!windowless) QMessageBox::critical(nullptr, QStringLiteral("Corvantide"), text);
         return 1;

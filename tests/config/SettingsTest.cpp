@@ -126,9 +126,12 @@ TEST_F(Settings, StartupIsAnAutostartEntry) {
     EXPECT_TRUE(text.contains(exec)) << text.constData();
     EXPECT_TRUE(text.startsWith("[Desktop Entry]\n"));
 
-    settings_.setWindowsStartup(false);
+    EXPECT_TRUE(settings_.setWindowsStartup(false));
     EXPECT_FALSE(settings_.WindowsStartup());
-    EXPECT_TRUE(QFile::exists(AutostartFile())) << "off keeps the entry, hidden";
+    EXPECT_FALSE(QFile::exists(AutostartFile())) << "off removes the entry";
+    // Writing the settings back at a start makes no entry nobody asked for.
+    settings_.WriteBackStartupSettings();
+    EXPECT_FALSE(QFile::exists(AutostartFile()));
 
     // A home with characters the Exec line reserves is quoted and escaped.
     QTemporaryDir odd(home_.filePath(QStringLiteral("my $dir \"x\" XXXXXX")));

@@ -1070,6 +1070,7 @@ bool RegistryWrapper::importValue(const QString& key, const QString& line, const
         return true;
     }
     int written = 0;
+    bool removesDefault = false;
     if (data == u"-") {
         KillValue(key, name);
         return true;
@@ -1092,13 +1093,15 @@ bool RegistryWrapper::importValue(const QString& key, const QString& line, const
         written = WriteDWORD(key, name, number);
     } else {
         written = WriteSTRING(key, name, data);
-        if (written && data.isEmpty() && name == u"@") KillValue(key, QString());
+        // An empty default is no value: the line removes the one there is.
+        removesDefault = data.isEmpty() && name == u"@";
+        if (written && removesDefault) KillValue(key, QString());
     }
     if (!written) {
         report.failure = where + QStringLiteral("not saved: ") + lastError_;
         return false;
     }
-    ++report.values;
+    if (!removesDefault) ++report.values;
     return true;
 }
 

@@ -400,7 +400,7 @@ TEST_F(Store, ImportLineRules) {
     EXPECT_EQ(store_.ReadDWORD(key + QStringLiteral("\\New"), QStringLiteral("Made")), 1);
 }
 
-TEST_F(Store, ImportRefusalsAndStops) {
+TEST_F(Store, ImportRefusalsAndLinesItCouldNotRead) {
     EXPECT_FALSE(store_.ImportFromReg(path("missing.reg")));
     writeFile(QStringLiteral("v5.reg"), "Windows Registry Editor Version 5.00\r\n\r\n");
     EXPECT_FALSE(store_.ImportFromReg(path("v5.reg")));
@@ -414,13 +414,14 @@ TEST_F(Store, ImportRefusalsAndStops) {
               QByteArray("REGEDIT4\r\n[HKCU\\Software\\Bad]\r\n"
                          "\"First\"=dword:00000001\r\n"
                          "\"Broken\"=dword:12x\r\n"
-                         "\"Open=\"quote\r\n"
-                         "\"Nul\0Name\"=\"x\"\r\n"
-                         "\"Blob\"=hex:4G\r\n"
-                         "[HKXX\\Software\\Nowhere]\r\n\"Lost\"=\"x\"\r\n"
-                         "[HKEY_LOCAL_MACHINE\\Software\\Machine]\r\n\"Lost\"=\"x\"\r\n"
-                         "[HKCU\\Software\\Bad]\r\n\"Later\"=dword:00000002\r\n",
-                         178));
+                         "\"Open\"=\"quote\r\n"
+                         "\"Nul") +
+                  '\0' +
+                  QByteArray("Name\"=\"x\"\r\n"
+                             "\"Blob\"=hex:4G\r\n"
+                             "[HKXX\\Software\\Nowhere]\r\n\"Lost\"=\"x\"\r\n"
+                             "[HKEY_LOCAL_MACHINE\\Software\\Machine]\r\n\"Lost\"=\"x\"\r\n"
+                             "[HKCU\\Software\\Bad]\r\n\"Later\"=dword:00000002\r\n"));
     RegistryWrapper::ImportReport report;
     EXPECT_TRUE(store_.ImportFromReg(path("bad.reg"), &report));
     const QString bad = QStringLiteral("HKCU\\Software\\Bad");

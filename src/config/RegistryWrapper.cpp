@@ -12,10 +12,10 @@
 #include <QStringTokenizer>
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <fcntl.h>
 #include <optional>
 #include <sqlite3.h>
-#include <cerrno>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
@@ -381,11 +381,10 @@ bool RegistryWrapper::openDatabase() {
                                     .arg(QString(root.shortForm).toLower(), root.shortForm);
             ok = exec(sql.toUtf8().constData());
         }
+        ok = ok && exec("COMMIT");
+        if (ok && prepareStatements()) return true;
         // Tables of ours that do not take our statements: a damaged store.
-        if (ok && !(exec("COMMIT") && prepareStatements()) && openCode_ == SQLITE_OK)
-            openCode_ = SQLITE_CORRUPT;
-        else if (ok)
-            return true;
+        if (ok) openCode_ = SQLITE_CORRUPT;
     }
     if (openCode_ == SQLITE_OK && db_) {
         openCode_ = sqlite3_extended_errcode(db_);

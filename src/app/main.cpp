@@ -4,6 +4,7 @@
 #include "config/Folders.h"
 #include "config/RegCommands.h"
 #include "config/RegistryWrapper.h"
+#include "config/SettingsWrapper.h"
 #include "gui/frmBot.h"
 #include "presentation/ChatWriter.h"
 #include "session/ShutdownSequence.h"
@@ -104,9 +105,16 @@ void connectLoadedProfiles() {
 
 // A store that was no settings store went aside for a fresh one: the first
 // line of the console says where, before the user misses the old settings.
-void reportStoreMovedAside() {
+// Later, a setting the disk did not take is a red line too.
+void reportStoreTrouble() {
     const QString notice = RegistryWrapper::instance().movedAsideNotice();
     if (!notice.isEmpty()) WriteChat(0, Status::Error, notice);
+    QObject::connect(&SettingsWrapper::instance(), &SettingsWrapper::settingNotSaved,
+                     [](const QString& property, const QString& cause) {
+                         WriteChat(0, Status::Error,
+                                   QStringLiteral("Could not save the setting %1: %2.")
+                                       .arg(property, cause));
+                     });
 }
 
 int runHeadless(QCoreApplication& app, const Options& options) {
@@ -118,7 +126,7 @@ int runHeadless(QCoreApplication& app, const Options& options) {
                      [](const QString& title, const QString& text) {
                          std::fprintf(stderr, "%s: %s\n", qPrintable(title), qPrintable(text));
                      });
-    reportStoreMovedAside();
+    reportStoreTrouble();
     StartupSequence startup;
     if (!startup.run()) {
         console.flush();
@@ -139,7 +147,7 @@ int runWindow(QCoreApplication& app, const Options& options) {
     // The window exists before the start-up so that it sees every slot and
     // every line from the first.
     frmBot window;
-    reportStoreMovedAside();
+    reportStoreTrouble();
     StartupSequence startup;
     if (!startup.run()) return 1;
     if (options.connect) QTimer::singleShot(0, &app, connectLoadedProfiles);

@@ -86,7 +86,9 @@ bool AppendToFile(const QString& path, const QByteArray& bytes, QString* cause,
 
 bool ReplaceFile(const QString& path, const QByteArray& bytes, QString* cause,
                  FileAccess access) {
-    const QByteArray name = QFile::encodeName(path);
+    // A file the user keeps elsewhere behind a link is replaced there.
+    const QFileInfo link(path);
+    const QByteArray name = QFile::encodeName(link.isSymLink() ? link.symLinkTarget() : path);
     struct stat existing {};
     const bool exists = ::stat(name.constData(), &existing) == 0;
     mode_t mode = kSharedFile;

@@ -109,12 +109,12 @@ void connectLoadedProfiles() {
 void reportStoreTrouble() {
     const QString notice = RegistryWrapper::instance().movedAsideNotice();
     if (!notice.isEmpty()) WriteChat(0, Status::Error, notice);
-    QObject::connect(&SettingsWrapper::instance(), &SettingsWrapper::settingNotSaved,
-                     [](const QString& property, const QString& cause) {
-                         WriteChat(0, Status::Error,
-                                   QStringLiteral("Could not save the setting %1: %2.")
-                                       .arg(property, cause));
-                     });
+    QObject::connect(
+        &SettingsWrapper::instance(), &SettingsWrapper::settingNotSaved,
+        [](const QString& property, const QString& cause) {
+            WriteChat(0, Status::Error,
+                      QStringLiteral("Could not save the setting %1: %2.").arg(property, cause));
+        });
 }
 
 int runHeadless(QCoreApplication& app, const Options& options) {

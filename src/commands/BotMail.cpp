@@ -127,8 +127,7 @@ bool AddMail(int Index, const QString& To, const QString& Message, QString* caus
         MailTimeText(QTime::currentTime()) + u'|' + MailDateText(QDate::currentDate());
     const QString line = field(To) + u'\t' + field(Bots(Index).UniqueAccount) + u'\t' + date +
                          u'\t' + field(Message);
-    return AppendToFile(MailFile(Index), cp1252::encode(line) + "\r\n", cause,
-                        FileAccess::Private);
+    return AppendToFile(MailFile(Index), cp1252::encode(line) + "\r\n", cause, FileAccess::Private);
 }
 
 bool ReadMail(int Index, const QString& User, QList<MailRecord>& Mails) {

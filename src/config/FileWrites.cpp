@@ -60,8 +60,7 @@ QString DescribeWriteError(int errnum) {
     }
 }
 
-bool AppendToFile(const QString& path, const QByteArray& bytes, QString* cause,
-                  FileAccess access) {
+bool AppendToFile(const QString& path, const QByteArray& bytes, QString* cause, FileAccess access) {
     const QByteArray name = QFile::encodeName(path);
     const bool isPrivate = access == FileAccess::Private;
     const int fd = ::open(name.constData(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC,
@@ -84,8 +83,7 @@ bool AppendToFile(const QString& path, const QByteArray& bytes, QString* cause,
     return true;
 }
 
-bool ReplaceFile(const QString& path, const QByteArray& bytes, QString* cause,
-                 FileAccess access) {
+bool ReplaceFile(const QString& path, const QByteArray& bytes, QString* cause, FileAccess access) {
     // A file the user keeps elsewhere behind a link is replaced there.
     const QFileInfo link(path);
     const QByteArray name = QFile::encodeName(link.isSymLink() ? link.symLinkTarget() : path);
@@ -107,8 +105,7 @@ bool ReplaceFile(const QString& path, const QByteArray& bytes, QString* cause,
     }
     const bool written = ::fchmod(fd, mode) == 0 && writeAll(fd, bytes) && ::fsync(fd) == 0;
     const int error = errno;
-    if (!closeChecked(fd) || !written ||
-        ::rename(temporary.constData(), name.constData()) != 0) {
+    if (!closeChecked(fd) || !written || ::rename(temporary.constData(), name.constData()) != 0) {
         const int last = written ? errno : error;
         ::unlink(temporary.constData());
         return fail(cause, last);

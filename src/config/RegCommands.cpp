@@ -7,6 +7,11 @@
 
 namespace {
 
+QString valuesText(int count) {
+    return QString::number(count) +
+           (count == 1 ? QStringLiteral(" value") : QStringLiteral(" values"));
+}
+
 bool storeUsable(RegistryWrapper& store, QTextStream& err) {
     if (!store.movedAsideNotice().isEmpty()) err << store.movedAsideNotice() << '\n';
     if (store.isOpen()) return true;
@@ -32,11 +37,10 @@ int ImportRegCommand(RegistryWrapper& store, const QString& file, QTextStream& o
             err << "Could not import " << file << ": not a REGEDIT4 file with CR LF lines\n";
         else
             err << "Could not import " << file << ", " << report.failure << " ("
-                << report.values << " values before it went in)\n";
+                << valuesText(report.values) << " before it went in)\n";
         return 1;
     }
-    out << "Imported " << report.values << (report.values == 1 ? " value" : " values")
-        << " from " << file << '\n';
+    out << "Imported " << valuesText(report.values) << " from " << file << '\n';
     return 0;
 }
 

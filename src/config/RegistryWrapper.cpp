@@ -484,15 +484,16 @@ void RegistryWrapper::refuseUnwritable(int errnum) {
         refuse(OpenFailure::ReadOnly,
                QStringLiteral("the folder %1 is read-only; allow writing to it").arg(folder));
     else if (errnum == EACCES || errnum == EPERM)
-        refuse(OpenFailure::ReadOnly, QStringLiteral("it cannot be written (%1)")
-                                          .arg(DescribeWriteError(errnum)));
+        refuse(OpenFailure::ReadOnly,
+               QStringLiteral("it cannot be written (%1)").arg(DescribeWriteError(errnum)));
     else
         refuse(OpenFailure::Other, DescribeWriteError(errnum));
 }
 
 bool RegistryWrapper::moveAside(const QString& damage) {
     close();
-    const QString stamp = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd-HHmmss"));
+    const QString stamp =
+        QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd-HHmmss"));
     QString target = file_ + QStringLiteral(".damaged-") + stamp;
     for (int n = 2; QFileInfo::exists(target); ++n)
         target = file_ + QStringLiteral(".damaged-") + stamp + u'-' + QString::number(n);
@@ -504,7 +505,8 @@ bool RegistryWrapper::moveAside(const QString& damage) {
     }
     // The old file's journal belongs to it: left in place it would be
     // played into the fresh store.
-    ::rename((from + "-wal").constData(), QFile::encodeName(target + QStringLiteral("-wal")).constData());
+    ::rename((from + "-wal").constData(),
+             QFile::encodeName(target + QStringLiteral("-wal")).constData());
     ::unlink((from + "-shm").constData());
     movedAside_ = target;
     movedAsideNotice_ = QStringLiteral("The settings store %1 %2; it was moved aside to %3 and "
@@ -514,8 +516,9 @@ bool RegistryWrapper::moveAside(const QString& damage) {
 }
 
 int RegistryWrapper::fail() {
-    lastError_ = db_ ? describeStoreFailure(sqlite3_extended_errcode(db_), sqlite3_system_errno(db_))
-                     : QStringLiteral("the settings store is not open");
+    lastError_ =
+        db_ ? describeStoreFailure(sqlite3_extended_errcode(db_), sqlite3_system_errno(db_))
+            : QStringLiteral("the settings store is not open");
     return 0;
 }
 
@@ -1009,8 +1012,8 @@ bool RegistryWrapper::ImportRegText(QByteArrayView text, ImportReport* report) {
         const QString where = QStringLiteral("line %1: ").arg(i + 1);
         const QString line = trimBlanks(lines[i]).remove(u'"');
         const bool isSection = line.startsWith(u'[');
-        if (!isSection && (key.isEmpty() || line.isEmpty() || line.startsWith(u';') ||
-                           !line.contains(u'=')))
+        if (!isSection &&
+            (key.isEmpty() || line.isEmpty() || line.startsWith(u';') || !line.contains(u'=')))
             continue;
         if (lines[i].count(u'"') % 2 != 0)
             r.notes.append(where + QStringLiteral("a quote is not closed; read as ") + line);

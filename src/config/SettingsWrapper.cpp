@@ -200,7 +200,7 @@ qint32 SettingsWrapper::Transparency() const {
 
 bool SettingsWrapper::setTransparency(qint32 percent) {
     return writeDword(QStringLiteral("Transparency"),
-               isOneOf(percent, {20, 40, 60, 80, 100}) ? percent : 100);
+                      isOneOf(percent, {20, 40, 60, 80, 100}) ? percent : 100);
 }
 
 QString SettingsWrapper::readFont(const QString& valueName, const QString& defaultValue,

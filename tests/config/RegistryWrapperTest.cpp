@@ -482,8 +482,10 @@ TEST(StoreFile, OpenFailuresAreToldApartAndNoStoreIsMovedAside) {
         QFile aside(store.movedAside());
         ASSERT_TRUE(aside.open(QIODevice::ReadOnly)) << store.movedAside().toStdString();
         EXPECT_EQ(aside.readAll(), bytes);
-        EXPECT_TRUE(QFileInfo(store.movedAside()).fileName().startsWith(
-            QStringLiteral("s.sqlite.damaged-%1").arg(QDate::currentDate().toString(Qt::ISODate))));
+        EXPECT_TRUE(QFileInfo(store.movedAside())
+                        .fileName()
+                        .startsWith(QStringLiteral("s.sqlite.damaged-%1")
+                                        .arg(QDate::currentDate().toString(Qt::ISODate))));
     };
     notAStore("a text file\n", "was not a settings store");
     notAStore(QByteArray(), "was empty");

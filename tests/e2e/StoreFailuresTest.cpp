@@ -118,9 +118,9 @@ TEST(StoreFailures, AFullDiskGetsNoClaimOfAWriteItLost) {
         const QString name = QStringLiteral("full%1").arg(i);
         const bool claimed = out.contains(QStringLiteral("Added %1 to the userbase.").arg(name));
         refused += out.contains(QStringLiteral("Could not add %1 to the userbase: ").arg(name));
-        EXPECT_EQ(claimed, store.KeyExists(
-                               QStringLiteral("HKCU\\Software\\Corvantide4\\Databases\\Main\\") +
-                               name))
+        EXPECT_EQ(claimed,
+                  store.KeyExists(QStringLiteral("HKCU\\Software\\Corvantide4\\Databases\\Main\\") +
+                                  name))
             << name.toStdString() << (disk.mounted() ? " on a full tmpfs" : " past the size limit");
     }
     EXPECT_GT(refused, 0) << out.toStdString();
@@ -157,7 +157,8 @@ TEST(StoreFailures, AStoreThatCannotBeUsedIsToldApart) {
     second.start(program(), {QStringLiteral("--headless"), QStringLiteral("--home"), home.path()});
     ASSERT_TRUE(second.waitForFinished(20000));
     EXPECT_EQ(second.exitCode(), 1);
-    EXPECT_TRUE(second.readAllStandardError().contains("another Corvantide that runs with this home"));
+    EXPECT_TRUE(
+        second.readAllStandardError().contains("another Corvantide that runs with this home"));
 
     first.closeWriteChannel();
     ASSERT_TRUE(first.waitForFinished(20000));

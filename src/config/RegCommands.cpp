@@ -13,7 +13,6 @@ QString valuesText(int count) {
 }
 
 bool storeUsable(RegistryWrapper& store, QTextStream& err) {
-    if (!store.movedAsideNotice().isEmpty()) err << store.movedAsideNotice() << '\n';
     if (store.isOpen()) return true;
     err << store.openError() << '\n';
     return false;

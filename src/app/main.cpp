@@ -3,6 +3,7 @@
 #include "commands/ChatInput.h"
 #include "config/Folders.h"
 #include "config/RegistryWrapper.h"
+#include "config/SettingsWrapper.h"
 #include "control/ControlClient.h"
 #include "control/ControlServer.h"
 #include "control/TerminalVerbs.h"
@@ -107,11 +108,11 @@ int runVerb(const QStringList& words) {
     const QStringList request = withAbsoluteFiles(words);
     if (!ControlClient::SendToRunningBot(request, result)) {
         RegistryWrapper& store = RegistryWrapper::instance();
+        if (!store.movedAsideNotice().isEmpty())
+            std::fprintf(stderr, "%s\n", qPrintable(store.movedAsideNotice()));
         if (!store.isOpen()) {
-            std::fprintf(stderr,
-                         "Could not open the settings store %s, and no Corvantide running on "
-                         "this home answered.\n",
-                         qPrintable(RegistryWrapper::defaultStoreFile()));
+            std::fprintf(stderr, "%s No Corvantide running on this home answered.\n",
+                         qPrintable(store.openError()));
             return 1;
         }
         store.setCreateKeyIfDoesntExists(true);
@@ -171,6 +172,20 @@ void connectLoadedProfiles() {
         table.ConnectBot(i);
 }
 
+// A store that was no settings store went aside for a fresh one: the first
+// line of the console says where, before the user misses the old settings.
+// Later, a setting the disk did not take is a red line too.
+void reportStoreTrouble() {
+    const QString notice = RegistryWrapper::instance().movedAsideNotice();
+    if (!notice.isEmpty()) WriteChat(0, Status::Error, notice);
+    QObject::connect(
+        &SettingsWrapper::instance(), &SettingsWrapper::settingNotSaved,
+        [](const QString& property, const QString& cause) {
+            WriteChat(0, Status::Error,
+                      QStringLiteral("Could not save the setting %1: %2.").arg(property, cause));
+        });
+}
+
 int runHeadless(QCoreApplication& app, const Options& options) {
     HeadlessConsole console(stdout, isatty(STDOUT_FILENO) != 0);
     QObject::connect(&console, &HeadlessConsole::endOfInput, &app, &QCoreApplication::quit);
@@ -180,6 +195,7 @@ int runHeadless(QCoreApplication& app, const Options& options) {
                      [](const QString& title, const QString& text) {
                          std::fprintf(stderr, "%s: %s\n", qPrintable(title), qPrintable(text));
                      });
+    reportStoreTrouble();
     StartupSequence startup;
     if (!startup.run()) {
         console.flush();
@@ -202,6 +218,7 @@ int runWindow(QCoreApplication& app, const Options& options) {
     // The window exists before the start-up so that it sees every slot and
     // every line from the first.
     frmBot window;
+    reportStoreTrouble();
     StartupSequence startup;
     if (!startup.run()) return 1;
     ControlServer control;
@@ -217,8 +234,8 @@ int runWindow(QCoreApplication& app, const Options& options) {
 // help or version text.
 bool runsWithoutWindow(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
-        for (const char* option : {"--headless", "--no-input", "--import-reg", "--export-reg", "--help", "-h",
-                                   "--version", "-v", "--help-all"}) {
+        for (const char* option : {"--headless", "--no-input", "--import-reg", "--export-reg",
+                                   "--help", "-h", "--version", "-v", "--help-all"}) {
             const size_t length = std::strlen(option);
             if (std::strncmp(argv[i], option, length) == 0 &&
                 (argv[i][length] == '\0' || argv[i][length] == '='))
@@ -257,11 +274,9 @@ int main(int argc, char** argv) {
     if (!options.importReg.isEmpty() || !options.exportReg.isEmpty())
         return runSettingsCommand(options);
     if (!RegistryWrapper::instance().isOpen()) {
-        // Another Corvantide holds this settings store; a second one would
-        // run on defaults and lose every change.
-        const QString text = QStringLiteral("Could not open the settings store %1: is Corvantide "
-                                            "already running with this home?")
-                                 .arg(RegistryWrapper::defaultStoreFile());
+        // A run without its store would go on defaults and lose every
+        // change: a lock, a read-only file and a damaged one each say so.
+        const QString text = RegistryWrapper::instance().openError();
         std::fprintf(stderr, "%s\n", qPrintable(text));
         if (!windowless) QMessageBox::critical(nullptr, QStringLiteral("Corvantide"), text);
         return 1;

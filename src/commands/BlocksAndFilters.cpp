@@ -138,29 +138,36 @@ void LoadBlocks() {
     }
 }
 
-void SaveBlocks() {
-    TouchFile(BlockedUsersFile());
+bool SaveBlocks(QString* cause) {
     QStringList lines;
     for (const QString& entry : blocks().entries()) {
         if (!entry.isEmpty()) lines.append(entry);
     }
-    WriteTextLines(BlockedUsersFile(), lines);
+    return WriteTextLines(BlockedUsersFile(), lines, cause);
 }
 
-bool AddBlock(const QString& Name) {
+// A block that did not reach the file would be gone at the next start:
+// the list in memory goes back to what the file holds.
+bool AddBlock(const QString& Name, QString* cause) {
     const QString name = cutAtHash(Name);
     if (findEntry(name) >= 0) return false;
     blocks().add(name);
-    SaveBlocks();
+    if (!SaveBlocks(cause)) {
+        blocks().removeAt(findEntry(name));
+        return false;
+    }
     RecolorUserLists();
     return true;
 }
 
-bool RemoveBlock(const QString& Name) {
+bool RemoveBlock(const QString& Name, QString* cause) {
     const qsizetype at = findEntry(cutAtHash(Name));
     if (at < 0) return false;
     blocks().removeAt(at);
-    SaveBlocks();
+    if (!SaveBlocks(cause)) {
+        LoadBlocks();
+        return false;
+    }
     RecolorUserLists();
     return true;
 }

@@ -16,12 +16,15 @@ bool MatchesPattern(const QString& Text, const QString& Pattern);
 
 const QStringList& BlockedUsers();
 void LoadBlocks();
-void SaveBlocks();
+// Writes the list to its file; false, with the cause, when the file kept the
+// old list.
+bool SaveBlocks(QString* cause = nullptr);
 // True when the name went onto the list; false when it was there already
-// (compared as plain text, '*' included).
-bool AddBlock(const QString& Name);
-// True when an entry equal to the name was removed.
-bool RemoveBlock(const QString& Name);
+// (compared as plain text, '*' included), or when the list could not be
+// saved: then *cause says why, and the list is as it was.
+bool AddBlock(const QString& Name, QString* cause = nullptr);
+// True when an entry equal to the name was removed; false as for AddBlock.
+bool RemoveBlock(const QString& Name, QString* cause = nullptr);
 // Whether the name, cut at its first '#', matches an entry.
 bool IsBlocked(const QString& Name);
 

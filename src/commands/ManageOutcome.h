@@ -1,5 +1,7 @@
 #pragma once
 
+#include "config/RegistryWrapper.h"
+
 #include <QString>
 
 // The result of something a person asked of the userbases, aliases or groups,
@@ -15,7 +17,10 @@ struct ManageOutcome {
 
     static ManageOutcome done() { return {true, {}, false}; }
     static ManageOutcome refused(const QString& warning) { return {false, warning, false}; }
+    // Says what the store refused and why ("the disk is full").
     static ManageOutcome storeRefused(const QString& what) {
-        return refused(QStringLiteral("The settings store refused to ") + what + u'.');
+        const QString cause = RegistryWrapper::instance().lastError();
+        return refused(QStringLiteral("The settings store refused to ") + what +
+                       (cause.isEmpty() ? QString() : QStringLiteral(": ") + cause) + u'.');
     }
 };

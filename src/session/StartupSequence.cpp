@@ -5,6 +5,7 @@
 #include "commands/AliasesAndGroups.h"
 #include "commands/BlocksAndFilters.h"
 #include "commands/MacroWrapper.h"
+#include "config/FileWrites.h"
 #include "config/Folders.h"
 #include "config/RegistryWrapper.h"
 #include "config/SettingsWrapper.h"
@@ -90,6 +91,8 @@ bool checkStructure() {
             WriteChat(0, Status::Information,
                       QStringLiteral("- Created folder '") + name + QStringLiteral("'"));
         }
+        // Mail is between users: the folder is the user's alone.
+        if (name == u"Mail") MakePrivateFolder(program.filePath(name));
     }
     WriteStartupLine(QStringLiteral("- Checking list of servers.."));
     const QStringList created = SettingsWrapper::instance().SeedStore();

@@ -11,6 +11,7 @@
 #include "gui/ProfileTabBar.h"
 #include "gui/SendBox.h"
 #include "gui/UserListView.h"
+#include "gui/frmControlPanel.h"
 #include "platform/ChatDocument.h"
 #include "platform/ListModel.h"
 #include "presentation/ChatWriter.h"
@@ -277,6 +278,10 @@ QMenu* frmBot::buildViewMenu() {
     SettingsWrapper& settings = SettingsWrapper::instance();
     auto* view = new QMenu(QStringLiteral("&View"), this);
     view->setObjectName(QStringLiteral("mnuView"));
+    m_mnuControlPanel =
+        view->addAction(QStringLiteral("Control Panel"), this, [this] { showControlPanel(); });
+    m_mnuControlPanel->setObjectName(QStringLiteral("mnuControlPanel"));
+    view->setDefaultAction(m_mnuControlPanel);
     view->addAction(QStringLiteral("Show Bot Console"), this, [this] { selectSlot(0); });
     view->addSeparator();
     const auto toggle = [&](const QString& caption, std::function<void(bool)> set) {
@@ -406,6 +411,15 @@ void frmBot::DisplayChannels() {
             SendUserLine(slot, QStringLiteral("/join ") + channel);
         });
     }
+}
+
+frmControlPanel* frmBot::showControlPanel(int row) {
+    if (!m_controlPanel) m_controlPanel = new frmControlPanel(this);
+    m_controlPanel->selectRow(row);
+    m_controlPanel->show();
+    m_controlPanel->raise();
+    m_controlPanel->activateWindow();
+    return m_controlPanel;
 }
 
 void frmBot::openSettingsFile(const QString& name) {

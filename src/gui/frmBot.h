@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QPointer>
 #include <QString>
 #include <vector>
 
@@ -17,6 +18,7 @@ class QTimer;
 class QToolButton;
 class SendBox;
 class UserListView;
+class frmControlPanel;
 
 // The main window. It shows the slot on screen (its chat, whisper panel and
 // lists), the tabs of all slots, the input box, the fold-out panels and the
@@ -67,6 +69,11 @@ public:
     QAction* mnuDisconnect() const { return m_mnuDisconnect; }
     QAction* mnuClear() const { return m_mnuClear; }
     QWidget* sidebar() const { return m_sidebar; }
+
+    // Opens the control panel on a row (another form may ask for one) and
+    // brings it to the front; one window serves the whole program.
+    frmControlPanel* showControlPanel(int row = 0);
+    QAction* mnuControlPanel() const { return m_mnuControlPanel; }
 
     // The menu commands that act on a slot.
     void connectSlot(int slot);
@@ -132,6 +139,8 @@ private:
     QAction* m_mnuConnect = nullptr;
     QAction* m_mnuDisconnect = nullptr;
     QAction* m_mnuClear = nullptr;
+    QAction* m_mnuControlPanel = nullptr;
+    QPointer<frmControlPanel> m_controlPanel;
     QAction* m_mnuShowTimestamp = nullptr;
     QAction* m_mnuShowWhisperPanel = nullptr;
     QAction* m_mnuStartupLoad = nullptr;

@@ -60,6 +60,7 @@ QPalette darkPalette() {
     p.setColor(QPalette::ToolTipBase, QColor(0x22, 0x26, 0x2c));
     p.setColor(QPalette::ToolTipText, QColor(0xe6, 0xe6, 0xe6));
     p.setColor(QPalette::PlaceholderText, QColor(0x80, 0x86, 0x90));
+    p.setColor(QPalette::Link, QColor(0x6f, 0xa8, 0xdc));
     p.setColor(QPalette::Mid, QColor(0x3f, 0x48, 0x50));
     p.setColor(QPalette::Disabled, QPalette::Text, QColor(0x70, 0x70, 0x70));
     p.setColor(QPalette::Disabled, QPalette::WindowText, QColor(0x70, 0x70, 0x70));

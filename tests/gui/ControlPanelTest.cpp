@@ -4,6 +4,7 @@
 #include "gui/ChatView.h"
 #include "gui/ControlPanelPage.h"
 #include "gui/frmControlPanel.h"
+#include "platform/ListModel.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -282,6 +283,19 @@ TEST_F(ControlPanelTest, FloodModeRowsMatchTheIntervals) {
         clickCancel();
         EXPECT_EQ(flood->currentIndex(), index);
     }
+}
+
+TEST_F(ControlPanelTest, AnIconSettingRedrawsTheUserListsAtOnce) {
+    SettingsWrapper::instance().setIconDisp(0);
+    const int slot = onlineSlot(QStringLiteral("Watcher"));
+    event(slot, 1, QStringLiteral("Laddered"), QStringLiteral("RATS 0 0 5"));
+    const ListModel& users = lvUsers(slot);
+    ASSERT_EQ(users.count(), 1);
+    EXPECT_EQ(users.item(1).iconKey, QStringLiteral("STAR"));
+    open(6);
+    control<QRadioButton>("h2bAll")->setChecked(true);
+    clickSave();
+    EXPECT_EQ(users.item(1).iconKey, QStringLiteral("SC5")) << "five wins";
 }
 
 } // namespace

@@ -82,6 +82,10 @@ public:
     // The least size of the window.
     static constexpr QSize kMinimumSize{533, 400};
 
+Q_SIGNALS:
+    // The user list asks for the control panel, opened on that row.
+    void controlPanelRequested(int row);
+
 protected:
     void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;

@@ -6,7 +6,8 @@
 
 using S = SettingsWrapper;
 
-ControlPanelAutomated::ControlPanelAutomated(QWidget* parent) : SettingsPanelPage(parent) {
+ControlPanelAutomated::ControlPanelAutomated(QWidget* parent)
+    : SettingsPanelPage(QStringLiteral("Automated settings:"), parent) {
     addChecks({
         {"h1aNews", "Request the server's news after entering chat", &S::RequestNews,
          &S::setRequestNews},

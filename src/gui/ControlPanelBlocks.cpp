@@ -3,7 +3,8 @@
 #include "chat/TimedEvents.h"
 #include "commands/BlocksAndFilters.h"
 
-ControlPanelBlocks::ControlPanelBlocks(QWidget* parent) : SettingsPanelPage(parent) {
+ControlPanelBlocks::ControlPanelBlocks(QWidget* parent)
+    : SettingsPanelPage(QStringLiteral("Blocked Users:"), parent) {
     addNote(QStringLiteral("Nobody on this list is heard: one name a line, and * stands for "
                            "any run of characters."));
     addLines(

@@ -10,7 +10,8 @@
 
 using S = SettingsWrapper;
 
-ControlPanelChat::ControlPanelChat(QWidget* parent) : SettingsPanelPage(parent) {
+ControlPanelChat::ControlPanelChat(QWidget* parent)
+    : SettingsPanelPage(QStringLiteral("Chat settings:"), parent) {
     auto* columns = new QHBoxLayout;
     auto* left = new QVBoxLayout;
     auto* right = new QVBoxLayout;

@@ -14,7 +14,8 @@ const QList<qint32>& ControlPanelFilters::FloodIntervals() {
     return intervals;
 }
 
-ControlPanelFilters::ControlPanelFilters(QWidget* parent) : SettingsPanelPage(parent) {
+ControlPanelFilters::ControlPanelFilters(QWidget* parent)
+    : SettingsPanelPage(QStringLiteral("Filters:"), parent) {
     auto* flood = new QComboBox;
     flood->setObjectName(QStringLiteral("h3dFlood"));
     flood->addItems({QStringLiteral("Off"), QStringLiteral("Mode 1 ( 500ms )"),

@@ -30,7 +30,8 @@ const QList<int>& ControlPanelFonts::Sizes() {
     return sizes;
 }
 
-ControlPanelFonts::ControlPanelFonts(QWidget* parent) : SettingsPanelPage(parent) {
+ControlPanelFonts::ControlPanelFonts(QWidget* parent)
+    : SettingsPanelPage(QStringLiteral("Font Settings:"), parent) {
     const Group groups[] = {
         {"h2fChat", "Chat windows", &S::ChatFont, &S::setChatFont, &S::ChatSize, &S::setChatSize,
          true},

@@ -10,7 +10,8 @@
 
 using S = SettingsWrapper;
 
-ControlPanelHashing::ControlPanelHashing(QWidget* parent) : SettingsPanelPage(parent) {
+ControlPanelHashing::ControlPanelHashing(QWidget* parent)
+    : SettingsPanelPage(QStringLiteral("Hashing settings:"), parent) {
     SettingsWrapper& settings = SettingsWrapper::instance();
     const QList<QRadioButton*> options = addOptions(
         {{"h1bLocal", "Enable local hashing (advanced)"},

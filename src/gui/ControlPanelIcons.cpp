@@ -9,7 +9,8 @@
 
 using S = SettingsWrapper;
 
-ControlPanelIcons::ControlPanelIcons(QWidget* parent) : SettingsPanelPage(parent) {
+ControlPanelIcons::ControlPanelIcons(QWidget* parent)
+    : SettingsPanelPage(QStringLiteral("Icon settings:"), parent) {
     SettingsWrapper& settings = SettingsWrapper::instance();
     for (QRadioButton* option : addOptions(
              {{"h2bNone", "No stats icons"},

@@ -50,7 +50,8 @@ const QStringList& ControlPanelMedia::PlayerNames() {
     return names;
 }
 
-ControlPanelMedia::ControlPanelMedia(QWidget* parent) : SettingsPanelPage(parent) {
+ControlPanelMedia::ControlPanelMedia(QWidget* parent)
+    : SettingsPanelPage(QStringLiteral("Media Settings:"), parent) {
     auto* grid = new QGridLayout;
     body()->addLayout(grid);
     SettingsWrapper& settings = SettingsWrapper::instance();

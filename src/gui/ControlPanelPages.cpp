@@ -1,15 +1,19 @@
 #include "gui/ControlPanelPages.h"
 
+#include "gui/ControlPanelAliases.h"
 #include "gui/ControlPanelAutomated.h"
 #include "gui/ControlPanelBlocks.h"
 #include "gui/ControlPanelChat.h"
+#include "gui/ControlPanelDatabases.h"
 #include "gui/ControlPanelFilters.h"
 #include "gui/ControlPanelFonts.h"
+#include "gui/ControlPanelGroups.h"
 #include "gui/ControlPanelHashing.h"
 #include "gui/ControlPanelHeading.h"
 #include "gui/ControlPanelIcons.h"
 #include "gui/ControlPanelMacros.h"
 #include "gui/ControlPanelMedia.h"
+#include "gui/ControlPanelPlugins.h"
 #include "gui/ControlPanelTooltips.h"
 #include "gui/ControlPanelWindow.h"
 
@@ -46,15 +50,21 @@ ControlPanelPage* CreateControlPanelPage(int row, QWidget* parent) {
         return new ControlPanelWindow(parent);
     case 10:
         return heading("Management", parent);
+    case 11:
+        return new ControlPanelAliases(parent);
     case 12:
         return new ControlPanelBlocks(parent);
+    case 13:
+        return new ControlPanelDatabases(parent);
     case 14:
         return new ControlPanelFilters(parent);
+    case 15:
+        return new ControlPanelGroups(parent);
     case 16:
         return new ControlPanelMacros(parent);
-    // Aliases (11), databases (13), groups (15) and plug-ins (17) have no
-    // panel yet.
+    case 17:
+        return new ControlPanelPlugins(parent);
     default:
-        return new ControlPanelHeading({}, {}, parent);
+        return nullptr;
     }
 }

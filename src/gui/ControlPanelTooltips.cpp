@@ -7,7 +7,8 @@
 
 using S = SettingsWrapper;
 
-ControlPanelTooltips::ControlPanelTooltips(QWidget* parent) : SettingsPanelPage(parent) {
+ControlPanelTooltips::ControlPanelTooltips(QWidget* parent)
+    : SettingsPanelPage(QStringLiteral("Tooltip Settings:"), parent) {
     QCheckBox* master =
         addChecks({
                       {"h2dTrayTip", "Show tooltips when the bot is in the tray (tray-tips)",

@@ -7,7 +7,8 @@
 
 using S = SettingsWrapper;
 
-ControlPanelWindow::ControlPanelWindow(QWidget* parent) : SettingsPanelPage(parent) {
+ControlPanelWindow::ControlPanelWindow(QWidget* parent)
+    : SettingsPanelPage(QStringLiteral("Window Settings:"), parent) {
     QCheckBox* master =
         addChecks(
             {

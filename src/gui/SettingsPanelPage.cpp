@@ -22,9 +22,15 @@ SettingsWrapper& settings() {
 
 } // namespace
 
-SettingsPanelPage::SettingsPanelPage(QWidget* parent) : ControlPanelPage(parent) {
+SettingsPanelPage::SettingsPanelPage(const QString& caption, QWidget* parent)
+    : ControlPanelPage(parent) {
     m_body = new QVBoxLayout(this);
     m_body->setContentsMargins(0, 0, 0, 0);
+    auto* heading = new QLabel(caption);
+    QFont font = heading->font();
+    font.setBold(true);
+    heading->setFont(font);
+    m_body->addWidget(heading);
 }
 
 void SettingsPanelPage::load() {

@@ -22,7 +22,8 @@ class SettingsWrapper;
 class SettingsPanelPage : public ControlPanelPage {
     Q_OBJECT
 public:
-    explicit SettingsPanelPage(QWidget* parent = nullptr);
+    // The caption stands above the page's controls.
+    explicit SettingsPanelPage(const QString& caption, QWidget* parent = nullptr);
 
     void load() override;
     bool save() override;

@@ -529,6 +529,7 @@ QWidget* frmBot::buildCentre() {
     connect(m_users, &UserListView::lineRequested, this,
             [](int slot, const QString& line) { SendUserLine(slot, line); });
     connect(m_users, &UserListView::controlPanelRequested, this, &frmBot::controlPanelRequested);
+    connect(this, &frmBot::controlPanelRequested, this, &frmBot::showControlPanel);
     side->addWidget(m_listStack, 1);
     m_listChooser = new QWidget;
     m_listChooser->setObjectName(QStringLiteral("guiToolbarBoxList"));

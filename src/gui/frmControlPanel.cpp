@@ -12,36 +12,26 @@
 #include <QShortcut>
 #include <QStackedWidget>
 #include <QVBoxLayout>
+#include <cstring>
 
 namespace {
 
-// Each row's text in the list, the name of its panel, and the caption above
-// the panel (headings bring their own).
+// Each row's text in the list and the name of its panel; headings have a
+// name of two characters.
 struct Row {
     const char* text;
     const char* panel;
-    const char* caption;
+
+    bool heading() const { return std::strlen(panel) == 2; }
 };
 
 const Row kRows[frmControlPanel::RowCount] = {
-    {"Connection", "h1", ""},
-    {" -- Automated", "h1a", "Automated settings:"},
-    {" -- Hashing", "h1b", "Hashing settings:"},
-    {"Display", "h2", ""},
-    {" -- Chat", "h2a", "Chat settings:"},
-    {" -- Fonts", "h2f", "Font Settings:"},
-    {" -- Icons", "h2b", "Icon settings:"},
-    {" -- Media", "h2c", "Media Settings:"},
-    {" -- Tooltips", "h2d", "Tooltip Settings:"},
-    {" -- Window", "h2e", "Window Settings:"},
-    {"Manage", "h3", ""},
-    {" -- Aliases", "h3a", "Manage Aliases:"},
-    {" -- Blocks", "h3b", "Blocked Users:"},
-    {" -- Databases", "h3c", "Manage Databases:"},
-    {" -- Filters", "h3d", "Filters:"},
-    {" -- Groups", "h3e", "Manage Groups:"},
-    {" -- Macros", "h3f", "Manage Macros:"},
-    {" -- Plugins", "h3g", "Manage Plugins:"},
+    {"Connection", "h1"},  {" -- Automated", "h1a"}, {" -- Hashing", "h1b"},
+    {"Display", "h2"},     {" -- Chat", "h2a"},      {" -- Fonts", "h2f"},
+    {" -- Icons", "h2b"},  {" -- Media", "h2c"},     {" -- Tooltips", "h2d"},
+    {" -- Window", "h2e"}, {"Manage", "h3"},         {" -- Aliases", "h3a"},
+    {" -- Blocks", "h3b"}, {" -- Databases", "h3c"}, {" -- Filters", "h3d"},
+    {" -- Groups", "h3e"}, {" -- Macros", "h3f"},    {" -- Plugins", "h3g"},
 };
 
 } // namespace
@@ -57,7 +47,7 @@ frmControlPanel::frmControlPanel(QWidget* parent) : QWidget(parent, Qt::Window) 
     for (const Row& row : kRows) {
         auto* item = new QListWidgetItem(QLatin1String(row.text), m_list);
         // Headings stand out from the rows under them.
-        if (!*row.caption) {
+        if (row.heading()) {
             QFont font = item->font();
             font.setBold(true);
             item->setFont(font);
@@ -117,19 +107,12 @@ ControlPanelPage* frmControlPanel::page(int row) {
     return m_pages[size_t(row)];
 }
 
-// The caption, the page, and its Save and Cancel under it.
+// The page, and its Save and Cancel under it.
 QWidget* frmControlPanel::buildPanel(int row) {
     const Row& info = kRows[row];
     auto* panel = new QWidget;
     panel->setObjectName(QLatin1String(info.panel));
     auto* layout = new QVBoxLayout(panel);
-    if (*info.caption) {
-        auto* caption = new QLabel(QLatin1String(info.caption));
-        QFont font = caption->font();
-        font.setBold(true);
-        caption->setFont(font);
-        layout->addWidget(caption);
-    }
     ControlPanelPage* content = CreateControlPanelPage(row, panel);
     layout->addWidget(content, 1);
     m_pages[size_t(row)] = content;

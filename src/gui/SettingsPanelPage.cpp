@@ -25,12 +25,7 @@ SettingsWrapper& settings() {
 SettingsPanelPage::SettingsPanelPage(const QString& caption, QWidget* parent)
     : ControlPanelPage(parent) {
     m_body = new QVBoxLayout(this);
-    m_body->setContentsMargins(0, 0, 0, 0);
-    auto* heading = new QLabel(caption);
-    QFont font = heading->font();
-    font.setBold(true);
-    heading->setFont(font);
-    m_body->addWidget(heading);
+    m_body->addWidget(new QLabel(caption));
 }
 
 void SettingsPanelPage::load() {

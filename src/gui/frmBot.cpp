@@ -13,6 +13,7 @@
 #include "gui/UserListView.h"
 #include "gui/frmConfig.h"
 #include "gui/frmConfigManageProfile.h"
+#include "gui/frmControlPanel.h"
 #include "platform/ChatDocument.h"
 #include "platform/ListModel.h"
 #include "presentation/ChatWriter.h"
@@ -61,6 +62,7 @@ QPalette darkPalette() {
     p.setColor(QPalette::ToolTipBase, QColor(0x22, 0x26, 0x2c));
     p.setColor(QPalette::ToolTipText, QColor(0xe6, 0xe6, 0xe6));
     p.setColor(QPalette::PlaceholderText, QColor(0x80, 0x86, 0x90));
+    p.setColor(QPalette::Link, QColor(0x6f, 0xa8, 0xdc));
     p.setColor(QPalette::Mid, QColor(0x3f, 0x48, 0x50));
     p.setColor(QPalette::Disabled, QPalette::Text, QColor(0x70, 0x70, 0x70));
     p.setColor(QPalette::Disabled, QPalette::WindowText, QColor(0x70, 0x70, 0x70));
@@ -285,6 +287,10 @@ QMenu* frmBot::buildViewMenu() {
     SettingsWrapper& settings = SettingsWrapper::instance();
     auto* view = new QMenu(QStringLiteral("&View"), this);
     view->setObjectName(QStringLiteral("mnuView"));
+    m_mnuControlPanel =
+        view->addAction(QStringLiteral("Control Panel"), this, [this] { showControlPanel(); });
+    m_mnuControlPanel->setObjectName(QStringLiteral("mnuControlPanel"));
+    view->setDefaultAction(m_mnuControlPanel);
     view->addAction(QStringLiteral("Show Bot Console"), this, [this] { selectSlot(0); });
     view->addSeparator();
     const auto toggle = [&](const QString& caption, std::function<void(bool)> set) {
@@ -426,14 +432,18 @@ frmConfig* frmBot::openConfiguration(int slot) {
 }
 
 void frmBot::openControlPanel(int row) {
-    Q_UNUSED(row);
-    // Over the dialog that asked, when one did.
     QWidget* over = QApplication::activeModalWidget();
-    auto* box = new QMessageBox(QMessageBox::Information, QStringLiteral("Control Panel"),
-                                QStringLiteral("The control panel is not available yet."),
-                                QMessageBox::Ok, over ? over : this);
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    box->open();
+    if (!over) {
+        showControlPanel(row);
+        return;
+    }
+    // A dialog that asked (the profile form wants a database) waits for a
+    // panel of its own; the main window's panel would sit behind it, blocked.
+    auto* panel = new frmControlPanel(over);
+    panel->setAttribute(Qt::WA_DeleteOnClose);
+    panel->setWindowModality(Qt::WindowModal);
+    panel->selectRow(row);
+    panel->show();
 }
 
 void frmBot::DisplayChannels() {
@@ -449,6 +459,15 @@ void frmBot::DisplayChannels() {
             SendUserLine(slot, QStringLiteral("/join ") + channel);
         });
     }
+}
+
+frmControlPanel* frmBot::showControlPanel(int row) {
+    if (!m_controlPanel) m_controlPanel = new frmControlPanel(this);
+    m_controlPanel->selectRow(row);
+    m_controlPanel->show();
+    m_controlPanel->raise();
+    m_controlPanel->activateWindow();
+    return m_controlPanel;
 }
 
 void frmBot::openSettingsFile(const QString& name) {

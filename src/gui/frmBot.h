@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QPointer>
 #include <QString>
 #include <vector>
 
@@ -18,6 +19,7 @@ class QToolButton;
 class SendBox;
 class frmConfig;
 class UserListView;
+class frmControlPanel;
 
 // The main window. It shows the slot on screen (its chat, whisper panel and
 // lists), the tabs of all slots, the input box, the fold-out panels and the
@@ -75,6 +77,10 @@ public:
     // user list's menu, the profile form's databases) comes here.
     void openControlPanel(int row);
     QMenu* mnuProfileAdd() const { return m_mnuProfileAdd; }
+    // Opens the control panel on a row and brings it to the front; one
+    // window serves the whole program.
+    frmControlPanel* showControlPanel(int row = 0);
+    QAction* mnuControlPanel() const { return m_mnuControlPanel; }
 
     // The menu commands that act on a slot.
     void connectSlot(int slot);
@@ -146,6 +152,8 @@ private:
     QAction* m_mnuConnect = nullptr;
     QAction* m_mnuDisconnect = nullptr;
     QAction* m_mnuClear = nullptr;
+    QAction* m_mnuControlPanel = nullptr;
+    QPointer<frmControlPanel> m_controlPanel;
     QAction* m_mnuShowTimestamp = nullptr;
     QAction* m_mnuShowWhisperPanel = nullptr;
     QAction* m_mnuStartupLoad = nullptr;

@@ -12,6 +12,7 @@
 #include "session/SlotTable.h"
 #include "session/StartupSequence.h"
 #include "shell/DesktopShell.h"
+#include "social/ClanPacket.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -245,6 +246,7 @@ int main(int argc, char** argv) {
     QCoreApplication& app = *application;
     QCoreApplication::setApplicationName(QStringLiteral("Corvantide"));
     QCoreApplication::setApplicationVersion(QStringLiteral(CORVANTIDE_VERSION));
+    ClanPacket::install();
     const Options options = parseOptions(app);
     if (!options.home.isEmpty()) SetHomeFolder(options.home);
     if (!options.importReg.isEmpty() || !options.exportReg.isEmpty())

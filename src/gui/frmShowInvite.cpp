@@ -14,9 +14,10 @@ frmShowInvite::frmShowInvite(const ClanInvitation& Invitation, QWidget* parent)
     setObjectName(QStringLiteral("frmShowInvite"));
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(Bots(Invitation.Index).Profile() + QStringLiteral(" - Clan Invitation"));
+    // Worded as the chat line of the same packet.
     auto* what = new QLabel(Invitation.Kind == 1
-                                ? QStringLiteral("You are invited to help create a clan.")
-                                : QStringLiteral("You are invited to join a clan."));
+                                ? QStringLiteral("You have been invited to join a clan.")
+                                : QStringLiteral("You have been invited to help create a clan."));
     ClanName = new QLabel(Invitation.ClanName);
     ClanName->setObjectName(QStringLiteral("ClanName"));
     ClanInviter = new QLabel(Invitation.Inviter);

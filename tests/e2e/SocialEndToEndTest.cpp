@@ -141,4 +141,18 @@ TEST_F(SocialEndToEnd, AWarcraftBotFoundsAClanRunsItAndASecondBotAcceptsAnInvita
     EXPECT_TRUE(saw(recruit, QStringLiteral("No clan invitation is waiting for an answer.")));
 }
 
+TEST_F(SocialEndToEnd, FriendsAddedAndRemovedByChatCommandsReachTheFriendsList) {
+    ASSERT_TRUE(sandbox.start({"--control", "--residents", "2", "--seed", "5"}));
+    const QStringList two = residents();
+    const int i = connect(QStringLiteral("Buddy"));
+    for (const QString& name : two)
+        SendChatLine(i, QStringLiteral("/f a ") + name);
+    ASSERT_TRUE(waitFor([i] { return lvFriends(i).count() == 2; }));
+    EXPECT_EQ(lvFriends(i).item(1).text, two[0]);
+    SendChatLine(i, QStringLiteral("/f r ") + two[0]);
+    ASSERT_TRUE(waitFor([i] { return lvFriends(i).count() == 1; }));
+    EXPECT_EQ(lvFriends(i).item(1).text, two[1]);
+    EXPECT_TRUE(saw(i, QStringLiteral("Removed ") + two[0] + QStringLiteral(" from your friends list.")));
+}
+
 } // namespace

@@ -118,8 +118,8 @@ bool BncsSession::dispatch(quint8 id, PacketReader& r) {
     case 0x46:
         if (m_logon.step() == Step::LoggedOn) sendNews();
         return m_logon.step() == Step::LoggedOn;
-    case 0x65: // friends: nobody has any here
-        if (m_inChat) sendFrame(0x65, QByteArray(1, '\0'));
+    case 0x65:
+        if (m_inChat) m_context.friends.sendList(*this);
         return m_inChat;
     case 0x26:
         if (m_logon.step() != Step::LoggedOn) return false;
@@ -196,7 +196,8 @@ bool BncsSession::chatLine(PacketReader& r) {
         close(QStringLiteral("flooding"));
         return true;
     }
-    chatcommands::run(m_context.hub, *this, cp1252::decode(text));
+    const QString line = cp1252::decode(text);
+    if (!m_context.friends.command(*this, line)) chatcommands::run(m_context.hub, *this, line);
     return true;
 }
 

@@ -4,6 +4,7 @@
 #include "sandbox/ChatHub.h"
 #include "sandbox/ClanDesk.h"
 #include "sandbox/FrameTrace.h"
+#include "sandbox/FriendsDesk.h"
 #include "sandbox/KeyRing.h"
 #include "sandbox/ProfileValues.h"
 #include "sandbox/SandboxOptions.h"
@@ -30,6 +31,7 @@ public:
     ChatHub hub;
     ProfileValues profiles;
     ClanDesk clans;
+    FriendsDesk friends;
     std::unique_ptr<FrameTrace> trace;
 
     // Milliseconds and microseconds since the server started.

@@ -139,6 +139,21 @@ TEST_F(SocialEndToEnd, AWarcraftBotFoundsAClanRunsItAndASecondBotAcceptsAnInvita
     EXPECT_TRUE(waitFor([&] { return lvClan(recruit).count() == 10; }));
     SendChatLine(recruit, QStringLiteral("/accept"));
     EXPECT_TRUE(saw(recruit, QStringLiteral("No clan invitation is waiting for an answer.")));
+
+    ClanPacket::Output_SetChieftain(chief, shaman);
+    EXPECT_TRUE(saw(chief, QStringLiteral("[BNET] Successfully changed the clan's chieftain!")));
+    EXPECT_TRUE(saw(chief, QStringLiteral(
+                               "[BNET] Bot's clan rank was changed by Chief from Chieftain to Grunt.")));
+    EXPECT_EQ(Bots(chief).ClanRank(), 2);
+    ClanPacket::Output_Disband(chief);
+    EXPECT_TRUE(
+        saw(chief, QStringLiteral("[BNET] Cannot disband the clan, you must be the chieftain of the clan.")));
+    ClanPacket::Output_Quit(recruit);
+    EXPECT_TRUE(saw(recruit, QStringLiteral("[BNET] Successfully removed member from the clan.")));
+    // The removal notice is five bytes: it is cut when the next frame comes.
+    SendChatLine(chief, QStringLiteral("Farewell."));
+    EXPECT_TRUE(saw(recruit, QStringLiteral("[BNET] You have been removed from the clan!")));
+    EXPECT_TRUE(Bots(recruit).ClanTag().isEmpty());
 }
 
 TEST_F(SocialEndToEnd, FriendsAddedAndRemovedByChatCommandsReachTheFriendsList) {

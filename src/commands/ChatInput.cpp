@@ -74,7 +74,8 @@ void whisperBack(int Index, const QString& target, const QString& retype, const 
 // The typed answer to a clan invitation, for a run without its dialog.
 void answerClanInvitation(int Index, bool accept) {
     if (!ClanNotices::instance().answerOldest(Index, accept))
-        WriteChat(Index, Status::Error, QStringLiteral("No clan invitation is waiting for an answer."));
+        WriteChat(Index, Status::Error,
+                  QStringLiteral("No clan invitation is waiting for an answer."));
 }
 
 // The slash commands the bot answers itself. Returns true when the line ends

@@ -17,8 +17,8 @@ ClanPanel::ClanPanel(QWidget* parent) : QWidget(parent) {
     m_status = new QLabel;
     m_status->setObjectName(QStringLiteral("lblClan"));
     layout->addWidget(m_status, 0, 0, 1, 2);
-    addCommand(QStringLiteral("Change chieftain of the clan to:"), QStringLiteral("ChangeChieftain"),
-               &ClanPacket::Output_SetChieftain);
+    addCommand(QStringLiteral("Change chieftain of the clan to:"),
+               QStringLiteral("ChangeChieftain"), &ClanPacket::Output_SetChieftain);
     addCommand(QStringLiteral("Invite user to join the clan:"), QStringLiteral("InviteUser"),
                &ClanPacket::Output_Invite);
     addCommand(QStringLiteral("Change clan message of the day:"), QStringLiteral("ChangeMessage"),

@@ -23,7 +23,8 @@ Q_SIGNALS:
 
 private:
     // A text box with its go image; Enter in the box does the same.
-    QLineEdit* addCommand(const QString& caption, const QString& name, void (*act)(int, const QString&));
+    QLineEdit* addCommand(const QString& caption, const QString& name,
+                          void (*act)(int, const QString&));
     QToolButton* addLink(const QString& caption, const QString& name);
 
     int m_slot = 0;

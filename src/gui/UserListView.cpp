@@ -233,8 +233,9 @@ QMenu* UserListView::contextMenu() {
         ->setObjectName(QStringLiteral("mnuWhois"));
     m_menu->addAction(QStringLiteral("Profile"), this, [slot, name] { lookupProfile(slot, name); })
         ->setObjectName(QStringLiteral("mnuProfileUser"));
-    m_menu->addAction(QStringLiteral("Invite to clan"), this,
-                      [slot, user] { ClanPacket::InviteUser(slot, user); })
+    m_menu
+        ->addAction(QStringLiteral("Invite to clan"), this,
+                    [slot, user] { ClanPacket::InviteUser(slot, user); })
         ->setObjectName(QStringLiteral("mnuInviteUser"));
     m_menu->addSeparator();
     addMembershipMenu(QStringLiteral("Alias"), ConvertUsername(user, false, -1), Membership::Alias);

@@ -7,10 +7,10 @@
 #include "config/SettingsWrapper.h"
 #include "gui/ChatView.h"
 #include "gui/FoldOutPanels.h"
-#include "gui/SocialForms.h"
 #include "gui/IconPainter.h"
 #include "gui/ProfileTabBar.h"
 #include "gui/SendBox.h"
+#include "gui/SocialForms.h"
 #include "gui/UserListView.h"
 #include "platform/ChatDocument.h"
 #include "platform/ListModel.h"
@@ -219,8 +219,8 @@ QMenu* frmBot::buildBotMenu() {
     });
     m_mnuDisconnect->setObjectName(QStringLiteral("mnuDisconnect"));
     m_mnuBot->addSeparator();
-    QAction* lookup =
-        m_mnuBot->addAction(QStringLiteral("Lookup profile"), this, [this] { LookupProfile(this); });
+    QAction* lookup = m_mnuBot->addAction(QStringLiteral("Lookup profile"), this,
+                                          [this] { LookupProfile(this); });
     lookup->setObjectName(QStringLiteral("mnuLookupProfile"));
     lookup->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_L));
 
@@ -707,8 +707,8 @@ void frmBot::updateListHeading() {
                   QStringLiteral(") -- ");
     else if (SelectedList == QLatin1String("Clan"))
         heading = QStringLiteral(" -- Clan ") + ClanPacket::ShowClanTag(bot.ClanTag()) +
-                  QStringLiteral(" (") +
-                  QString::number(lvClan(slot).count()) + QStringLiteral(") -- ");
+                  QStringLiteral(" (") + QString::number(lvClan(slot).count()) +
+                  QStringLiteral(") -- ");
     else
         heading = QStringLiteral(" -- ") + bot.Channel() + QStringLiteral(" (") +
                   QString::number(lvUsers(slot).count()) + QStringLiteral(") -- ");

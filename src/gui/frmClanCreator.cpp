@@ -114,7 +114,8 @@ QWidget* frmClanCreator::makeStep2() {
     layout->addWidget(Text2);
     layout->addWidget(lvPotential, 1);
     layout->addWidget(invite);
-    QLabel* lblStep2 = clickable(QStringLiteral("Send the invitations"), this, [this] { Command2(); });
+    QLabel* lblStep2 =
+        clickable(QStringLiteral("Send the invitations"), this, [this] { Command2(); });
     lblStep2->setObjectName(QStringLiteral("lblStep2"));
     layout->addWidget(lblStep2);
     layout->addWidget(Step2Result);
@@ -152,8 +153,9 @@ void frmClanCreator::Command2() {
         if (lvPotential->item(row)->checkState() == Qt::Checked)
             ticked << lvPotential->item(row)->text();
     if (ticked.size() < kFewestCandidates) {
-        QMessageBox::warning(this, windowTitle(),
-                             QStringLiteral("You must check ATLEAST 9 candidates to invite to the clan!"));
+        QMessageBox::warning(
+            this, windowTitle(),
+            QStringLiteral("You must check ATLEAST 9 candidates to invite to the clan!"));
         return;
     }
     ClanPacket::Output_InviteMultiple(m_index, Text2->text(), Text1->text(), ticked);

@@ -26,9 +26,11 @@ frmShowInvite::frmShowInvite(const ClanInvitation& Invitation, QWidget* parent)
     Ticker->setObjectName(QStringLiteral("Ticker"));
     Ticker->setWordWrap(true);
     auto* buttons = new QDialogButtonBox;
-    QPushButton* accept = buttons->addButton(QStringLiteral("&Accept"), QDialogButtonBox::AcceptRole);
+    QPushButton* accept =
+        buttons->addButton(QStringLiteral("&Accept"), QDialogButtonBox::AcceptRole);
     accept->setObjectName(QStringLiteral("Command1"));
-    QPushButton* decline = buttons->addButton(QStringLiteral("&Decline"), QDialogButtonBox::RejectRole);
+    QPushButton* decline =
+        buttons->addButton(QStringLiteral("&Decline"), QDialogButtonBox::RejectRole);
     decline->setObjectName(QStringLiteral("Command2"));
     connect(accept, &QPushButton::clicked, this, [this] { answer(true); });
     connect(decline, &QPushButton::clicked, this, [this] { answer(false); });

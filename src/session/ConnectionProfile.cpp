@@ -47,8 +47,8 @@ QString fileTimeText(const QString& text) {
 }
 
 void writeLabelled(int Index, Status labelColour, const QString& label, const QString& value) {
-    WriteChat(Index, {{StatusColor(labelColour), label},
-                      {StatusColor(Status::Information), value}});
+    WriteChat(Index,
+              {{StatusColor(labelColour), label}, {StatusColor(Status::Information), value}});
 }
 
 } // namespace

@@ -71,8 +71,8 @@ void dressMember(ListItem& item, quint8 Rank, bool Online) {
     const QString rankName = GetClanRankName(Rank);
     item.iconKey = QStringLiteral("ClanRank") + QString::number(std::max<int>(Rank, 1));
     item.color = Online ? StatusColor(Status::Success) : CurrentTheme().interface.ForeColor;
-    item.toolTip = item.text + (Rank == kChieftain ? QStringLiteral(" is the ")
-                                                   : QStringLiteral(" is a ")) +
+    item.toolTip = item.text +
+                   (Rank == kChieftain ? QStringLiteral(" is the ") : QStringLiteral(" is a ")) +
                    rankName + u'.';
 }
 
@@ -83,8 +83,8 @@ QString displayTag(int Index) {
 } // namespace
 
 void ClanPacket::install() {
-    for (quint8 id : {0x70, 0x71, 0x72, 0x73, 0x74, 0x75, 0x76, 0x77, 0x78, 0x79, 0x7A, 0x7D, 0x7E,
-                      0x7F, 0x81})
+    for (quint8 id :
+         {0x70, 0x71, 0x72, 0x73, 0x74, 0x75, 0x76, 0x77, 0x78, 0x79, 0x7A, 0x7D, 0x7E, 0x7F, 0x81})
         SetPacketHandler(id, &ClanPacket::dispatch);
 }
 
@@ -110,8 +110,8 @@ void ClanPacket::Output_Invite(int Index, const QString& Name) {
     if (!CheckClanMember(Index)) return;
     if (Name.isEmpty()) return void(refuse(Index, "[BNET] Cannot invite null username."));
     if (Bots(Index).ClanRank() < kShaman)
-        return void(
-            refuse(Index, "[BNET] Only Cheiftain's and Shaman's can invite users to join the clan."));
+        return void(refuse(
+            Index, "[BNET] Only Cheiftain's and Shaman's can invite users to join the clan."));
     sendName(Index, 0x77, Name);
     report(Index, QStringLiteral("[BNET] Invitation sent to ") + Name +
                       QStringLiteral(" to join Clan ") + displayTag(Index) + u'.');
@@ -128,7 +128,8 @@ void ClanPacket::Output_Disband(int Index) {
 
 void ClanPacket::Output_SetChieftain(int Index, const QString& Name) {
     if (!CheckClanMember(Index)) return;
-    if (Name.isEmpty()) return void(refuse(Index, "[BNET] Cannot change chieftain to null username."));
+    if (Name.isEmpty())
+        return void(refuse(Index, "[BNET] Cannot change chieftain to null username."));
     if (Bots(Index).ClanRank() != kChieftain)
         return void(refuse(
             Index, "[BNET] Cannot change clan chieftain, you must be the chieftain of the clan."));
@@ -204,8 +205,9 @@ void ClanPacket::Output_InviteMultiple(int Index, const QString& ClanName, const
 void ClanPacket::InviteUser(int Index, const QString& Tag) {
     const QString client = Bots(Index).Config.Client().toUpper();
     if (client != QLatin1String("W3XP") && client != QLatin1String("WAR3"))
-        return WriteChat(Index, {{StatusColor(Status::Error),
-                                  QStringLiteral("Cannot invite user, you are not using WarCraft III")}});
+        return WriteChat(Index,
+                         {{StatusColor(Status::Error),
+                           QStringLiteral("Cannot invite user, you are not using WarCraft III")}});
     if (!Tag.contains(u'@')) return Output_Invite(Index, Tag);
     WriteChat(Index, {{StatusColor(Status::Error),
                        QStringLiteral("Cannot invite user, they are not using WarCraft III?")}});

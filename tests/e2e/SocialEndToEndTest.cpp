@@ -27,7 +27,8 @@ protected:
     void TearDown() override {
         TimedEvents::instance().stop();
         for (int i = 1; i <= SlotTable::instance().highestIndex(); ++i)
-            EXPECT_FALSE(chat(i).contains(QLatin1String("Unhandled packet"))) << chat(i).toStdString();
+            EXPECT_FALSE(chat(i).contains(QLatin1String("Unhandled packet")))
+                << chat(i).toStdString();
     }
 
     int connect(const QString& account, const QString& client = QStringLiteral("STAR")) {
@@ -49,7 +50,8 @@ protected:
     QStringList residents() {
         sandbox.control(QStringLiteral("residents pause"));
         QStringList names;
-        for (const QString& w : sandbox.control(QStringLiteral("members Sandbox")).split(u' ').mid(2))
+        for (const QString& w :
+             sandbox.control(QStringLiteral("members Sandbox")).split(u' ').mid(2))
             names << w.section(u':', 0, 0);
         return names;
     }
@@ -121,7 +123,8 @@ TEST_F(SocialEndToEnd, AWarcraftBotFoundsAClanRunsItAndASecondBotAcceptsAnInvita
     EXPECT_TRUE(saw(chief, QStringLiteral("[BNET] Successfully changed members rank.")));
     const int row = lvClan(chief).find(shaman);
     ASSERT_GT(row, 0);
-    EXPECT_TRUE(waitFor([&] { return lvClan(chief).item(row).toolTip == shaman + " is a Shaman."; }));
+    EXPECT_TRUE(
+        waitFor([&] { return lvClan(chief).item(row).toolTip == shaman + " is a Shaman."; }));
     ClanPacket::Output_RemoveMember(chief, nine[1]);
     EXPECT_TRUE(saw(chief, QStringLiteral("[BNET] Successfully removed member from the clan.")));
     EXPECT_TRUE(waitFor([&] { return lvClan(chief).count() == 9; }));
@@ -142,12 +145,14 @@ TEST_F(SocialEndToEnd, AWarcraftBotFoundsAClanRunsItAndASecondBotAcceptsAnInvita
 
     ClanPacket::Output_SetChieftain(chief, shaman);
     EXPECT_TRUE(saw(chief, QStringLiteral("[BNET] Successfully changed the clan's chieftain!")));
-    EXPECT_TRUE(saw(chief, QStringLiteral(
-                               "[BNET] Bot's clan rank was changed by Chief from Chieftain to Grunt.")));
+    EXPECT_TRUE(saw(
+        chief,
+        QStringLiteral("[BNET] Bot's clan rank was changed by Chief from Chieftain to Grunt.")));
     EXPECT_EQ(Bots(chief).ClanRank(), 2);
     ClanPacket::Output_Disband(chief);
-    EXPECT_TRUE(
-        saw(chief, QStringLiteral("[BNET] Cannot disband the clan, you must be the chieftain of the clan.")));
+    EXPECT_TRUE(saw(
+        chief,
+        QStringLiteral("[BNET] Cannot disband the clan, you must be the chieftain of the clan.")));
     ClanPacket::Output_Quit(recruit);
     EXPECT_TRUE(saw(recruit, QStringLiteral("[BNET] Successfully removed member from the clan.")));
     // The removal notice is five bytes: it is cut when the next frame comes.
@@ -167,7 +172,8 @@ TEST_F(SocialEndToEnd, FriendsAddedAndRemovedByChatCommandsReachTheFriendsList) 
     SendChatLine(i, QStringLiteral("/f r ") + two[0]);
     ASSERT_TRUE(waitFor([i] { return lvFriends(i).count() == 1; }));
     EXPECT_EQ(lvFriends(i).item(1).text, two[1]);
-    EXPECT_TRUE(saw(i, QStringLiteral("Removed ") + two[0] + QStringLiteral(" from your friends list.")));
+    EXPECT_TRUE(
+        saw(i, QStringLiteral("Removed ") + two[0] + QStringLiteral(" from your friends list.")));
 }
 
 } // namespace

@@ -25,7 +25,9 @@ protected:
             ids << quint8(frame[1]);
         return ids;
     }
-    QString lastLine() const { return rtbChat(slot).text().split(QStringLiteral("\r\n"), Qt::SkipEmptyParts).last(); }
+    QString lastLine() const {
+        return rtbChat(slot).text().split(QStringLiteral("\r\n"), Qt::SkipEmptyParts).last();
+    }
     void arrive(quint8 id, const PacketWriter& w) {
         wsBNET(slot).simulateData(PacketWriter::frameBNCS(id, w.payload()));
     }
@@ -40,11 +42,13 @@ TEST_F(ClanPacketTest, LocalChecksRefuseWithoutSendingAndTagsTravelTurnedRound) 
     EXPECT_EQ(lastLine(), "[BNET] Cannot invite null username.");
     joinClan(2);
     ClanPacket::Output_Invite(slot, QStringLiteral("someone"));
-    EXPECT_EQ(lastLine(), "[BNET] Only Cheiftain's and Shaman's can invite users to join the clan.");
+    EXPECT_EQ(lastLine(),
+              "[BNET] Only Cheiftain's and Shaman's can invite users to join the clan.");
     joinClan(3);
     ClanPacket::Output_SetRank(slot, QStringLiteral("other"), 3);
-    EXPECT_EQ(lastLine(),
-              "[BNET] Cannot change rank, you must be a chieftain to change another shamans' rank.");
+    EXPECT_EQ(
+        lastLine(),
+        "[BNET] Cannot change rank, you must be a chieftain to change another shamans' rank.");
     EXPECT_TRUE(wsBNET(slot).sent.isEmpty());
 
     ClanPacket::Output_SetRank(slot, QStringLiteral("other"), 2);

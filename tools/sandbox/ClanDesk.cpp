@@ -402,7 +402,10 @@ bool ClanDesk::control(const QString& command, const QString& rest, QString& ans
         for (int i = 3; i < words.size(); ++i) {
             ChatUser* u = m_hub.find(words[i]);
             const QString account = u ? u->account : words[i];
-            if (clanOf(account)) return (answer = QStringLiteral("error: ") + account + QStringLiteral(" is in a clan")), true;
+            if (clanOf(account))
+                return (answer =
+                            QStringLiteral("error: ") + account + QStringLiteral(" is in a clan")),
+                       true;
             clan.members.push_back({account, quint8(i == 3 ? 4 : 1), false, {}});
         }
         m_clans.push_back(clan);

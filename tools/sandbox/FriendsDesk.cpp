@@ -36,7 +36,8 @@ FriendsDesk::Seen FriendsDesk::seen(const ChatUser&, const QString& name) const 
 // Account, status (1 when the friendship is mutual), location, product, where.
 QByteArray FriendsDesk::record(const ChatUser& owner, const QString& name) const {
     const ChatUser* user = m_hub.find(name);
-    const bool mutual = m_friends.value(name.toLower()).contains(owner.account, Qt::CaseInsensitive);
+    const bool mutual =
+        m_friends.value(name.toLower()).contains(owner.account, Qt::CaseInsensitive);
     const Seen where = seen(owner, name);
     PacketWriter w;
     w.WriteSTRING(name);
@@ -99,7 +100,8 @@ void FriendsDesk::remove(ChatUser& user, const QString& name) {
         if (friends[i].compare(name, Qt::CaseInsensitive) == 0) at = i;
     if (at < 0) return m_hub.error(user, name + QStringLiteral(" was not in your friends list."));
     const QString shown = friends.takeAt(at);
-    m_hub.info(user, QStringLiteral("Removed ") + shown + QStringLiteral(" from your friends list."));
+    m_hub.info(user,
+               QStringLiteral("Removed ") + shown + QStringLiteral(" from your friends list."));
     send(user, 0x68, QByteArray(1, char(at)));
 }
 
@@ -121,9 +123,10 @@ void FriendsDesk::list(ChatUser& user) {
     m_hub.info(user, QStringLiteral("Your friends are:"));
     for (qsizetype i = 0; i < friends.size(); ++i) {
         const Seen where = seen(user, friends[i]);
-        const QString state = where.location == Offline  ? QStringLiteral("offline")
-                              : where.location == InChat ? QStringLiteral("in channel ") + where.where
-                                                         : QStringLiteral("not in chat");
+        const QString state = where.location == Offline ? QStringLiteral("offline")
+                              : where.location == InChat
+                                  ? QStringLiteral("in channel ") + where.where
+                                  : QStringLiteral("not in chat");
         m_hub.info(user, QStringLiteral("%1: %2, %3").arg(i + 1).arg(friends[i], state));
     }
 }

@@ -40,8 +40,8 @@ private:
     void presenceChanged();
 
     ChatHub& m_hub;
-    QHash<QString, QStringList> m_friends;  // by lower-case account, names as added
-    QHash<QString, Seen> m_lastSeen;        // "owner\nfriend", lower-case
+    QHash<QString, QStringList> m_friends; // by lower-case account, names as added
+    QHash<QString, Seen> m_lastSeen;       // "owner\nfriend", lower-case
 };
 
 } // namespace sandbox

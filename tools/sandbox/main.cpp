@@ -75,8 +75,10 @@ int main(int argc, char** argv) {
     control.addCommands([&clans = context->clans](const QString& c, const QString& r, QString& a) {
         return clans.control(c, r, a);
     });
-    control.addCommands([&profiles = context->profiles](const QString& c, const QString& r,
-                                                        QString& a) { return profiles.control(c, r, a); });
+    control.addCommands(
+        [&profiles = context->profiles](const QString& c, const QString& r, QString& a) {
+            return profiles.control(c, r, a);
+        });
     if (options->control) {
         QObject::connect(&control, &ControlChannel::closed, &app, &QCoreApplication::quit);
         control.listen(STDIN_FILENO);

@@ -14,6 +14,7 @@
 #include "session/SlotTable.h"
 #include "session/StartupSequence.h"
 #include "shell/DesktopShell.h"
+#include "social/ClanPacket.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -269,6 +270,7 @@ int main(int argc, char** argv) {
     QCoreApplication::setApplicationName(QStringLiteral("Corvantide"));
     QCoreApplication::setApplicationVersion(QStringLiteral(CORVANTIDE_VERSION));
     QuitOnTermination(app);
+    ClanPacket::install();
     const Options options = parseOptions(app);
     if (!options.home.isEmpty()) SetHomeFolder(options.home);
     if (!options.importReg.isEmpty() || !options.exportReg.isEmpty())

@@ -8,6 +8,7 @@
 #include "presentation/UserColors.h"
 #include "presentation/UserTooltip.h"
 #include "session/SlotTable.h"
+#include "social/ClanPacket.h"
 #include "statistics/UserNames.h"
 
 #include <QApplication>
@@ -193,6 +194,10 @@ void UserListView::forgetHover() {
     }
 }
 
+void UserListView::lookupProfile(int slot, const QString& name) {
+    Bots(slot).Connection.Output_ProfileRequest(slot, name);
+}
+
 QMenu* UserListView::contextMenu() {
     const QString user = selectedUser();
     if (user.isEmpty() || m_kind != Kind::Users) return nullptr;
@@ -233,6 +238,12 @@ QMenu* UserListView::contextMenu() {
     }
     m_menu->addAction(QStringLiteral("Whois"), command(QStringLiteral("/whois ")))
         ->setObjectName(QStringLiteral("mnuWhois"));
+    m_menu->addAction(QStringLiteral("Profile"), this, [slot, name] { lookupProfile(slot, name); })
+        ->setObjectName(QStringLiteral("mnuProfileUser"));
+    m_menu
+        ->addAction(QStringLiteral("Invite to clan"), this,
+                    [slot, user] { ClanPacket::InviteUser(slot, user); })
+        ->setObjectName(QStringLiteral("mnuInviteUser"));
     m_menu->addSeparator();
     addMembershipMenu(QStringLiteral("Alias"), ConvertUsername(user, false, -1), Membership::Alias);
     addMembershipMenu(QStringLiteral("Group"), ConvertUsername(user, false, -1), Membership::Group);
@@ -351,6 +362,11 @@ void UserListView::keyPressEvent(QKeyEvent* event) {
         if (event->key() == Qt::Key_Space && event->modifiers() == Qt::NoModifier) {
             const QString user = selectedUser();
             if (!user.isEmpty()) Q_EMIT whisperRequested(user);
+            return;
+        }
+        if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+            const QString user = selectedUser();
+            if (!user.isEmpty()) lookupProfile(m_slot, serverName(user));
             return;
         }
         if (event->matches(QKeySequence::Copy)) {

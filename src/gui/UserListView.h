@@ -68,6 +68,8 @@ private:
     // The user's name as the server takes it from this profile.
     QString serverName(const QString& username) const;
     void configureColumns();
+    // The Profile item and Enter: the selected user's profile.
+    static void lookupProfile(int slot, const QString& name);
     enum class Membership { Alias, Group };
     void addMembershipMenu(const QString& caption, const QString& name, Membership kind);
     void addBlockAction(const QString& name);

@@ -10,6 +10,7 @@
 #include "gui/IconPainter.h"
 #include "gui/ProfileTabBar.h"
 #include "gui/SendBox.h"
+#include "gui/SocialForms.h"
 #include "gui/UserListView.h"
 #include "gui/frmConfig.h"
 #include "gui/frmConfigManageProfile.h"
@@ -21,6 +22,7 @@
 #include "session/MachineFacts.h"
 #include "session/SlotTable.h"
 #include "shell/DesktopShell.h"
+#include "social/ClanPacket.h"
 
 #include <QActionGroup>
 #include <QApplication>
@@ -137,6 +139,11 @@ frmBot::frmBot(QWidget* parent) : QMainWindow(parent) {
     connect(&table, &SlotTable::profilesChanged, this, &frmBot::DisplayProfiles);
     connect(&table, &SlotTable::slotRenamed, this, &frmBot::onSlotRenamed);
     connect(&table, &SlotTable::clanTagChanged, m_panels, &FoldOutPanels::refreshClan);
+    connect(m_panels, &FoldOutPanels::clanMembersRequested, this, [this] {
+        SelectedList = QStringLiteral("Clan");
+        SelectList();
+    });
+    ConnectSocialForms(this);
     connect(&table, &SlotTable::channelListChanged, this, [this](int index) {
         if (index == SlotTable::instance().CurrentIndex()) DisplayChannels();
     });
@@ -217,6 +224,10 @@ QMenu* frmBot::buildBotMenu() {
     });
     m_mnuDisconnect->setObjectName(QStringLiteral("mnuDisconnect"));
     m_mnuBot->addSeparator();
+    QAction* lookup = m_mnuBot->addAction(QStringLiteral("Lookup profile"), this,
+                                          [this] { LookupProfile(this); });
+    lookup->setObjectName(QStringLiteral("mnuLookupProfile"));
+    lookup->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_L));
 
     QMenu* request = m_mnuBot->addMenu(QStringLiteral("Request"));
     request->setObjectName(QStringLiteral("mnuRequest"));
@@ -766,8 +777,9 @@ void frmBot::updateListHeading() {
         heading = QStringLiteral(" -- Friends (") + QString::number(lvFriends(slot).count()) +
                   QStringLiteral(") -- ");
     else if (SelectedList == QLatin1String("Clan"))
-        heading = QStringLiteral(" -- Clan ") + bot.ClanTag() + QStringLiteral(" (") +
-                  QString::number(lvClan(slot).count()) + QStringLiteral(") -- ");
+        heading = QStringLiteral(" -- Clan ") + ClanPacket::ShowClanTag(bot.ClanTag()) +
+                  QStringLiteral(" (") + QString::number(lvClan(slot).count()) +
+                  QStringLiteral(") -- ");
     else
         heading = QStringLiteral(" -- ") + bot.Channel() + QStringLiteral(" (") +
                   QString::number(lvUsers(slot).count()) + QStringLiteral(") -- ");

@@ -10,6 +10,8 @@
 #include "presentation/ChatWriter.h"
 #include "session/LogonRecord.h"
 
+#include <QMetaMethod>
+
 struct SlotTable::Slot {
     BotElement bot;
     LogonRecord logon;
@@ -252,4 +254,10 @@ ListModel& lvFriends(int i) {
 }
 ListModel& lvClan(int i) {
     return SlotTable::instance().clan(i);
+}
+
+bool SlotTable::showProfile(int index, const QString& account, const QStringList& values) {
+    if (!isSignalConnected(QMetaMethod::fromSignal(&SlotTable::profileReceived))) return false;
+    Q_EMIT profileReceived(index, account, values);
+    return true;
 }

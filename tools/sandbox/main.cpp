@@ -53,6 +53,13 @@ int main(int argc, char** argv) {
                         options->residentChannel, options->seed);
     if (options->residents > 0) crowd.start();
     ControlChannel control(context->hub, script, crowd);
+    control.addCommands([&clans = context->clans](const QString& c, const QString& r, QString& a) {
+        return clans.control(c, r, a);
+    });
+    control.addCommands(
+        [&profiles = context->profiles](const QString& c, const QString& r, QString& a) {
+            return profiles.control(c, r, a);
+        });
     if (options->control) {
         QObject::connect(&control, &ControlChannel::closed, &app, &QCoreApplication::quit);
         control.listen(STDIN_FILENO);

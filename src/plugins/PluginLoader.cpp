@@ -4,6 +4,7 @@
 #include "plugins/JavaScriptObject.h"
 #include "plugins/PluginHost.h"
 #include "plugins/PluginMainForm.h"
+#include "plugins/SharedObjectPlugin.h"
 #include "plugins/objPlugin.h"
 #include "presentation/ChatWriter.h"
 
@@ -19,9 +20,11 @@ void redLines(const QString& error, const QString& context) {
     WriteChat(0, {{255, context}});
 }
 
-std::shared_ptr<PluginObject> makeJavaScriptPlugin(const QString& name) {
-    const QString path =
-        GetProgramFolder() + QStringLiteral("/Plugins/") + name + QStringLiteral(".js");
+std::shared_ptr<PluginObject> makePlugin(const QString& name) {
+    const QString base = GetProgramFolder() + QStringLiteral("/Plugins/") + name;
+    if (!QFile::exists(base + QStringLiteral(".js")) && QFile::exists(base + QStringLiteral(".so")))
+        return std::make_shared<SharedObjectPlugin>(base + QStringLiteral(".so"));
+    const QString path = base + QStringLiteral(".js");
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         throw PluginCallError(QStringLiteral("cannot read ") + path + QStringLiteral(": ") +
@@ -34,7 +37,7 @@ std::shared_ptr<PluginObject> makeJavaScriptPlugin(const QString& name) {
 } // namespace
 
 void InstallPluginLoader() {
-    PluginHost::instance().setFactory(makeJavaScriptPlugin);
+    PluginHost::instance().setFactory(makePlugin);
 }
 
 void LoadScript() {

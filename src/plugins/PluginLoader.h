@@ -4,7 +4,7 @@
 // the plug-ins of the program's Plugins folder.
 
 // Makes PluginHost able to start plug-ins: Plugins/<Name>.js, each in an
-// engine of its own.
+// engine of its own, or else Plugins/<Name>.so with the C interface.
 void InstallPluginLoader();
 
 // Creates Script.txt in the settings folder when it is missing, runs it with

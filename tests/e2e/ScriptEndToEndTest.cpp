@@ -1,6 +1,7 @@
-// The user's script and JavaScript plug-ins in a sandbox channel: the shipped
+// The user's script and plug-ins in a sandbox channel: the shipped
 // examples do what they promise, a runaway script is stopped while the bot
-// goes on, and a plug-in hears packets, chat and the lines the user types.
+// goes on, and plug-ins in JavaScript and in C hear packets and chat, and
+// tidy the lines the user types.
 #include "chat/TimedEvents.h"
 #include "common/SandboxProcess.h"
 #include "common/SlotFixture.h"
@@ -148,35 +149,44 @@ TEST_F(ScriptEndToEnd, ARunawayScriptIsStoppedAndTheBotGoesOn) {
     EXPECT_FALSE(linesAtServer().contains(QStringLiteral("heard spin")));
 }
 
-TEST_F(ScriptEndToEnd, APluginHearsPacketsAndChatAndTidiesTypedLines) {
+TEST_F(ScriptEndToEnd, PluginsInJavaScriptAndCHearPacketsAndChatAndTidyTypedLines) {
     const QString folder = GetProgramFolder() + QStringLiteral("/Plugins/");
     write(folder + QStringLiteral("greeter.js"), example(QStringLiteral("plugins/greeter.js")));
+    ASSERT_TRUE(QFile::copy(QStringLiteral(CORVANTIDE_BINARY_DIR "/plugins/hello.so"),
+                            folder + QStringLiteral("hello.so")));
     // Asks for chat events and has none of their members.
     write(folder + QStringLiteral("mute.js"),
           "function Startup(form, plugin) { form.RegisterPlugin('mute', 1); }");
     write(folder + QStringLiteral("idle.js"), "function Startup(form, plugin) {}");
     ASSERT_TRUE(PluginHost::setAutoLoad(QStringLiteral("greeter"), true));
     ASSERT_TRUE(PluginHost::setAutoLoad(QStringLiteral("mute"), true));
+    ASSERT_TRUE(PluginHost::setAutoLoad(QStringLiteral("hello"), true));
     InstallPluginLoader();
     PluginHost::instance().ImportPlugins();
     EXPECT_TRUE(console().contains(QStringLiteral("- Importing plugin \"greeter.js\"")));
     EXPECT_FALSE(PluginHost::instance().isLoaded(QStringLiteral("idle")));
-    ASSERT_EQ(PluginHost::instance().options().count(), 1);
-    EXPECT_EQ(PluginHost::instance().options().item(1).text, QStringLiteral("Packets received"));
+    ListModel& options = PluginHost::instance().options();
+    ASSERT_EQ(options.count(), 2);
+    EXPECT_EQ(options.item(1).text, QStringLiteral("Packets received"));
+    EXPECT_EQ(options.item(2).tag, QStringLiteral("hello.1"));
     const int i = online();
 
     control({"user Alice", "join Alice Sandbox"});
     EXPECT_TRUE(serverHears(QStringLiteral("Hello Alice, greetings from a plug-in.")));
+    EXPECT_TRUE(serverHears(QStringLiteral("Hello Alice, greetings from C.")));
     EXPECT_TRUE(console().contains(
         QStringLiteral("Error -> Plugin caused error for mute ChatEvent(2) - Object doesn't "
                        "support this property or method: 'Event_UserJoin'")))
         << console().toStdString();
 
-    PluginHost::instance().OptionClicked(PluginHost::instance().options().item(1).tag);
-    const QRegularExpressionMatch counted =
-        QRegularExpression(QStringLiteral("greeter has seen (\\d+) packets")).match(console());
-    ASSERT_TRUE(counted.hasMatch()) << console().toStdString();
-    EXPECT_GT(counted.captured(1).toInt(), 3);
+    for (int n = 1; n <= options.count(); ++n)
+        PluginHost::instance().OptionClicked(options.item(n).tag);
+    for (const char* counter : {"greeter has seen (\\d+) packets", "hello.so has counted (\\d+)"}) {
+        const QRegularExpressionMatch counted =
+            QRegularExpression(QString::fromLatin1(counter)).match(console());
+        ASSERT_TRUE(counted.hasMatch()) << counter << console().toStdString();
+        EXPECT_GT(counted.captured(1).toInt(), 3);
+    }
 
     Bots(i).Queue << QStringLiteral("#note to self") << QStringLiteral("brb, coffee");
     EXPECT_TRUE(serverHears(QStringLiteral("be right back, coffee")));

@@ -51,12 +51,15 @@ void LoadScript() {
                  QString::fromLatin1(kImportContext));
         return;
     }
+    const QString code = QString::fromUtf8(file.readAll());
     try {
         script->installGlobals(new objPlugin(&PluginMainForm::instance()));
-        script->load(QString::fromUtf8(file.readAll()), path);
+        script->load(code, path);
     } catch (const PluginCallError& e) {
         redLines(e.description(), QString::fromLatin1(kImportContext));
     }
+    // A user who never wrote a script is not told that it lacks a sub.
+    if (code.trimmed().isEmpty()) return;
     const QString startup = QStringLiteral("Event_Startup");
     try {
         if (!script->hasMember(startup))

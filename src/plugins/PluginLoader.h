@@ -10,4 +10,5 @@ void InstallPluginLoader();
 // Creates Script.txt in the settings folder when it is missing, runs it with
 // `Corvan` installed, then its Event_Startup. A script that does not run, or
 // lacks or fails Event_Startup, gets red console lines; what ran stays loaded.
+// An empty file is no script and gets no line.
 void LoadScript();

@@ -9,8 +9,11 @@
 #include "config/SettingsWrapper.h"
 #include "platform/ChatDocument.h"
 #include "platform/ListModel.h"
+#include "plugins/JavaScriptObject.h"
 #include "plugins/PluginHost.h"
 #include "plugins/PluginLoader.h"
+#include "plugins/PluginMainForm.h"
+#include "plugins/objPlugin.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -93,6 +96,30 @@ protected:
     QTemporaryDir traceDir;
     SandboxProcess sandbox;
 };
+
+TEST_F(ScriptEndToEnd, TheObjectsAnswerAScriptAndRefuseASlotWithoutAProfile) {
+    const int i = SlotTable::instance().LoadProfile(QStringLiteral("Keeper"));
+    JavaScriptObject script(JavaScriptObject::MissingIsSilent);
+    script.installGlobals(new objPlugin(&PluginMainForm::instance()));
+    script.load(QStringLiteral(R"(
+        function probe(i) {
+            Corvan.AddText(0, 0, "probing", 255);
+            return [Configuration.GetTrigger(i), Configuration.GetChannel(99),
+                    Cache.BotOnline(99), Cache.BotProfile(i), Cache.UserFind(i, "nobody"),
+                    Music.GetTrack(), typeof Cache.User(i, 5), BotIndex()].join("|");
+        })"),
+                QStringLiteral("probe.js"));
+    QVariantList args{i};
+    EXPECT_EQ(script.call(QStringLiteral("probe"), args).toString(),
+              QStringLiteral(".||false|Keeper|0||undefined|0"));
+    EXPECT_TRUE(console().contains(QStringLiteral("probing")));
+    EXPECT_TRUE(console().contains(
+        QStringLiteral("Error -> GetChannel(BotIndex: 99) - raised error no profile is loaded in "
+                       "slot 99")))
+        << console().toStdString();
+    QVariantList none;
+    EXPECT_FALSE(script.call(QStringLiteral("Event_Missing"), none).isValid());
+}
 
 TEST_F(ScriptEndToEnd, TheExampleScriptGreetsAndAnswersSeen) {
     write(GetSettingsPath() + QStringLiteral("Script.txt"), example(QStringLiteral("Script.txt")));

@@ -3,6 +3,8 @@
 #include "config/FileHandler.h"
 #include "config/Folders.h"
 #include "platform/ListModel.h"
+#include "plugins/PluginMainForm.h"
+#include "plugins/objPlugin.h"
 #include "presentation/ChatWriter.h"
 
 #include <QDir>
@@ -65,6 +67,48 @@ int PluginHost::failed(int stage, const QString& line, const PluginCallError& er
     return stage;
 }
 
+QVariantList PluginHost::startupArguments(objPlugin* plugin) {
+    return {QVariant::fromValue<QObject*>(&PluginMainForm::instance()),
+            QVariant::fromValue<QObject*>(plugin)};
+}
+
+void PluginHost::ImportPlugins() {
+    clear();
+    objPlugin* plugin = nullptr;
+    const QDir folder(GetProgramFolder() + QStringLiteral("/Plugins"));
+    for (const QString& name : PluginFiles()) {
+        if (!AutoLoad(name)) continue;
+        const QStringList files = folder.entryList({name + QStringLiteral(".*")}, QDir::Files);
+        WriteChat(0, Status::Warning,
+                  QStringLiteral("- Importing plugin \"") + files.value(0, name) + u'"');
+        try {
+            if (!m_factory)
+                throw PluginCallError(QStringLiteral("no loader for plug-ins is present"));
+            std::shared_ptr<PluginObject> object = m_factory(name);
+            add({name, 0, object});
+            if (!plugin) plugin = new objPlugin(&PluginMainForm::instance());
+            QVariantList args = startupArguments(plugin);
+            object->call(QStringLiteral("Startup"), args);
+        } catch (const PluginCallError& e) {
+            redLine(QStringLiteral(" > Plugin Error on ") + name + QStringLiteral(": ") +
+                    e.description() + u'.');
+            return;
+        }
+    }
+}
+
+void PluginHost::RegisterPlugin(const QString& strName, quint32 lngFlags) {
+    for (PluginRecord& record : m_plugins) {
+        if (!strName.isEmpty() && record.Name == strName) record.Flags = lngFlags;
+    }
+}
+
+QString PluginHost::GetBaseName(const QString& Path) {
+    const QString element = Path.section(u'\\', -1).section(u'/', -1);
+    const qsizetype dot = element.lastIndexOf(u'.');
+    return dot < 0 ? element : element.left(dot);
+}
+
 int PluginHost::StartPlugin(const QString& name) {
     std::shared_ptr<PluginObject> object;
     int slot = 0;
@@ -80,7 +124,7 @@ int PluginHost::StartPlugin(const QString& name) {
                       e);
     }
     try {
-        QVariantList args;
+        QVariantList args = startupArguments(new objPlugin(&PluginMainForm::instance()));
         object->call(QStringLiteral("Startup"), args);
     } catch (const PluginCallError& e) {
         // The record stays: the object was made.
@@ -194,15 +238,14 @@ void PluginHost::sendSocketEvent(const QString& member, QVariantList args) {
     }
 }
 
-void PluginHost::RunScript(int Index, const QString& sub, QVariantList args,
+void PluginHost::RunScript(int /*Index*/, const QString& sub, QVariantList args,
                            const QString& lineName) {
     if (!m_script) return;
     try {
         m_script->call(sub, args);
     } catch (const PluginCallError& e) {
-        WriteChat(Index, {{255, QStringLiteral("Error -> Script sub ") +
-                                    (lineName.isEmpty() ? sub : lineName) +
-                                    QStringLiteral(" raised error - ") + e.description()}});
+        redLine(QStringLiteral("Error -> Script sub ") + (lineName.isEmpty() ? sub : lineName) +
+                QStringLiteral(" raised error - ") + e.description());
     }
 }
 

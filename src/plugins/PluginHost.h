@@ -10,6 +10,7 @@
 #include <vector>
 
 class ListModel;
+class objPlugin;
 
 struct PluginRecord {
     QString Name;
@@ -44,6 +45,12 @@ public:
     // False when Plugins.ini could not be written.
     static bool setAutoLoad(const QString& name, bool on);
     bool isLoaded(const QString& name) const;
+    // At start: empties the table and starts every plug-in Plugins.ini
+    // loads, all sharing one objPlugin. The first that fails ends the import.
+    void ImportPlugins();
+    void RegisterPlugin(const QString& strName, quint32 lngFlags);
+    // The last element of Path, cut before its last dot.
+    static QString GetBaseName(const QString& Path);
     // Makes the plug-in, puts it in the table and calls its Startup. 0 when it
     // runs; otherwise the stage that failed, with a red console line.
     int StartPlugin(const QString& name);
@@ -68,8 +75,8 @@ public:
     void PacketArrival(int Index, const QByteArray& Data);
     // The user's script, when one is loaded; its subs are called by name.
     void setScript(std::shared_ptr<PluginObject> script) { m_script = std::move(script); }
-    // Runs a script sub. An error is one red line naming `lineName` (the sub
-    // itself when empty); the caller's work goes on.
+    // Runs a script sub. An error is one red console line naming `lineName`
+    // (the sub itself when empty); the caller's work goes on.
     void RunScript(int Index, const QString& sub, QVariantList args, const QString& lineName = {});
 
     void DispatchChatEvent(int BotIndex, int ID, const QString& Message, const QString& Username,
@@ -89,6 +96,8 @@ private:
     void sendChatEvent(int ID, const QString& member, const std::function<QVariantList()>& makeArgs,
                        const std::function<void(const QVariantList&)>& takeBack = {});
 
+    // What Startup receives: the main form and the given objPlugin.
+    static QVariantList startupArguments(objPlugin* plugin);
     // Shows a red console line and gives the stage of a failed start or stop.
     static int failed(int stage, const QString& line, const PluginCallError& error);
 

@@ -10,6 +10,8 @@
 #include "config/RegistryWrapper.h"
 #include "config/SettingsWrapper.h"
 #include "logon/BncsUtil.h"
+#include "plugins/PluginHost.h"
+#include "plugins/PluginLoader.h"
 #include "presentation/ChatWriter.h"
 #include "presentation/Theme.h"
 #include "session/MachineFacts.h"
@@ -135,6 +137,18 @@ bool importMessageFilters() {
     return true;
 }
 
+bool importScript() {
+    LoadScript();
+    return true;
+}
+
+bool importPlugins() {
+    WriteStartupLine(QStringLiteral("- Importing Plugins.."));
+    InstallPluginLoader();
+    PluginHost::instance().ImportPlugins();
+    return true;
+}
+
 bool importProfiles() {
     WriteStartupLine(QStringLiteral("- Importing Profiles set for Auto Loading.."));
     RegistryWrapper& store = RegistryWrapper::instance();
@@ -185,6 +199,7 @@ StartupSequence::StartupSequence() {
     m_steps = {
         {QStringLiteral("Starting Corvantide.."), startSlots},
         {QStringLiteral("Grabbing cached variables.."), grabCachedVariables},
+        {QStringLiteral("Importing script file.."), importScript},
         {QString(), openStore},
         {QStringLiteral("Printing welcome message..."), printWelcome},
         {QStringLiteral("Applying previous Theme.."), applyPreviousTheme},
@@ -195,6 +210,7 @@ StartupSequence::StartupSequence() {
         {QStringLiteral("Importing Groups && Aliases.."), importGroupsAndAliases},
         {QStringLiteral("Importing Macros.."), importMacros},
         {QStringLiteral("Importing Message Filters.."), importMessageFilters},
+        {QStringLiteral("Importing Plugins.."), importPlugins},
         {QStringLiteral("Importing Profiles.."), importProfiles},
         {QStringLiteral("Importing Themes.."), importThemes},
         {QStringLiteral("Initializing timers..."), startTimers},

@@ -19,9 +19,9 @@ struct ControlPanelFonts::Group {
     const char* control;
     const char* caption;
     QString (S::*font)() const;
-    void (S::*setFont)(const QString&);
+    bool (S::*setFont)(const QString&);
     qint32 (S::*size)() const;
-    void (S::*setSize)(qint32);
+    bool (S::*setSize)(qint32);
     bool onlyWhenChanged;
 };
 
@@ -92,10 +92,11 @@ void ControlPanelFonts::addGroup(const Group& group) {
         [&settings, group, family, size] {
             const QString chosen = family->currentText();
             const qint32 points = LeadingNumber(size->currentText());
+            bool saved = true;
             if (!group.onlyWhenChanged || chosen != (settings.*group.font)())
-                (settings.*group.setFont)(chosen);
+                saved = (settings.*group.setFont)(chosen);
             if (!group.onlyWhenChanged || points != (settings.*group.size)())
-                (settings.*group.setSize)(points);
-            return true;
+                saved = (settings.*group.setSize)(points) && saved;
+            return saved;
         });
 }

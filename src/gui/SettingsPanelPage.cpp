@@ -61,10 +61,7 @@ QList<QCheckBox*> SettingsPanelPage::addChecks(std::initializer_list<Check> rows
         box->setObjectName(QLatin1String(row.control));
         (into ? into : m_body)->addWidget(box);
         bind([box, get = row.get] { box->setChecked((settings().*get)()); },
-             [box, set = row.set] {
-                 (settings().*set)(box->isChecked());
-                 return true;
-             });
+             [box, set = row.set] { return (settings().*set)(box->isChecked()); });
         boxes.append(box);
     }
     return boxes;
@@ -75,10 +72,7 @@ QLineEdit* SettingsPanelPage::addText(const Text& row, QBoxLayout* into) {
     edit->setObjectName(QLatin1String(row.control));
     (into ? into : m_body)->addWidget(edit);
     bind([edit, get = row.get] { edit->setText((settings().*get)()); },
-         [edit, set = row.set] {
-             (settings().*set)(edit->text());
-             return true;
-         });
+         [edit, set = row.set] { return (settings().*set)(edit->text()); });
     return edit;
 }
 

@@ -33,13 +33,13 @@ public:
         const char* control;
         const char* caption;
         bool (SettingsWrapper::*get)() const;
-        void (SettingsWrapper::*set)(bool);
+        bool (SettingsWrapper::*set)(bool);
     };
     // A text box over a text setting.
     struct Text {
         const char* control;
         QString (SettingsWrapper::*get)() const;
-        void (SettingsWrapper::*set)(const QString&);
+        bool (SettingsWrapper::*set)(const QString&);
     };
     // One option button of a group.
     struct Option {

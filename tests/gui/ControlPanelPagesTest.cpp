@@ -254,7 +254,8 @@ class NotingPlugin : public PluginObject {
 public:
     explicit NotingPlugin(QStringList* calls) : m_calls(calls) {}
     QVariant call(const QString& member, QVariantList& args) override {
-        *m_calls << member + (args.isEmpty() ? QString() : u' ' + args[0].toString());
+        const QString first = args.isEmpty() ? QString() : args[0].toString();
+        *m_calls << member + (first.isEmpty() ? QString() : u' ' + first);
         if (member == QLatin1String("Description")) return QStringLiteral("Says hello.");
         return {};
     }

@@ -203,8 +203,9 @@ TEST_F(LogonFlowTest, PingSpoofSendsItsExactCounts) {
         const qsizetype before = wsBNET(i).sent.size();
         serverSends(i, 0x25, dword(0xDEAD));
         EXPECT_EQ(wsBNET(i).sent.size() - before, c.answers) << c.spoof;
+        // The answer carries the server's value back, as game clients do.
         if (c.answers) {
-            EXPECT_EQ(wsBNET(i).sent.last(), PacketWriter::frameBNCS(0x25, dword(0)));
+            EXPECT_EQ(wsBNET(i).sent.last(), PacketWriter::frameBNCS(0x25, dword(0xDEAD)));
         }
         SlotTable::instance().UnloadProfile(Bots(i).Profile());
     }

@@ -30,7 +30,9 @@ void startAttempt(int Index, quint32 now) {
 } // namespace
 
 bool ConnectionWrapper::inBnlsStep(int Index) {
-    return !Bots(Index).Online() && wsBNET(Index).State() == SocketControl::Closed;
+    const BotElement& bot = Bots(Index);
+    return !bot.Online() && !bot.Reconnect.isArmed() &&
+           wsBNET(Index).State() == SocketControl::Closed;
 }
 
 void ConnectionWrapper::DropConnection(int Index, const QString& Line) {

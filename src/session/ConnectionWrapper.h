@@ -121,7 +121,7 @@ public:
 
 private:
     // The slot's attempt is still at the version check: its Battle.net
-    // connection is not open yet.
+    // connection is not open yet, and no try is planned.
     static bool inBnlsStep(int Index);
     void bnlsProtocolError(int Index, const QString& what);
 

@@ -57,9 +57,11 @@ void feed(SocketControl& socket, const QByteArray& bytes) {
 QByteArray fillOpenFrame() {
     const StreamBuffer& in = Bots(g_slot).InBNCS;
     if (in.isEmpty()) return {};
-    QByteArray fill(qMax(0, 6 - in.size()), '\0');
-    const int length = in.size() >= 4 ? in.at(2) | (in.at(3) << 8) : 0;
-    if (length > in.size() + fill.size()) fill.append(length - in.size() - fill.size(), '\0');
+    QByteArray fill(qMax(0, 4 - in.size()), '\0');
+    const auto headerByte = [&](int k) { return k < in.size() ? in.at(k) : quint8(0); };
+    const int length = headerByte(2) | (headerByte(3) << 8);
+    const int have = in.size() + int(fill.size());
+    if (length > have) fill.append(length - have, '\0');
     return fill;
 }
 

@@ -96,7 +96,8 @@ void TimedEvents::pulse() {
         }
         if (elapsed < t.period) continue;
         t.last = now - elapsed % t.period;
-        RunGuarded(QStringLiteral("timer ") + QString::number(t.number), t.routine);
+        RunGuarded([&t] { return QStringLiteral("timer ") + QString::number(t.number); },
+                   t.routine);
     }
     if (m_running) scheduleHeartbeat();
 }
@@ -147,7 +148,7 @@ void TimedEvents::sendTick() {
     SlotTable& table = SlotTable::instance();
     for (int i = 1; i <= table.highestIndex(); ++i) {
         // Each slot's step is its own: one that fails leaves the others theirs.
-        RunGuarded(QStringLiteral("send step"), [i] {
+        RunGuarded([] { return QStringLiteral("send step"); }, [i] {
             if (isConnected(i) && Bots(i).IsLoaded && Bots(i).Online())
                 sendqueue::SendStep(i);
             else

@@ -59,8 +59,9 @@ void SlotTable::wireSockets(Slot& s, int index) {
     // next one.
     const auto guarded = [this, index](const char* what, auto step) {
         return [this, index, what, step](auto&&... args) {
-            RunGuarded(bot(index).Profile() + QStringLiteral(" - ") + QLatin1String(what),
-                       [&] { step(args...); });
+            RunGuarded(
+                [&] { return bot(index).Profile() + QStringLiteral(" - ") + QLatin1String(what); },
+                [&] { step(args...); });
         };
     };
     connect(&s.bnet, &SocketControl::connected, this,

@@ -11,6 +11,7 @@ PACKAGES=(
     clang libclang-rt-14-dev
     libxkbcommon-dev
     xvfb xauth dbus x11-utils
+    desktop-file-utils appstream man-db dpkg-dev file
 )
 
 missing=()

@@ -25,16 +25,19 @@ if [ -z "$bncs" ] || [ -z "$bnls" ]; then
     exit 1
 fi
 
-# The demo profile, pointed at this run's ports. REGEDIT4 wants CR LF lines.
-{
-    printf 'REGEDIT4\r\n\r\n'
-    printf '[HKEY_CURRENT_USER\\Software\\Corvantide4\\Profiles\\Demo]\r\n'
-    printf '"Account"="demobot"\r\n"Password"="demo"\r\n"Product"="STAR"\r\n'
-    printf '"Verbyte"="d3"\r\n"Cdkey1"="7178075237576"\r\n"Channel"="Sandbox"\r\n'
-    printf '"Server"="%s"\r\n"ServerBNLS"="%s"\r\n' "$bncs" "$bnls"
-    printf '"Load at Startup"=dword:00000001\r\n\r\n'
-} >.home/demo.reg
-./build/corvantide --home .home --import-reg .home/demo.reg >/dev/null
+# The demo profile, pointed at this run's ports, made with the same verbs a
+# person types.
+bot() { ./build/corvantide --home .home "$@" >/dev/null; }
+bot profile get Demo Account 2>/dev/null || bot profile new Demo
+bot profile set Demo Account demobot
+bot profile set Demo Password demo
+bot profile set Demo Product STAR
+bot profile set Demo Verbyte d3
+bot profile set Demo Cdkey1 7178075237576
+bot profile set Demo Channel Sandbox
+bot profile set Demo Server "$bncs"
+bot profile set Demo ServerBNLS "$bnls"
+bot profile set Demo "Load at Startup" on
 
 mode=()
 if [ -z "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then

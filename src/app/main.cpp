@@ -2,18 +2,24 @@
 #include "chat/BotElement.h"
 #include "commands/ChatInput.h"
 #include "config/Folders.h"
-#include "config/RegCommands.h"
 #include "config/RegistryWrapper.h"
+#include "config/SettingsWrapper.h"
+#include "control/ControlClient.h"
+#include "control/ControlServer.h"
+#include "control/TerminalVerbs.h"
 #include "gui/frmBot.h"
+#include "platform/TerminationSignals.h"
 #include "presentation/ChatWriter.h"
 #include "session/ShutdownSequence.h"
 #include "session/SlotTable.h"
 #include "session/StartupSequence.h"
 #include "shell/DesktopShell.h"
+#include "social/ClanPacket.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QDir>
 #include <QMessageBox>
 #include <QTextStream>
 #include <QTimer>
@@ -26,6 +32,7 @@ namespace {
 
 struct Options {
     bool headless = false;
+    bool noInput = false;
     bool connect = false;
     QString home;
     QString importReg;
@@ -34,7 +41,8 @@ struct Options {
 
 Options parseOptions(const QCoreApplication& app) {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Corvantide, a chat bot for Battle.net"));
+    parser.setApplicationDescription(QStringLiteral("Corvantide, a chat bot for Battle.net\n\n") +
+                                     TerminalVerbs::Help());
     parser.addHelpOption();
     parser.addVersionOption();
     const QCommandLineOption headless(QStringLiteral("headless"),
@@ -43,6 +51,10 @@ Options parseOptions(const QCoreApplication& app) {
     const QCommandLineOption home(QStringLiteral("home"),
                                   QStringLiteral("Keep every file of this run under DIR."),
                                   QStringLiteral("DIR"));
+    const QCommandLineOption noInput(QStringLiteral("no-input"),
+                                     QStringLiteral("With --headless: do not read the terminal; "
+                                                    "run until SIGTERM or QUIT (for a "
+                                                    "service)."));
     const QCommandLineOption connect(QStringLiteral("connect"),
                                      QStringLiteral("Connect every profile loaded at start."));
     const QCommandLineOption importReg(QStringLiteral("import-reg"),
@@ -51,26 +63,85 @@ Options parseOptions(const QCoreApplication& app) {
                                        QStringLiteral("FILE"));
     const QCommandLineOption exportReg(QStringLiteral("export-reg"),
                                        QStringLiteral("Export the settings below KEY to FILE "
-                                                      "(give the option twice: KEY, then FILE) "
-                                                      "and exit."),
+                                                      "and exit (--export-reg KEY FILE)."),
                                        QStringLiteral("KEY FILE"));
-    parser.addOptions({headless, home, connect, importReg, exportReg});
+    parser.addOptions({headless, noInput, home, connect, importReg, exportReg});
     parser.process(app);
-    return {parser.isSet(headless), parser.isSet(connect), parser.value(home),
-            parser.value(importReg), parser.values(exportReg)};
+    // The file may follow the key as a plain word, or come as a second
+    // --export-reg as it did before.
+    QStringList exportArgs = parser.values(exportReg);
+    if (exportArgs.size() == 1) exportArgs += parser.positionalArguments().mid(0, 1);
+    return {parser.isSet(headless) || parser.isSet(noInput), parser.isSet(noInput),
+            parser.isSet(connect), parser.value(home), parser.value(importReg), exportArgs};
 }
 
-// The settings file commands run and end the process.
+// `corvantide [--home DIR] VERB ...`: the words from the first terminal verb
+// on, with --home taken out wherever it stands. Empty when there is no verb.
+QStringList verbWords(const QStringList& arguments, QString& home) {
+    QStringList words;
+    for (qsizetype i = 1; i < arguments.size(); ++i) {
+        const QString& word = arguments[i];
+        if (word == u"--home" && i + 1 < arguments.size()) {
+            home = arguments[++i];
+        } else if (word.startsWith(QStringLiteral("--home="))) {
+            home = word.mid(7);
+        } else if (!words.isEmpty() || TerminalVerbs::IsVerb(word)) {
+            words.append(word);
+        } else {
+            return {};
+        }
+    }
+    return words;
+}
+
+// The bot that runs the verb has its own working folder: file names go as
+// absolute paths.
+QStringList withAbsoluteFiles(QStringList words) {
+    const qsizetype file = words.value(0) == u"import" ? 1 : words.value(0) == u"export" ? 2 : -1;
+    if (file > 0 && file < words.size()) words[file] = QDir::current().absoluteFilePath(words[file]);
+    return words;
+}
+
+// A running bot on the home takes the verb, so that it applies the change as
+// its own forms would; with none, this process opens the store itself.
+int runVerb(const QStringList& words) {
+    VerbResult result;
+    const QStringList request = withAbsoluteFiles(words);
+    if (!ControlClient::SendToRunningBot(request, result)) {
+        RegistryWrapper& store = RegistryWrapper::instance();
+        if (!store.movedAsideNotice().isEmpty())
+            std::fprintf(stderr, "%s\n", qPrintable(store.movedAsideNotice()));
+        if (!store.isOpen()) {
+            std::fprintf(stderr, "%s No Corvantide running on this home answered.\n",
+                         qPrintable(store.openError()));
+            return 1;
+        }
+        store.setCreateKeyIfDoesntExists(true);
+        result = TerminalVerbs::Run(request);
+    }
+    std::fputs(result.out.toLocal8Bit().constData(), stdout);
+    std::fputs(result.err.toLocal8Bit().constData(), stderr);
+    return result.status;
+}
+
+// The running bot listens for the terminal's verbs; without the channel it
+// still runs, and says why the verbs cannot reach it.
+void openControlChannel(ControlServer& server) {
+    QString error;
+    if (!server.listen(&error))
+        WriteChat(0, Status::Error,
+                  QStringLiteral("Settings commands from the terminal cannot reach this bot: ") +
+                      error);
+}
+
+// The settings file options are the import and export verbs.
 int runSettingsCommand(const Options& options) {
-    QTextStream out(stdout);
-    QTextStream err(stderr);
-    RegistryWrapper& store = RegistryWrapper::instance();
-    if (!options.importReg.isEmpty()) return ImportRegCommand(store, options.importReg, out, err);
+    if (!options.importReg.isEmpty()) return runVerb({QStringLiteral("import"), options.importReg});
     if (options.exportReg.size() != 2) {
-        err << "--export-reg takes a key and a file: --export-reg KEY --export-reg FILE\n";
+        std::fprintf(stderr, "--export-reg takes a key and a file: --export-reg KEY FILE\n");
         return 2;
     }
-    return ExportRegCommand(store, options.exportReg[0], options.exportReg[1], out, err);
+    return runVerb({QStringLiteral("export"), options.exportReg[0], options.exportReg[1]});
 }
 
 // A line typed on the terminal goes to the profile on screen, as the input
@@ -102,6 +173,20 @@ void connectLoadedProfiles() {
         table.ConnectBot(i);
 }
 
+// A store that was no settings store went aside for a fresh one: the first
+// line of the console says where, before the user misses the old settings.
+// Later, a setting the disk did not take is a red line too.
+void reportStoreTrouble() {
+    const QString notice = RegistryWrapper::instance().movedAsideNotice();
+    if (!notice.isEmpty()) WriteChat(0, Status::Error, notice);
+    QObject::connect(
+        &SettingsWrapper::instance(), &SettingsWrapper::settingNotSaved,
+        [](const QString& property, const QString& cause) {
+            WriteChat(0, Status::Error,
+                      QStringLiteral("Could not save the setting %1: %2.").arg(property, cause));
+        });
+}
+
 int runHeadless(QCoreApplication& app, const Options& options) {
     HeadlessConsole console(stdout, isatty(STDOUT_FILENO) != 0);
     QObject::connect(&console, &HeadlessConsole::endOfInput, &app, &QCoreApplication::quit);
@@ -111,15 +196,18 @@ int runHeadless(QCoreApplication& app, const Options& options) {
                      [](const QString& title, const QString& text) {
                          std::fprintf(stderr, "%s: %s\n", qPrintable(title), qPrintable(text));
                      });
+    reportStoreTrouble();
     StartupSequence startup;
     if (!startup.run()) {
         console.flush();
         return 1;
     }
     showFirstLoadedProfile();
+    ControlServer control;
+    openControlChannel(control);
     if (options.connect) QTimer::singleShot(0, &app, connectLoadedProfiles);
     console.setLineHandler(sendTypedLine);
-    console.startReading();
+    if (!options.noInput) console.startReading();
     const int code = app.exec();
     ShutdownSequence().run();
     console.flush();
@@ -131,8 +219,11 @@ int runWindow(QCoreApplication& app, const Options& options) {
     // The window exists before the start-up so that it sees every slot and
     // every line from the first.
     frmBot window;
+    reportStoreTrouble();
     StartupSequence startup;
     if (!startup.run()) return 1;
+    ControlServer control;
+    openControlChannel(control);
     if (options.connect) QTimer::singleShot(0, &app, connectLoadedProfiles);
     window.show();
     const int code = app.exec();
@@ -144,8 +235,8 @@ int runWindow(QCoreApplication& app, const Options& options) {
 // help or version text.
 bool runsWithoutWindow(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
-        for (const char* option : {"--headless", "--import-reg", "--export-reg", "--help", "-h",
-                                   "--version", "-v", "--help-all"}) {
+        for (const char* option : {"--headless", "--no-input", "--import-reg", "--export-reg",
+                                   "--help", "-h", "--version", "-v", "--help-all"}) {
             const size_t length = std::strlen(option);
             if (std::strncmp(argv[i], option, length) == 0 &&
                 (argv[i][length] == '\0' || argv[i][length] == '='))
@@ -158,6 +249,17 @@ bool runsWithoutWindow(int argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    QString verbHome;
+    const QStringList verb = verbWords(arguments, verbHome);
+    if (!verb.isEmpty()) {
+        QCoreApplication app(argc, argv);
+        QCoreApplication::setApplicationName(QStringLiteral("Corvantide"));
+        if (!verbHome.isEmpty()) SetHomeFolder(verbHome);
+        return runVerb(verb);
+    }
     const bool windowless = runsWithoutWindow(argc, argv);
     std::unique_ptr<QCoreApplication> application;
     if (windowless)
@@ -167,16 +269,16 @@ int main(int argc, char** argv) {
     QCoreApplication& app = *application;
     QCoreApplication::setApplicationName(QStringLiteral("Corvantide"));
     QCoreApplication::setApplicationVersion(QStringLiteral(CORVANTIDE_VERSION));
+    QuitOnTermination(app);
+    ClanPacket::install();
     const Options options = parseOptions(app);
     if (!options.home.isEmpty()) SetHomeFolder(options.home);
     if (!options.importReg.isEmpty() || !options.exportReg.isEmpty())
         return runSettingsCommand(options);
     if (!RegistryWrapper::instance().isOpen()) {
-        // Another Corvantide holds this settings store; a second one would
-        // run on defaults and lose every change.
-        const QString text = QStringLiteral("Could not open the settings store %1: is Corvantide "
-                                            "already running with this home?")
-                                 .arg(RegistryWrapper::defaultStoreFile());
+        // A run without its store would go on defaults and lose every
+        // change: a lock, a read-only file and a damaged one each say so.
+        const QString text = RegistryWrapper::instance().openError();
         std::fprintf(stderr, "%s\n", qPrintable(text));
         if (!windowless) QMessageBox::critical(nullptr, QStringLiteral("Corvantide"), text);
         return 1;

@@ -269,11 +269,14 @@ QString BotElement::Database() const {
     return RegistryWrapper::instance().ReadSTRING(Config.profileKey(), QStringLiteral("Database"));
 }
 
-void BotElement::setDatabase(const QString& name) {
-    if (Config.Profile.isEmpty()) return;
-    RegistryWrapper::instance().WriteSTRING(Config.profileKey(), QStringLiteral("Database"), name);
+bool BotElement::setDatabase(const QString& name) {
+    if (Config.Profile.isEmpty()) return false;
+    if (!RegistryWrapper::instance().WriteSTRING(Config.profileKey(), QStringLiteral("Database"),
+                                                 name))
+        return false;
     WriteChat(m_index, Status::Information,
               QStringLiteral("Binded database '") + name + QStringLiteral("' to this profile."));
+    return true;
 }
 
 void BotElement::emptySlot() {

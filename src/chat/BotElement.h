@@ -105,7 +105,8 @@ public:
     // read afresh each time, so a binding made elsewhere is seen at once.
     // Empty without a profile; setting it without a profile does nothing.
     QString Database() const;
-    void setDatabase(const QString& name);
+    // False, without the line, when there is no profile or the store refused.
+    bool setDatabase(const QString& name);
     const QString& Channel() const { return m_channel; }
     void setChannel(const QString& channel);
     const QString& ChannelNonVoid() const { return m_channelNonVoid; }

@@ -1,5 +1,6 @@
 #include "chat/ChannelView.h"
 
+#include "chat/BotElement.h"
 #include "platform/ListModel.h"
 #include "presentation/UserColors.h"
 #include "presentation/UserIcons.h"
@@ -53,6 +54,22 @@ bool UpdateUserItems(int Index, const QString& username, qint32 flags, qint32 pi
         found = true;
     }
     return found;
+}
+
+void RefreshUserLists() {
+    SlotTable& table = SlotTable::instance();
+    for (int slot = 1; slot <= table.highestIndex(); ++slot) {
+        BotElement& bot = table.bot(slot);
+        if (!bot.Online()) continue;
+        ListModel& list = lvUsers(slot);
+        for (int i = 1; i <= list.count(); ++i) {
+            const int position = bot.UserFind(list.item(i).tag);
+            if (position == 0) continue;
+            const UserElement& user = bot.user(position);
+            list.setItem(i,
+                         userItem(slot, user.Username(), user.Flags, user.Ping, user.Statstring));
+        }
+    }
 }
 
 } // namespace channelview

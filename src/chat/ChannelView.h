@@ -14,5 +14,8 @@ void RemoveUserItems(int Index, const QString& plainName);
 // Refreshes every item of the user in place; false if there was none.
 bool UpdateUserItems(int Index, const QString& username, qint32 flags, qint32 ping,
                      const QString& statstring);
+// Works out every item of every online slot's user list anew, icons and
+// colours, after a change of how they are drawn.
+void RefreshUserLists();
 
 } // namespace channelview

@@ -1,5 +1,6 @@
 #include "commands/BlocksAndFilters.h"
 
+#include "config/FileStamp.h"
 #include "config/Folders.h"
 #include "config/TextListFile.h"
 #include "presentation/UserColors.h"
@@ -84,14 +85,55 @@ private:
     std::vector<QString> m_patterns;
 };
 
+// A list and the stamp of the file it was last loaded from.
+struct LoadedList {
+    PatternList list;
+    std::optional<FileStamp> stamp;
+};
+
+LoadedList& blockList() {
+    static LoadedList loaded;
+    return loaded;
+}
+
+LoadedList& filterList() {
+    static LoadedList loaded;
+    return loaded;
+}
+
+// Loads the list again when its file changed on disk since the last load, so
+// that a hand edit counts from the next line on. A file that is gone keeps
+// the list as it is: the next load creates it empty.
+PatternList& current(LoadedList& loaded, const char* name, void (*load)()) {
+    const std::optional<FileStamp> now = FileStamp::of(SettingsFilePath(QLatin1String(name)));
+    if (now && now != loaded.stamp) load();
+    return loaded.list;
+}
+
 PatternList& blocks() {
-    static PatternList list;
-    return list;
+    return current(blockList(), "BlockedUsers.ini", LoadBlocks);
 }
 
 PatternList& filters() {
-    static PatternList list;
-    return list;
+    return current(filterList(), "MessageFilters.ini", LoadFilters);
+}
+
+// Fills the list from its file, created empty when missing, with the lines
+// that count.
+void loadList(LoadedList& loaded, const QString& path, bool (*counts)(const QString& line)) {
+    loaded.list.clear();
+    TouchFile(path);
+    loaded.stamp = FileStamp::of(path);
+    for (const QString& line : ReadTextLines(path)) {
+        if (counts(line)) loaded.list.add(line);
+    }
+}
+
+// The whole file replaced by the lines, then loaded again.
+bool replaceFile(const QString& path, const QStringList& lines, void (*load)()) {
+    const bool written = WriteTextLines(path, lines);
+    load();
+    return written;
 }
 
 QString cutAtHash(const QString& name) {
@@ -131,36 +173,50 @@ const QStringList& MessageFilters() {
 }
 
 void LoadBlocks() {
-    blocks().clear();
-    TouchFile(BlockedUsersFile());
-    for (const QString& line : ReadTextLines(BlockedUsersFile())) {
-        if (!line.isEmpty()) blocks().add(line);
-    }
+    loadList(blockList(), BlockedUsersFile(), [](const QString& line) { return !line.isEmpty(); });
 }
 
-void SaveBlocks() {
-    TouchFile(BlockedUsersFile());
+bool SaveBlocks(QString* cause) {
+    LoadedList& loaded = blockList();
+    const QString path = BlockedUsersFile();
     QStringList lines;
-    for (const QString& entry : blocks().entries()) {
+    for (const QString& entry : loaded.list.entries()) {
         if (!entry.isEmpty()) lines.append(entry);
     }
-    WriteTextLines(BlockedUsersFile(), lines);
+    if (!WriteTextLines(path, lines, cause)) return false;
+    // What is on disk now is what the list holds.
+    loaded.stamp = FileStamp::of(path);
+    return true;
 }
 
-bool AddBlock(const QString& Name) {
+bool ReplaceBlockedUsersFile(const QStringList& lines) {
+    const bool written = replaceFile(BlockedUsersFile(), lines, LoadBlocks);
+    RecolorUserLists();
+    return written;
+}
+
+// A block that did not reach the file would be gone at the next start:
+// the list in memory goes back to what the file holds.
+bool AddBlock(const QString& Name, QString* cause) {
     const QString name = cutAtHash(Name);
     if (findEntry(name) >= 0) return false;
     blocks().add(name);
-    SaveBlocks();
+    if (!SaveBlocks(cause)) {
+        blocks().removeAt(findEntry(name));
+        return false;
+    }
     RecolorUserLists();
     return true;
 }
 
-bool RemoveBlock(const QString& Name) {
+bool RemoveBlock(const QString& Name, QString* cause) {
     const qsizetype at = findEntry(cutAtHash(Name));
     if (at < 0) return false;
     blocks().removeAt(at);
-    SaveBlocks();
+    if (!SaveBlocks(cause)) {
+        LoadBlocks();
+        return false;
+    }
     RecolorUserLists();
     return true;
 }
@@ -170,11 +226,12 @@ bool IsBlocked(const QString& Name) {
 }
 
 void LoadFilters() {
-    filters().clear();
-    TouchFile(MessageFiltersFile());
-    for (const QString& line : ReadTextLines(MessageFiltersFile())) {
-        if (line.contains(u'*')) filters().add(line);
-    }
+    loadList(filterList(), MessageFiltersFile(),
+             [](const QString& line) { return line.contains(u'*'); });
+}
+
+bool ReplaceMessageFiltersFile(const QStringList& lines) {
+    return replaceFile(MessageFiltersFile(), lines, LoadFilters);
 }
 
 bool IsFiltered(const QString& Text) {

@@ -2,6 +2,7 @@
 
 #include "chat/BotElement.h"
 #include "config/FileHandler.h"
+#include "config/FileWrites.h"
 #include "config/Folders.h"
 #include "config/TextListFile.h"
 #include "platform/Cp1252.h"
@@ -12,7 +13,6 @@
 #include "statistics/UserNames.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QLocale>
 #include <limits>
@@ -66,6 +66,17 @@ void queueMail(int Index, const QString& Username, const MailRecord& mail) {
                              u')');
 }
 
+// Mail that was read but stays in the file would be read again: the
+// person at the keyboard hears of it.
+void deleteRead(int Index, const QString& user, int Number) {
+    QString cause;
+    if (!DeleteMail(Index, user, Number, &cause) && !cause.isEmpty())
+        WriteChat(Index, Status::Error,
+                  QStringLiteral("Could not delete the mail read by ") + user +
+                      QStringLiteral(" from ") + MailFile(Index) + QStringLiteral(": ") + cause +
+                      u'.');
+}
+
 void readAll(int Index, const QString& Username) {
     const QString user = ConvertUsername(Username, false, -1);
     QList<MailRecord> mails;
@@ -73,7 +84,7 @@ void readAll(int Index, const QString& Username) {
         for (const MailRecord& mail : mails)
             queueMail(Index, Username, mail);
     }
-    DeleteMail(Index, user, -1);
+    deleteRead(Index, user, -1);
 }
 
 // The number is taken as a typed number is, within 16 bits; anything else
@@ -85,7 +96,7 @@ void readOne(int Index, const QString& Username, const QString& numberText) {
     QList<MailRecord> mails;
     if (!ReadMail(Index, user, mails) || mails.size() < number) return;
     queueMail(Index, Username, mails[number - 1]);
-    DeleteMail(Index, user, number);
+    deleteRead(Index, user, number);
 }
 
 } // namespace
@@ -109,14 +120,14 @@ QString MailDateText(const QDate& date) {
     return QLocale::system().toString(date, QLocale::ShortFormat);
 }
 
-void AddMail(int Index, const QString& To, const QString& Message) {
-    QDir().mkpath(mailFolder());
+// Mail is between users: the folder and its files are the user's alone.
+bool AddMail(int Index, const QString& To, const QString& Message, QString* cause) {
+    if (!MakePrivateFolder(mailFolder(), cause)) return false;
     const QString date =
         MailTimeText(QTime::currentTime()) + u'|' + MailDateText(QDate::currentDate());
     const QString line = field(To) + u'\t' + field(Bots(Index).UniqueAccount) + u'\t' + date +
                          u'\t' + field(Message);
-    QFile file(MailFile(Index));
-    if (file.open(QIODevice::Append)) file.write(cp1252::encode(line) + "\r\n");
+    return AppendToFile(MailFile(Index), cp1252::encode(line) + "\r\n", cause, FileAccess::Private);
 }
 
 bool ReadMail(int Index, const QString& User, QList<MailRecord>& Mails) {
@@ -137,7 +148,7 @@ bool HasMail(int Index, const QString& User) {
     return false;
 }
 
-bool DeleteMail(int Index, const QString& User, int Number) {
+bool DeleteMail(int Index, const QString& User, int Number, QString* cause) {
     QStringList kept;
     bool dropped = false;
     int count = 0;
@@ -153,8 +164,7 @@ bool DeleteMail(int Index, const QString& User, int Number) {
         }
         kept.append(line);
     }
-    if (dropped) WriteTextLines(MailFile(Index), kept);
-    return dropped;
+    return dropped && WriteTextLines(MailFile(Index), kept, cause, FileAccess::Private);
 }
 
 void NotifyMailOnJoin(int Index, const QString& Username) {

@@ -15,8 +15,9 @@
 // `User` below is the plain name (ConvertUsername(name, False, -1)); names
 // compare without regard to case.
 
-// Stores a mail from the bot's own logged-on name, creating folder and file.
-void AddMail(int Index, const QString& To, const QString& Message);
+// Stores a mail from the bot's own logged-on name, creating folder and file,
+// both private to the user. False, with the cause, when it was not stored.
+bool AddMail(int Index, const QString& To, const QString& Message, QString* cause = nullptr);
 // The user's mails in file order, numbered from 1; false when there are none.
 bool ReadMail(int Index, const QString& User, QList<MailRecord>& Mails);
 // A quick test on the raw file: whether a line starts with the name. A
@@ -24,8 +25,9 @@ bool ReadMail(int Index, const QString& User, QList<MailRecord>& Mails);
 // callers confirm with ReadMail.
 bool HasMail(int Index, const QString& User);
 // Removes the user's mail of that number, or all of them for -1, and
-// rewrites the file, dropping lines that are no mail. True when a mail went.
-bool DeleteMail(int Index, const QString& User, int Number);
+// rewrites the file, dropping lines that are no mail. True when a mail went;
+// false, with the cause, when the file could not be rewritten.
+bool DeleteMail(int Index, const QString& User, int Number, QString* cause = nullptr);
 
 // When a user joins: a whisper that mail is waiting, queued each time until
 // it is read. `Username` is the name as the server gave it.

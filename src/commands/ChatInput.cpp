@@ -12,6 +12,8 @@
 #include "presentation/Theme.h"
 #include "session/PacketWriter.h"
 #include "session/SlotTable.h"
+#include "social/ClanNotices.h"
+#include "social/ClanPacket.h"
 #include "statistics/UserNames.h"
 
 namespace {
@@ -69,16 +71,28 @@ void whisperBack(int Index, const QString& target, const QString& retype, const 
     Bots(Index).Queue.append(QStringLiteral("/w ") + target + u' ' + rest);
 }
 
+// The typed answer to a clan invitation, for a run without its dialog.
+void answerClanInvitation(int Index, bool accept) {
+    if (!ClanNotices::instance().answerOldest(Index, accept))
+        WriteChat(Index, Status::Error,
+                  QStringLiteral("No clan invitation is waiting for an answer."));
+}
+
 // The slash commands the bot answers itself. Returns true when the line ends
 // here; a whisper may come back rewritten in `text`.
 bool runLocalCommand(int Index, QString& text) {
     BotElement& bot = Bots(Index);
     const qsizetype blank = text.indexOf(u' ');
     if (blank < 0) {
-        if (text.compare(QLatin1String("/profile"), Qt::CaseInsensitive) != 0 &&
-            text.compare(QLatin1String("/p"), Qt::CaseInsensitive) != 0)
+        const QString word = text.toLower();
+        if (isWord(word, {"/profile", "/p"}))
+            bot.Connection.Output_ProfileRequest(Index, bot.Config.Account());
+        else if (isWord(word, {"/accept", "/decline"}))
+            answerClanInvitation(Index, word == QLatin1String("/accept"));
+        else if (word == QLatin1String("/members"))
+            ClanPacket::WriteMembers(Index);
+        else
             return false;
-        bot.Connection.Output_ProfileRequest(Index, bot.Config.Account());
         return true;
     }
     const QString word = text.left(blank).toLower();

@@ -22,6 +22,11 @@ struct CommandContext {
     void queue(const QString& text) const;
     // The profile's command trigger, as replies quote it.
     QString trigger() const;
+    // A change the command made did not reach the disk: a red line in the
+    // profile's view says what and why ("Could not add Bob to the userbase:
+    // the disk is full."), and a user in the channel hears that it failed,
+    // without the cause. The command's success reply is not given.
+    void notSaved(const QString& what, const QString& cause) const;
 };
 
 using CommandAction = void (*)(const CommandContext&);

@@ -48,19 +48,28 @@ QStringList DatabaseWrapper::userNames(int Index) {
     return names;
 }
 
+// A write the store refused is no added user: the caller must not say so.
 bool DatabaseWrapper::AddUser(int Index, const QString& Username, qint32 Rank) {
+    m_writeError.clear();
     const QString key = userKey(databaseKey(Index), Username);
     if (key.isEmpty() || !isRank(Rank)) return false;
     RegistryWrapper& store = RegistryWrapper::instance();
     if (store.ReadDWORD(key, kFlags, 0) >= 1) return false;
-    store.WriteDWORD(key, kFlags, Rank);
-    return true;
+    if (store.WriteDWORD(key, kFlags, Rank) != 0) return true;
+    m_writeError = store.lastError();
+    return false;
 }
 
 bool DatabaseWrapper::RemoveUser(int Index, const QString& Username) {
+    m_writeError.clear();
     const QString key = userKey(databaseKey(Index), Username);
     if (key.isEmpty()) return false;
-    return RegistryWrapper::instance().KillKey(key) != 0;
+    RegistryWrapper& store = RegistryWrapper::instance();
+    if (store.KillKey(key) == 0) return false;
+    if (!store.KeyExists(key)) return true;
+    m_writeError = store.HaveSubkey(key) ? QStringLiteral("the user's key holds other keys")
+                                         : store.lastError();
+    return false;
 }
 
 void DatabaseWrapper::GrabRank(int Index, QString& Username, qint32& Rank) {

@@ -15,9 +15,11 @@ class DatabaseWrapper {
 public:
     // False with no database bound, a rank outside 1 to 100, or a user who
     // already has a rank (in any case of the name). An existing user keeps
-    // the rank: it changes only by removing and adding again.
+    // the rank: it changes only by removing and adding again. False also
+    // when the store did not take the write; writeError() then says why.
     bool AddUser(int Index, const QString& Username, qint32 Rank);
-    // True when the user's key, by its exact name, was there to delete.
+    // True when the user's key, by its exact name, was there and is gone.
+    // False with writeError() set when the store kept it.
     bool RemoveUser(int Index, const QString& Username);
     // Looks the name up by its account part, without regard to case. On a
     // rank the name becomes the stored spelling; otherwise it becomes empty
@@ -34,6 +36,10 @@ public:
     // HKCU\Software\Corvantide4\Databases, made at start-up.
     static QString DatabasesKey();
 
+    // Why the last AddUser or RemoveUser that gave false could not change the
+    // store; empty when it gave false for a reason of the userbase itself.
+    const QString& writeError() const { return m_writeError; }
+
 private:
     // The key of the profile's database; empty with none bound.
     static QString databaseKey(int Index);
@@ -41,4 +47,6 @@ private:
     static QString userKey(const QString& database, const QString& Username);
     // The user keys of the profile's database, in the store's order.
     static QStringList userNames(int Index);
+
+    QString m_writeError;
 };

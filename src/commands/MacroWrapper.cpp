@@ -6,6 +6,7 @@
 namespace {
 
 const QString kOpening = QStringLiteral(" {");
+const QString kFileName = QStringLiteral("Macros.ini");
 
 } // namespace
 
@@ -19,13 +20,14 @@ MacroWrapper::MacroWrapper() {
 }
 
 QString MacroWrapper::fileName() {
-    return GetSettingsPath() + QStringLiteral("Macros.ini");
+    return GetSettingsPath() + kFileName;
 }
 
 void MacroWrapper::Reload() {
     m_macros.clear();
     const QString path = fileName();
     TouchFile(path);
+    m_loaded = FileStamp::of(path);
     bool inBlock = false;
     for (const QString& line : ReadTextLines(path)) {
         if (line.isEmpty()) continue;
@@ -40,7 +42,20 @@ void MacroWrapper::Reload() {
     }
 }
 
-void MacroWrapper::Grab(const QString& Name, QStringList& Lines, bool& Found) const {
+QStringList MacroWrapper::FileLines() {
+    TouchFile(fileName());
+    return ReadTextLines(fileName());
+}
+
+bool MacroWrapper::ReplaceFile(const QStringList& lines) {
+    const bool written = WriteTextLines(fileName(), lines);
+    Reload();
+    return written;
+}
+
+void MacroWrapper::Grab(const QString& Name, QStringList& Lines, bool& Found) {
+    const std::optional<FileStamp> now = FileStamp::of(SettingsFilePath(kFileName));
+    if (now && now != m_loaded) Reload();
     const QString wanted = Name.toLower();
     for (const Macro& macro : m_macros) {
         if (macro.Name.toLower() == wanted) {

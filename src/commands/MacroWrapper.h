@@ -1,11 +1,16 @@
 #pragma once
 
+#include "config/FileStamp.h"
+
 #include <QString>
 #include <QStringList>
+#include <optional>
 #include <vector>
 
 // Named sequences of chat lines from Macros.ini in the settings folder, held
-// in memory as of the last Reload; one instance serves the whole program.
+// in memory as of the last Reload; one instance serves the whole program. A
+// file changed on disk since then (by hand, say) is read again on the next
+// Grab; a file that is gone leaves the macros as they are.
 //
 // The file is written in blocks:
 //
@@ -24,9 +29,16 @@ public:
 
     // The lines of the first macro of that name, compared without regard to
     // case; empty lines and Found false when there is none.
-    void Grab(const QString& Name, QStringList& Lines, bool& Found) const;
+    void Grab(const QString& Name, QStringList& Lines, bool& Found);
     // Reads the file again, creating it empty when missing.
     void Reload();
+
+    // Every line of the file as it stands, for the control panel; the file
+    // is created empty when missing.
+    static QStringList FileLines();
+    // The control panel's save: the lines replace the file whole, then the
+    // macros are read from it. False when the file could not be written.
+    bool ReplaceFile(const QStringList& lines);
 
     static QString fileName();
 
@@ -38,4 +50,5 @@ private:
         QStringList Lines;
     };
     std::vector<Macro> m_macros;
+    std::optional<FileStamp> m_loaded;
 };

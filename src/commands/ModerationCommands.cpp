@@ -61,23 +61,29 @@ void Block(const CommandContext& c) {
     const QString first = blank < 0 ? c.Rest : c.Rest.left(blank);
     const qint32 rank = rankOf(c.Index, first);
     const QString name = cutAtHash(first);
+    QString cause;
     if (rank != 0) {
         c.reply(QStringLiteral("Could not ignore that user they are in the database."));
-    } else if (!AddBlock(name)) {
-        c.reply(QStringLiteral("Block already exists for that user."));
-    } else {
+    } else if (AddBlock(name, &cause)) {
         c.reply(QStringLiteral("Added block for ") + name +
                 QStringLiteral(", you should not see them chatting anymore."));
+    } else if (!cause.isEmpty()) {
+        c.notSaved(QStringLiteral("Could not add a block for ") + name, cause);
+    } else {
+        c.reply(QStringLiteral("Block already exists for that user."));
     }
 }
 
 void Unblock(const CommandContext& c) {
     const QString name = cutAtHash(c.Rest);
-    if (!RemoveBlock(name))
-        c.reply(QStringLiteral("Block does not exist for that user."));
-    else
+    QString cause;
+    if (RemoveBlock(name, &cause))
         c.reply(QStringLiteral("Removed block for ") + name +
                 QStringLiteral(", you should see them chatting again."));
+    else if (!cause.isEmpty())
+        c.notSaved(QStringLiteral("Could not remove the block for ") + name, cause);
+    else
+        c.reply(QStringLiteral("Block does not exist for that user."));
 }
 
 void AddUser(const CommandContext& c) {
@@ -97,12 +103,16 @@ void AddUser(const CommandContext& c) {
     }
     bool whole = false;
     const qint32 rank = rankText.toInt(&whole);
-    if (!whole || !DatabaseWrapper().AddUser(c.Index, name, rank)) {
+    DatabaseWrapper database;
+    if (whole && database.AddUser(c.Index, name, rank)) {
+        c.reply(QStringLiteral("Added ") + name + QStringLiteral(" to the userbase."));
+    } else if (!database.writeError().isEmpty()) {
+        c.notSaved(QStringLiteral("Could not add ") + name + QStringLiteral(" to the userbase"),
+                   database.writeError());
+    } else {
         c.reply(
             QStringLiteral("Could not add user, invalid rank or user already exists in userbase."));
-        return;
     }
-    c.reply(QStringLiteral("Added ") + name + QStringLiteral(" to the userbase."));
 }
 
 void RemoveUser(const CommandContext& c) {
@@ -114,8 +124,11 @@ void RemoveUser(const CommandContext& c) {
         c.reply(QStringLiteral("Could not remove user, rank of that user is higher than yours."));
     } else if (rank == 0) {
         c.reply(QStringLiteral("Could not remove user, user not found in userbase."));
+    } else if (!database.RemoveUser(c.Index, stored) && !database.writeError().isEmpty()) {
+        c.notSaved(QStringLiteral("Could not remove ") + stored +
+                       QStringLiteral(" from the userbase"),
+                   database.writeError());
     } else {
-        database.RemoveUser(c.Index, stored);
         c.reply(QStringLiteral("Removed ") + stored + QStringLiteral(" from the userbase."));
     }
 }

@@ -14,20 +14,32 @@ ConfigWrapper& config(const CommandContext& c) {
     return Bots(c.Index).Config;
 }
 
+using StringSetter = bool (ConfigWrapper::*)(const QString&);
+
+// The success reply once the set reached the store; otherwise what was not
+// saved, in the words of the success line ("new home channel").
+void replyToSet(const CommandContext& c, bool saved, const char* success) {
+    if (saved) {
+        c.reply(QLatin1String(success));
+        return;
+    }
+    QString what = QLatin1String(success);
+    what.remove(QStringLiteral("Successfully set ")).chop(1);
+    c.notSaved(QStringLiteral("Could not save the ") + what, config(c).writeError());
+}
+
 // Stores the argument when its length is within bounds.
-void setBounded(const CommandContext& c, qsizetype low, qsizetype high,
-                void (ConfigWrapper::*store)(const QString&), const char* success,
-                const char* refusal) {
+void setBounded(const CommandContext& c, qsizetype low, qsizetype high, StringSetter store,
+                const char* success, const char* refusal) {
     if (c.Rest.size() < low || c.Rest.size() > high) {
         c.reply(QLatin1String(refusal));
         return;
     }
-    (config(c).*store)(c.Rest);
-    c.reply(QLatin1String(success));
+    replyToSet(c, (config(c).*store)(c.Rest), success);
 }
 
-void setNonEmpty(const CommandContext& c, void (ConfigWrapper::*store)(const QString&),
-                 const char* success, const char* refusal) {
+void setNonEmpty(const CommandContext& c, StringSetter store, const char* success,
+                 const char* refusal) {
     setBounded(c, 1, c.Rest.size() + 1, store, success, refusal);
 }
 
@@ -51,8 +63,10 @@ const QString kIdleCleared =
 } // namespace
 
 void ClearIdle(const CommandContext& c) {
-    config(c).setIdleMsg({});
-    c.reply(kIdleCleared);
+    if (config(c).setIdleMsg({}))
+        c.reply(kIdleCleared);
+    else
+        c.notSaved(QStringLiteral("Could not clear the idle message"), config(c).writeError());
 }
 
 void SetHome(const CommandContext& c) {
@@ -95,8 +109,7 @@ void SetProduct(const CommandContext& c) {
         c.reply(QStringLiteral("Could not change productID, that product is not supported."));
         return;
     }
-    config(c).setClient(product);
-    c.reply(QStringLiteral("Successfully set new productID."));
+    replyToSet(c, config(c).setClient(product), "Successfully set new productID.");
 }
 
 void SetCdkey(const CommandContext& c) {
@@ -116,8 +129,7 @@ void SetIdleTime(const CommandContext& c) {
             "Could not change idle interval, please specify a number greater than zero."));
         return;
     }
-    config(c).setIdleTime(minutes);
-    c.reply(QStringLiteral("Successfully set new idle interval."));
+    replyToSet(c, config(c).setIdleTime(minutes), "Successfully set new idle interval.");
 }
 
 void SetIdle(const CommandContext& c) {
@@ -125,8 +137,7 @@ void SetIdle(const CommandContext& c) {
         ClearIdle(c);
         return;
     }
-    config(c).setIdleMsg(c.Rest);
-    c.reply(QStringLiteral("Successfully set new idle message."));
+    replyToSet(c, config(c).setIdleMsg(c.Rest), "Successfully set new idle message.");
 }
 
 } // namespace settingcommands

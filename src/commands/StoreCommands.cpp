@@ -41,13 +41,15 @@ void addEntry(const CommandContext& c, TextEntryFile& file, const EntryWords& w)
     if (!splitFirst(c.Rest, id, text)) {
         c.reply(QStringLiteral("Insufficient fields specified for ") + noun +
                 QStringLiteral(" format, do ") + c.trigger() + QLatin1String(w.usage) + u'.');
-    } else if (!file.AddItem(id, text)) {
+    } else if (file.AddItem(id, text)) {
+        c.reply(QStringLiteral("Added new ") + noun + QStringLiteral(", type ") + c.trigger() +
+                QLatin1String(w.get) + u' ' + id + QStringLiteral(" to view."));
+    } else if (!file.writeError().isEmpty()) {
+        c.notSaved(QStringLiteral("Could not add ") + noun + u' ' + id, file.writeError());
+    } else {
         c.reply(QStringLiteral("Could not add ") + noun + QStringLiteral(", ") + noun +
                 QStringLiteral(" with same ID already exists, type ") + c.trigger() +
                 QLatin1String(w.remove) + QStringLiteral(" <ID> to delete."));
-    } else {
-        c.reply(QStringLiteral("Added new ") + noun + QStringLiteral(", type ") + c.trigger() +
-                QLatin1String(w.get) + u' ' + id + QStringLiteral(" to view."));
     }
 }
 
@@ -55,6 +57,8 @@ void removeEntry(const CommandContext& c, TextEntryFile& file, const EntryWords&
     const QString noun = QLatin1String(w.noun);
     if (file.RemoveItem(c.Rest))
         c.reply(QStringLiteral("Removed ") + noun + QStringLiteral(" with ID: ") + c.Rest + u'.');
+    else if (!file.writeError().isEmpty())
+        c.notSaved(QStringLiteral("Could not remove ") + noun + u' ' + c.Rest, file.writeError());
     else
         c.reply(QStringLiteral("Could not remove ") + noun +
                 QStringLiteral(" with that ID, it doesn't exist."));
@@ -136,8 +140,10 @@ void AddMail(const CommandContext& c) {
             "by a space then the message you want to send to them."));
         return;
     }
-    ::AddMail(c.Index, recipient, text);
-    c.reply(QStringLiteral("Added new mail message for ") + recipient + u'.');
+    if (QString cause; !::AddMail(c.Index, recipient, text, &cause))
+        c.notSaved(QStringLiteral("Could not add mail for ") + recipient, cause);
+    else
+        c.reply(QStringLiteral("Added new mail message for ") + recipient + u'.');
 }
 
 } // namespace storecommands

@@ -1,6 +1,7 @@
 #include "commands/TextEntryFile.h"
 
 #include "commands/ChatInput.h"
+#include "config/FileWrites.h"
 #include "config/Folders.h"
 #include "config/TextListFile.h"
 #include "platform/Cp1252.h"
@@ -18,14 +19,14 @@ bool sameId(const QString& a, const QString& b) {
 
 // Appends one line. A file whose last line lacks its line end (a hand edit)
 // gets one first, so that the new entry does not run into that line.
-void appendLine(const QString& path, const QString& line) {
+bool appendLine(const QString& path, const QString& line, QString* cause) {
     QByteArray bytes = cp1252::encode(line) + "\r\n";
     QFile file(path);
     if (file.open(QIODevice::ReadOnly) && file.size() > 0 && file.seek(file.size() - 1) &&
         file.read(1) != "\n")
         bytes.prepend("\r\n");
     file.close();
-    if (file.open(QIODevice::Append)) file.write(bytes);
+    return AppendToFile(path, bytes, cause);
 }
 
 } // namespace
@@ -67,12 +68,13 @@ QString TextEntryFile::GetItem(const QString& ID) {
 }
 
 bool TextEntryFile::AddItem(const QString& ID, const QString& Text) {
+    m_writeError.clear();
     if (!GetItem(ID).isEmpty()) return false;
-    appendLine(fileName(), ID + Separator() + Text);
-    return true;
+    return appendLine(fileName(), ID + Separator() + Text, &m_writeError);
 }
 
 bool TextEntryFile::RemoveItem(const QString& ID) {
+    m_writeError.clear();
     QStringList kept;
     bool removed = false;
     Entry entry;
@@ -83,8 +85,7 @@ bool TextEntryFile::RemoveItem(const QString& ID) {
         else
             kept.append(line);
     }
-    if (removed) WriteTextLines(fileName(), kept);
-    return removed;
+    return removed && WriteTextLines(fileName(), kept, &m_writeError);
 }
 
 void TextEntryFile::List(int Index, bool FromConsole) {

@@ -13,10 +13,12 @@
 // hold at once, and every operation creates a missing file empty.
 class TextEntryFile {
 public:
-    // False when the ID already has a text that is not blank.
+    // False when the ID already has a text that is not blank, or when the
+    // line did not reach the file: writeError() then says why.
     bool AddItem(const QString& ID, const QString& Text);
     // True when at least one line of the ID went. The file is rewritten from
-    // the lines that count; lines that don't count are lost with it.
+    // the lines that count; lines that don't count are lost with it. False
+    // with writeError() set when the file could not be rewritten.
     bool RemoveItem(const QString& ID);
     // The text of the first line of the ID, trimmed; empty if none.
     QString GetItem(const QString& ID);
@@ -25,6 +27,9 @@ public:
     void List(int Index, bool FromConsole);
 
     QString fileName() const;
+    // Why the last AddItem or RemoveItem that gave false could not write;
+    // empty when it gave false for a reason of the entries themselves.
+    const QString& writeError() const { return m_writeError; }
 
     static const QString& Separator();
 
@@ -46,4 +51,5 @@ private:
     QString m_name;
     QString m_listWord;
     QString m_noneText;
+    QString m_writeError;
 };

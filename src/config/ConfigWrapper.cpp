@@ -16,8 +16,8 @@ QString ConfigWrapper::readString(const QString& valueName, const QString& defau
     return store().ReadSTRING(profileKey(), valueName, defaultValue);
 }
 
-void ConfigWrapper::writeString(const QString& valueName, const QString& value) {
-    if (!Profile.isEmpty()) store().WriteSTRING(profileKey(), valueName, value);
+bool ConfigWrapper::writeString(const QString& valueName, const QString& value) {
+    return !Profile.isEmpty() && store().WriteSTRING(profileKey(), valueName, value) != 0;
 }
 
 qint32 ConfigWrapper::readDword(const QString& valueName, qint32 defaultValue) const {
@@ -25,8 +25,13 @@ qint32 ConfigWrapper::readDword(const QString& valueName, qint32 defaultValue) c
     return store().ReadDWORD(profileKey(), valueName, defaultValue);
 }
 
-void ConfigWrapper::writeDword(const QString& valueName, qint32 value) {
-    if (!Profile.isEmpty()) store().WriteDWORD(profileKey(), valueName, value);
+bool ConfigWrapper::writeDword(const QString& valueName, qint32 value) {
+    return !Profile.isEmpty() && store().WriteDWORD(profileKey(), valueName, value) != 0;
+}
+
+QString ConfigWrapper::writeError() const {
+    if (Profile.isEmpty()) return QStringLiteral("no profile is loaded");
+    return store().lastError();
 }
 
 // Not guarded by an empty Profile: the value then lands in the Profiles key.
@@ -42,6 +47,7 @@ QString ConfigWrapper::Channels(int index) {
     return text;
 }
 
-void ConfigWrapper::setChannels(int index, const QString& text) {
-    store().WriteSTRING(profileKey(), QStringLiteral("Channels") + QString::number(index), text);
+bool ConfigWrapper::setChannels(int index, const QString& text) {
+    return store().WriteSTRING(profileKey(), QStringLiteral("Channels") + QString::number(index),
+                               text) != 0;
 }

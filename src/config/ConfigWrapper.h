@@ -8,7 +8,8 @@ class RegistryWrapper;
 // HKCU\Software\Corvantide4\Profiles\<Profile>. Every property reads or writes
 // the store directly; nothing is kept here but the profile's name. With an
 // empty Profile a set does nothing and a get gives the empty value of its
-// type, except for Channels.
+// type, except for Channels. A set says whether the value reached the store;
+// writeError() then says why not.
 class ConfigWrapper {
 public:
     ConfigWrapper() = default;
@@ -20,22 +21,22 @@ public:
     QString Name() const {                                                                         \
         return readString(QStringLiteral(ValueName), QStringLiteral(Default));                     \
     }                                                                                              \
-    void set##Name(const QString& value) {                                                         \
-        writeString(QStringLiteral(ValueName), value);                                             \
+    bool set##Name(const QString& value) {                                                         \
+        return writeString(QStringLiteral(ValueName), value);                                      \
     }
 #define CORVANTIDE_DWORD_PROPERTY(Name, ValueName, Default)                                        \
     qint32 Name() const {                                                                          \
         return readDword(QStringLiteral(ValueName), Default);                                      \
     }                                                                                              \
-    void set##Name(qint32 value) {                                                                 \
-        writeDword(QStringLiteral(ValueName), value);                                              \
+    bool set##Name(qint32 value) {                                                                 \
+        return writeDword(QStringLiteral(ValueName), value);                                       \
     }
 #define CORVANTIDE_BOOL_PROPERTY(Name, ValueName)                                                  \
     bool Name() const {                                                                            \
         return readDword(QStringLiteral(ValueName), 0) != 0;                                       \
     }                                                                                              \
-    void set##Name(bool on) {                                                                      \
-        writeDword(QStringLiteral(ValueName), on ? 1 : 0);                                         \
+    bool set##Name(bool on) {                                                                      \
+        return writeDword(QStringLiteral(ValueName), on ? 1 : 0);                                  \
     }
 
     CORVANTIDE_STRING_PROPERTY(Account, "Account", "")
@@ -67,7 +68,10 @@ public:
     // Quick-channel box Index (0 to 9): "Op :+", "Clan DbM" twice, then "--";
     // a "--" read is written back so that the value exists.
     QString Channels(int index);
-    void setChannels(int index, const QString& text);
+    bool setChannels(int index, const QString& text);
+
+    // Why the last set that gave false did not reach the store.
+    QString writeError() const;
 
     // The profile's key, e.g. "HKCU\Software\Corvantide4\Profiles\Main".
     QString profileKey() const;
@@ -75,9 +79,9 @@ public:
 private:
     RegistryWrapper& store() const;
     QString readString(const QString& valueName, const QString& defaultValue) const;
-    void writeString(const QString& valueName, const QString& value);
+    bool writeString(const QString& valueName, const QString& value);
     qint32 readDword(const QString& valueName, qint32 defaultValue) const;
-    void writeDword(const QString& valueName, qint32 value);
+    bool writeDword(const QString& valueName, qint32 value);
 
     RegistryWrapper* store_ = nullptr;
 };

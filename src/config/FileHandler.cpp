@@ -1,5 +1,6 @@
 #include "config/FileHandler.h"
 
+#include "config/FileStamp.h"
 #include "config/IniFile.h"
 
 #include <QDir>
@@ -9,7 +10,6 @@
 #include <cmath>
 #include <dirent.h>
 #include <limits>
-#include <sys/stat.h>
 
 namespace {
 
@@ -19,20 +19,8 @@ constexpr qsizetype kCachedFiles = 32;
 
 // Some files are read once per name on screen, and users edit them by hand
 // during a run: a parsed file is kept until the file on disk changes.
-struct Stamp {
-    ino_t inode = 0;
-    off_t size = 0;
-    timespec modified{};
-
-    bool operator==(const Stamp& other) const {
-        return inode == other.inode && size == other.size &&
-               modified.tv_sec == other.modified.tv_sec &&
-               modified.tv_nsec == other.modified.tv_nsec;
-    }
-};
-
 struct Cached {
-    Stamp stamp;
+    FileStamp stamp;
     IniFile file;
 };
 
@@ -41,27 +29,19 @@ QHash<QString, Cached>& cache() {
     return files;
 }
 
-bool stampOf(const QString& path, Stamp& stamp) {
-    struct stat info {};
-    if (::stat(QFile::encodeName(path).constData(), &info) != 0 || !S_ISREG(info.st_mode))
-        return false;
-    stamp = {info.st_ino, info.st_size, info.st_mtim};
-    return true;
-}
-
 // The parsed file, or nothing when the file does not exist.
 const IniFile* loadIni(const QString& path) {
-    Stamp stamp;
-    if (!stampOf(path, stamp)) {
+    const std::optional<FileStamp> stamp = FileStamp::of(path);
+    if (!stamp) {
         cache().remove(path);
         return nullptr;
     }
     auto it = cache().find(path);
-    if (it != cache().end() && it->stamp == stamp) return &it->file;
+    if (it != cache().end() && it->stamp == *stamp) return &it->file;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) return nullptr;
     if (cache().size() >= kCachedFiles) cache().clear();
-    return &cache().insert(path, Cached{stamp, IniFile::parse(file.readAll())})->file;
+    return &cache().insert(path, Cached{*stamp, IniFile::parse(file.readAll())})->file;
 }
 
 std::pair<QString, QString> splitFolder(const QString& path) {

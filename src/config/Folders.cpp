@@ -98,7 +98,7 @@ QString GetProgramFolder() {
 }
 
 QString AutostartFile() {
-    return GetSpecialFolder(FolderStartup) + QStringLiteral("/corvantide.desktop");
+    return GetSpecialFolder(FolderStartup) + QStringLiteral("/net.ostrelund.Corvantide.desktop");
 }
 
 QStringList ProgramCommand() {

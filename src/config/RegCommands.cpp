@@ -7,10 +7,14 @@
 
 namespace {
 
+QString valuesText(int count) {
+    return QString::number(count) +
+           (count == 1 ? QStringLiteral(" value") : QStringLiteral(" values"));
+}
+
 bool storeUsable(RegistryWrapper& store, QTextStream& err) {
     if (store.isOpen()) return true;
-    err << "Could not open the settings store " << store.fileName()
-        << " (is Corvantide running?)\n";
+    err << store.openError() << '\n';
     return false;
 }
 
@@ -23,13 +27,19 @@ int ImportRegCommand(RegistryWrapper& store, const QString& file, QTextStream& o
         err << "Could not import " << file << ": no such file\n";
         return 1;
     }
-    if (!store.ImportFromReg(file)) {
-        err << "Could not import " << file
-            << ": not a REGEDIT4 file with CR LF lines, or a bad value line"
-               " (the lines before it were imported)\n";
+    RegistryWrapper::ImportReport report;
+    const bool read = store.ImportFromReg(file, &report);
+    for (const QString& note : report.notes)
+        err << file << ' ' << note << '\n';
+    if (!read) {
+        if (report.failure.isEmpty())
+            err << "Could not import " << file << ": not a REGEDIT4 file with CR LF lines\n";
+        else
+            err << "Could not import " << file << ", " << report.failure << " ("
+                << valuesText(report.values) << " before it went in)\n";
         return 1;
     }
-    out << "Imported " << file << '\n';
+    out << "Imported " << valuesText(report.values) << " from " << file << '\n';
     return 0;
 }
 

@@ -1,18 +1,23 @@
 #include "config/RegistryWrapper.h"
 
+#include "config/FileWrites.h"
 #include "config/Folders.h"
 #include "platform/Cp1252.h"
 
 #include <QCoreApplication>
+#include <QDateTime>
 #include <QFile>
+#include <QFileInfo>
 #include <QHash>
 #include <QStringTokenizer>
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <fcntl.h>
 #include <optional>
 #include <sqlite3.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 namespace {
@@ -143,11 +148,19 @@ bool allHexDigits(QStringView text) {
     return std::all_of(text.begin(), text.end(), isHexDigit);
 }
 
-// The data of a "dword:" line: one to eight hex digits, FFFFFFFF being -1.
-bool parseDword(QStringView hex, qint32& out) {
-    if (hex.isEmpty() || hex.size() > 8 || !allHexDigits(hex)) return false;
-    out = static_cast<qint32>(hex.toUInt(nullptr, 16));
-    return true;
+// The data of a "dword:" line, read as a hexadecimal number: the digits at
+// its start, FFFFFFFF being -1; digits past the eighth carry out of 32 bits.
+// `exact` says the text was one to eight digits and nothing else.
+qint32 leadingHexNumber(QStringView hex, bool& exact) {
+    quint32 value = 0;
+    qsizetype digits = 0;
+    while (digits < hex.size() && isHexDigit(hex[digits])) {
+        const char16_t c = hex[digits].unicode();
+        value = value * 16 + quint32(c <= '9' ? c - '0' : (c | 0x20) - 'a' + 10);
+        ++digits;
+    }
+    exact = digits > 0 && digits <= 8 && digits == hex.size();
+    return static_cast<qint32>(value);
 }
 
 // A string as a reader gets it: fetched into a 255-byte buffer that also
@@ -162,6 +175,38 @@ QString stringRead(QByteArrayView bytes, const QString& defaultValue, bool defau
         ++start;
     if (start == bytes.size() && defaultIfEmpty) return defaultValue;
     return cp1252::decode(bytes.sliced(start));
+}
+
+// A file that exists and holds nothing, its journal included.
+bool isEmptyFile(const QString& file) {
+    const QFileInfo info(file);
+    const QFileInfo journal(file + QStringLiteral("-wal"));
+    return info.isFile() && info.size() == 0 && (!journal.exists() || journal.size() == 0);
+}
+
+// Why the store refused, in the user's words.
+QString describeStoreFailure(int code, int errnum) {
+    switch (code & 0xFF) {
+    case SQLITE_FULL:
+        return QStringLiteral("the disk is full");
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+        return QStringLiteral("another program holds the settings store");
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+        return QStringLiteral("the settings store is damaged");
+    case SQLITE_READONLY:
+        return errnum ? DescribeWriteError(errnum)
+                      : QStringLiteral("the settings store is read-only");
+    case SQLITE_IOERR:
+    case SQLITE_CANTOPEN:
+    case SQLITE_PERM:
+        if (errnum) return DescribeWriteError(errnum);
+        break;
+    default:
+        break;
+    }
+    return QString::fromUtf8(sqlite3_errstr(code));
 }
 
 } // namespace
@@ -219,7 +264,10 @@ public:
             active_ = store_.step(store_.begin_);
         else
             active_ = store_.exec("SAVEPOINT nested");
-        if (active_) ++store_.transactionDepth_;
+        if (active_)
+            ++store_.transactionDepth_;
+        else
+            store_.fail();
     }
     ~Transaction() {
         if (active_) finish(false);
@@ -239,6 +287,7 @@ private:
         const bool outer = --store_.transactionDepth_ == 0;
         if (outer) {
             if (keep && store_.step(store_.commit_)) return true;
+            if (keep) store_.fail();
             store_.step(store_.rollback_);
             return false;
         }
@@ -263,56 +312,214 @@ QString RegistryWrapper::defaultStoreFile() {
 
 RegistryWrapper::RegistryWrapper(const QString& file)
     : file_(file), cache_(std::make_unique<ReadCache>()) {
-    const QByteArray path = QFile::encodeName(file);
-    if (file != QLatin1StringView(":memory:")) {
-        // Passwords and product keys live here: the file is the user's alone.
-        const int fd = ::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-        if (fd >= 0) {
-            ::fchmod(fd, 0600);
-            ::close(fd);
-        }
-    }
-    if (sqlite3_open_v2(path.constData(), &db_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
-                        nullptr) != SQLITE_OK) {
-        close();
+    if (file == QLatin1StringView(":memory:")) {
+        if (!openDatabase()) refuseOpen();
         return;
     }
-    sqlite3_busy_timeout(db_, kBusyTimeoutMs);
-    // The running program owns the store: holding the lock spares every read
-    // the file-lock calls that would otherwise cost more than the read.
-    bool ok = exec("PRAGMA locking_mode=EXCLUSIVE") && exec("PRAGMA journal_mode=WAL") &&
-              exec("PRAGMA synchronous=FULL") && exec("BEGIN IMMEDIATE") && exec(kSchema);
-    for (const Root& root : kRoots) {
-        if (!ok) break;
-        const QString sql = QStringLiteral("INSERT OR IGNORE INTO keys(parent, path, name, "
-                                           "display) VALUES(NULL, '%1', '%2', '%2')")
-                                .arg(QString(root.shortForm).toLower(), root.shortForm);
-        ok = exec(sql.toUtf8().constData());
+    // An empty file is what is left of a store lost to a full disk or a
+    // crash: the user hears of it instead of finding fresh settings.
+    QString damage = isEmptyFile(file) ? QStringLiteral("was empty") : QString();
+    if (damage.isEmpty()) {
+        if (!createFile() || openDatabase()) return;
+        damage = damageOf(openCode_);
+        if (damage.isEmpty()) {
+            refuseOpen();
+            return;
+        }
     }
-    ok = ok && exec("COMMIT");
-    if (ok) {
-        findKey_ = prepare("SELECT id, display FROM keys WHERE path = ?1");
-        insertKey_ =
-            prepare("INSERT INTO keys(parent, path, name, display) VALUES(?1, ?2, ?3, ?4)");
-        deleteKey_ = prepare("DELETE FROM keys WHERE id = ?1");
-        childKeys_ = prepare("SELECT id, name, display FROM keys WHERE parent = ?1 ORDER BY path");
-        anyChild_ = prepare("SELECT 1 FROM keys WHERE parent = ?1 LIMIT 1");
-        readValue_ = prepare("SELECT v.type, v.data FROM vals v JOIN keys k ON v.key = k.id "
-                             "WHERE k.path = ?1 AND v.lname = ?2");
-        writeValue_ = prepare("INSERT INTO vals(key, lname, name, type, data) "
-                              "VALUES(?1, ?2, ?3, ?4, ?5) ON CONFLICT(key, lname) "
-                              "DO UPDATE SET type = excluded.type, data = excluded.data");
-        deleteValue_ = prepare("DELETE FROM vals WHERE key = ?1 AND lname = ?2");
-        deleteValues_ = prepare("DELETE FROM vals WHERE key = ?1");
-        listValues_ = prepare("SELECT name, type, data FROM vals WHERE key = ?1 ORDER BY id");
-        begin_ = prepare("BEGIN IMMEDIATE");
-        commit_ = prepare("COMMIT");
-        rollback_ = prepare("ROLLBACK");
-        ok = findKey_ && insertKey_ && deleteKey_ && childKeys_ && anyChild_ && readValue_ &&
-             writeValue_ && deleteValue_ && deleteValues_ && listValues_ && begin_ && commit_ &&
-             rollback_;
+    // Never replaced in silence: the old file stays beside the new one.
+    if (moveAside(damage) && createFile() && !openDatabase()) refuseOpen();
+}
+
+// A store that did not open for a reason other than damage: in use, not
+// writable, or another cause, each in its own words.
+void RegistryWrapper::refuseOpen() {
+    const int primary = openCode_ & 0xFF;
+    if (primary == SQLITE_BUSY || primary == SQLITE_LOCKED)
+        refuse(OpenFailure::Locked, QStringLiteral("another Corvantide that runs with this home "
+                                                   "holds it; close that one first"));
+    else if (primary == SQLITE_READONLY || primary == SQLITE_PERM || primary == SQLITE_CANTOPEN)
+        refuseUnwritable(openErrno_ ? openErrno_ : EACCES);
+    else
+        refuse(OpenFailure::Other, describeStoreFailure(openCode_, openErrno_));
+}
+
+// Passwords and product keys live here: the file is the user's alone.
+bool RegistryWrapper::createFile() {
+    const int fd = ::open(QFile::encodeName(file_).constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    if (fd < 0) {
+        refuseUnwritable(errno);
+        return false;
     }
-    if (!ok) close();
+    ::fchmod(fd, 0600);
+    ::close(fd);
+    return true;
+}
+
+bool RegistryWrapper::openDatabase() {
+    openCode_ = SQLITE_OK;
+    openErrno_ = 0;
+    if (sqlite3_open_v2(QFile::encodeName(file_).constData(), &db_,
+                        SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr) == SQLITE_OK) {
+        sqlite3_busy_timeout(db_, kBusyTimeoutMs);
+        // The running program owns the store: holding the lock spares every
+        // read the file-lock calls that would otherwise cost more than the read.
+        bool ok = exec("PRAGMA locking_mode=EXCLUSIVE") && exec("PRAGMA journal_mode=WAL") &&
+                  exec("PRAGMA synchronous=FULL") && exec("BEGIN IMMEDIATE");
+        if (ok && !passesQuickCheck()) {
+            if (openCode_ == SQLITE_OK) openCode_ = SQLITE_CORRUPT;
+            ok = false;
+        } else if (ok && holdsForeignTables()) {
+            openCode_ = SQLITE_NOTADB;
+            ok = false;
+        }
+        ok = ok && exec(kSchema);
+        for (const Root& root : kRoots) {
+            if (!ok) break;
+            const QString sql = QStringLiteral("INSERT OR IGNORE INTO keys(parent, path, name, "
+                                               "display) VALUES(NULL, '%1', '%2', '%2')")
+                                    .arg(QString(root.shortForm).toLower(), root.shortForm);
+            ok = exec(sql.toUtf8().constData());
+        }
+        ok = ok && exec("COMMIT");
+        if (ok && prepareStatements()) return true;
+        // Tables of ours that do not take our statements: a damaged store.
+        if (ok) openCode_ = SQLITE_CORRUPT;
+    }
+    if (openCode_ == SQLITE_OK && db_) {
+        openCode_ = sqlite3_extended_errcode(db_);
+        openErrno_ = sqlite3_system_errno(db_);
+    }
+    close();
+    return false;
+}
+
+bool RegistryWrapper::passesQuickCheck() {
+    sqlite3_stmt* stmt = prepare("PRAGMA quick_check(1)");
+    if (!stmt) return false;
+    const bool ok = sqlite3_step(stmt) == SQLITE_ROW &&
+                    QByteArrayView(reinterpret_cast<const char*>(sqlite3_column_text(stmt, 0))) ==
+                        QByteArrayView("ok");
+    if (!ok && db_) {
+        // A lock or a read error is no damage; keep what the store said.
+        const int code = sqlite3_extended_errcode(db_);
+        if ((code & 0xFF) != SQLITE_OK && (code & 0xFF) != SQLITE_ROW &&
+            (code & 0xFF) != SQLITE_DONE && (code & 0xFF) != SQLITE_CORRUPT) {
+            openCode_ = code;
+            openErrno_ = sqlite3_system_errno(db_);
+        }
+    }
+    sqlite3_finalize(stmt);
+    return ok;
+}
+
+// Another program's database, or our tables beside others.
+bool RegistryWrapper::holdsForeignTables() {
+    sqlite3_stmt* stmt = prepare("SELECT name FROM sqlite_master WHERE type = 'table'");
+    if (!stmt) return false;
+    bool foreign = false;
+    while (sqlite3_step(stmt) == SQLITE_ROW) {
+        const QByteArray name(reinterpret_cast<const char*>(sqlite3_column_text(stmt, 0)));
+        if (name != "keys" && name != "vals") foreign = true;
+    }
+    sqlite3_finalize(stmt);
+    return foreign;
+}
+
+bool RegistryWrapper::prepareStatements() {
+    findKey_ = prepare("SELECT id, display FROM keys WHERE path = ?1");
+    insertKey_ = prepare("INSERT INTO keys(parent, path, name, display) VALUES(?1, ?2, ?3, ?4)");
+    deleteKey_ = prepare("DELETE FROM keys WHERE id = ?1");
+    childKeys_ = prepare("SELECT id, name, display FROM keys WHERE parent = ?1 ORDER BY path");
+    anyChild_ = prepare("SELECT 1 FROM keys WHERE parent = ?1 LIMIT 1");
+    readValue_ = prepare("SELECT v.type, v.data FROM vals v JOIN keys k ON v.key = k.id "
+                         "WHERE k.path = ?1 AND v.lname = ?2");
+    writeValue_ = prepare("INSERT INTO vals(key, lname, name, type, data) "
+                          "VALUES(?1, ?2, ?3, ?4, ?5) ON CONFLICT(key, lname) "
+                          "DO UPDATE SET type = excluded.type, data = excluded.data");
+    deleteValue_ = prepare("DELETE FROM vals WHERE key = ?1 AND lname = ?2");
+    deleteValues_ = prepare("DELETE FROM vals WHERE key = ?1");
+    listValues_ = prepare("SELECT name, type, data FROM vals WHERE key = ?1 ORDER BY id");
+    begin_ = prepare("BEGIN IMMEDIATE");
+    commit_ = prepare("COMMIT");
+    rollback_ = prepare("ROLLBACK");
+    return findKey_ && insertKey_ && deleteKey_ && childKeys_ && anyChild_ && readValue_ &&
+           writeValue_ && deleteValue_ && deleteValues_ && listValues_ && begin_ && commit_ &&
+           rollback_;
+}
+
+// What makes the file no settings store; empty when the refusal has another
+// cause.
+QString RegistryWrapper::damageOf(int code) const {
+    switch (code & 0xFF) {
+    case SQLITE_NOTADB:
+        return QStringLiteral("was not a settings store");
+    case SQLITE_CORRUPT:
+        return QStringLiteral("was damaged");
+    default:
+        return {};
+    }
+}
+
+void RegistryWrapper::refuse(OpenFailure failure, const QString& why) {
+    close();
+    openFailure_ = failure;
+    openError_ = QStringLiteral("Could not open the settings store %1: %2.").arg(file_, why);
+    lastError_ = why;
+}
+
+// Which of file, folder or file system refuses writes decides the words.
+void RegistryWrapper::refuseUnwritable(int errnum) {
+    const QByteArray file = QFile::encodeName(file_);
+    const QString folder = QFileInfo(file_).absolutePath();
+    struct statvfs volume {};
+    if (errnum == EROFS || (::statvfs(QFile::encodeName(folder).constData(), &volume) == 0 &&
+                            (volume.f_flag & ST_RDONLY)))
+        refuse(OpenFailure::ReadOnly,
+               QStringLiteral("the file system that holds it is mounted read-only"));
+    else if (::access(file.constData(), F_OK) == 0 && ::access(file.constData(), W_OK) != 0)
+        refuse(OpenFailure::ReadOnly,
+               QStringLiteral("the file is read-only; allow writing to it (chmod u+w)"));
+    else if (::access(QFile::encodeName(folder).constData(), W_OK) != 0)
+        refuse(OpenFailure::ReadOnly,
+               QStringLiteral("the folder %1 is read-only; allow writing to it").arg(folder));
+    else if (errnum == EACCES || errnum == EPERM)
+        refuse(OpenFailure::ReadOnly,
+               QStringLiteral("it cannot be written (%1)").arg(DescribeWriteError(errnum)));
+    else
+        refuse(OpenFailure::Other, DescribeWriteError(errnum));
+}
+
+bool RegistryWrapper::moveAside(const QString& damage) {
+    close();
+    const QString stamp =
+        QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd-HHmmss"));
+    QString target = file_ + QStringLiteral(".damaged-") + stamp;
+    for (int n = 2; QFileInfo::exists(target); ++n)
+        target = file_ + QStringLiteral(".damaged-") + stamp + u'-' + QString::number(n);
+    const QByteArray from = QFile::encodeName(file_);
+    if (::rename(from.constData(), QFile::encodeName(target).constData()) != 0) {
+        refuse(OpenFailure::Damaged, QStringLiteral("it %1 and could not be moved aside (%2)")
+                                         .arg(damage, DescribeWriteError(errno)));
+        return false;
+    }
+    // The old file's journal belongs to it: left in place it would be
+    // played into the fresh store.
+    ::rename((from + "-wal").constData(),
+             QFile::encodeName(target + QStringLiteral("-wal")).constData());
+    ::unlink((from + "-shm").constData());
+    movedAside_ = target;
+    movedAsideNotice_ = QStringLiteral("The settings store %1 %2; it was moved aside to %3 and "
+                                       "Corvantide goes on with fresh settings.")
+                            .arg(file_, damage, target);
+    return true;
+}
+
+int RegistryWrapper::fail() {
+    lastError_ =
+        db_ ? describeStoreFailure(sqlite3_extended_errcode(db_), sqlite3_system_errno(db_))
+            : QStringLiteral("the settings store is not open");
+    return 0;
 }
 
 RegistryWrapper::~RegistryWrapper() {
@@ -366,6 +573,11 @@ RegistryWrapper::KeyPath RegistryWrapper::splitKeyPath(const QString& path) {
     return {};
 }
 
+QString RegistryWrapper::unwritableRoot(const KeyPath& key) {
+    return key.valid() ? QStringLiteral("HKEY_LOCAL_MACHINE is read-only here")
+                       : QStringLiteral("the key's root is unknown");
+}
+
 RegistryWrapper::KeyPath RegistryWrapper::belowCurrentUser(const QString& subPath) {
     return KeyPath::below(kCurrentUser, subPath);
 }
@@ -381,7 +593,10 @@ qint64 RegistryWrapper::keyId(const KeyPath& key, QString* display) {
 
 // Creates the key and its missing parents; -1 on failure.
 qint64 RegistryWrapper::ensureKey(const KeyPath& key) {
-    if (!key.writable()) return -1;
+    if (!key.writable()) {
+        lastError_ = unwritableRoot(key);
+        return -1;
+    }
     qint64 id = keyId(key);
     if (id >= 0) return id;
     Transaction transaction(*this);
@@ -391,7 +606,10 @@ qint64 RegistryWrapper::ensureKey(const KeyPath& key) {
     id = keyId(prefix);
     for (QStringView name : QStringTokenizer(QStringView(key.display).sliced(prefix.display.size()),
                                              u'\\', Qt::SkipEmptyParts)) {
-        if (name.size() > kMaxName) return -1;
+        if (name.size() > kMaxName) {
+            lastError_ = QStringLiteral("a key name is longer than 255 characters");
+            return -1;
+        }
         prefix.display += u'\\';
         prefix.display += name;
         prefix.lookup = prefix.display.toLower();
@@ -405,7 +623,10 @@ qint64 RegistryWrapper::ensureKey(const KeyPath& key) {
         bindText(insert, 2, prefix.lookup);
         bindText(insert, 3, name.toString());
         bindText(insert, 4, prefix.display);
-        if (sqlite3_step(insert) != SQLITE_DONE) return -1;
+        if (sqlite3_step(insert) != SQLITE_DONE) {
+            fail();
+            return -1;
+        }
         id = sqlite3_last_insert_rowid(db_);
     }
     return transaction.commit() ? id : -1;
@@ -422,12 +643,12 @@ bool RegistryWrapper::removeKey(qint64 id) {
     {
         Use values(deleteValues_);
         sqlite3_bind_int64(values, 1, id);
-        if (sqlite3_step(values) != SQLITE_DONE) return false;
+        if (sqlite3_step(values) != SQLITE_DONE) return fail();
     }
     {
         Use key(deleteKey_);
         sqlite3_bind_int64(key, 1, id);
-        if (sqlite3_step(key) != SQLITE_DONE) return false;
+        if (sqlite3_step(key) != SQLITE_DONE) return fail();
     }
     return transaction.commit();
 }
@@ -497,11 +718,23 @@ void RegistryWrapper::forgetReads() {
 int RegistryWrapper::writeValue(const QString& path, const QString& name, int type,
                                 const QByteArray& data, qint32 dword) {
     const KeyPath key = splitKeyPath(path);
-    if (!key.writable() || !db_ || name.size() > kMaxName) return 0;
+    if (!key.writable()) {
+        lastError_ = unwritableRoot(key);
+        return 0;
+    }
+    if (name.size() > kMaxName) {
+        lastError_ = QStringLiteral("a value name is longer than 255 characters");
+        return 0;
+    }
+    if (!db_) return fail();
     Transaction transaction(*this);
+    if (!transaction.active()) return 0;
     qint64 id = keyId(key);
     if (id < 0) {
-        if (!createKeyIfDoesntExists_) return 0;
+        if (!createKeyIfDoesntExists_) {
+            lastError_ = QStringLiteral("the key does not exist");
+            return 0;
+        }
         id = ensureKey(key);
         if (id < 0) return 0;
     }
@@ -517,7 +750,7 @@ int RegistryWrapper::writeValue(const QString& path, const QString& name, int ty
         else
             sqlite3_bind_blob(stmt, 5, data.constData(), static_cast<int>(data.size()),
                               SQLITE_TRANSIENT);
-        if (sqlite3_step(stmt) != SQLITE_DONE) return 0;
+        if (sqlite3_step(stmt) != SQLITE_DONE) return fail();
     }
     return transaction.commit() ? 1 : 0;
 }
@@ -757,61 +990,120 @@ bool RegistryWrapper::ExportToReg(const QString& path, const QString& fileName, 
     return exportSection(id, display, file, recursive, progress) && file.flush();
 }
 
-bool RegistryWrapper::ImportFromReg(const QString& fileName) {
+bool RegistryWrapper::ImportFromReg(const QString& fileName, ImportReport* report) {
     createKeyIfDoesntExists_ = true;
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly)) return false;
-    return ImportRegText(file.readAll());
+    return ImportRegText(file.readAll(), report);
 }
 
-bool RegistryWrapper::ImportRegText(QByteArrayView text) {
+bool RegistryWrapper::ImportRegText(QByteArrayView text, ImportReport* report) {
+    ImportReport ownReport;
+    ImportReport& r = report ? *report : ownReport;
+    r = {};
     createKeyIfDoesntExists_ = true;
     const QStringList lines = cp1252::decode(text).split(QStringLiteral("\r\n"));
     if (lines.first().toUpper() != u"REGEDIT4") return false;
-    const auto clean = [](const QString& line) { return trimBlanks(line).remove(u'"'); };
-    // A file applies as far as it is good: what came before a bad line stays.
+    // A file applies as far as the store takes it: what came before a
+    // refused write stays.
     Transaction transaction(*this);
-    qsizetype i = 1;
-    while (i < lines.size()) {
-        const QString line = clean(lines[i++]);
-        if (!line.startsWith(u'[')) continue;
-        const QString key = line.mid(1, line.size() - 2);
-        if (key.startsWith(u'-')) {
-            KillKey(key.mid(1));
+    QString key; // empty before the first section and in a skipped one
+    for (qsizetype i = 1; i < lines.size(); ++i) {
+        const QString where = QStringLiteral("line %1: ").arg(i + 1);
+        const QString line = trimBlanks(lines[i]).remove(u'"');
+        const bool isSection = line.startsWith(u'[');
+        if (!isSection &&
+            (key.isEmpty() || line.isEmpty() || line.startsWith(u';') || !line.contains(u'=')))
             continue;
-        }
-        for (; i < lines.size(); ++i) {
-            const QString valueLine = clean(lines[i]);
-            if (valueLine.startsWith(u'[')) break;
-            if (valueLine.isEmpty() || valueLine.startsWith(u';') || !valueLine.contains(u'='))
-                continue;
-            const QStringList parts = valueLine.split(u'=');
-            const QString& name = parts[0];
-            const QString data = trimBlanks(parts[1]);
-            if (data == u"-") {
-                KillValue(key, name);
-            } else if (data.left(4).compare(u"hex:", Qt::CaseInsensitive) == 0) {
-                bool ok = false;
-                const QByteArray bytes = StrToBin(data.mid(4).replace(u',', u' '), &ok);
-                if (!ok) {
-                    transaction.commit();
-                    return false;
-                }
-                writeValue(key, name, TypeBinary, bytes, 0);
-            } else if (data.left(6).compare(u"dword:", Qt::CaseInsensitive) == 0) {
-                qint32 number = 0;
-                if (!parseDword(QStringView(data).mid(6), number)) {
-                    transaction.commit();
-                    return false;
-                }
-                WriteDWORD(key, name, number);
-            } else {
-                WriteSTRING(key, name, data);
-                if (data.isEmpty() && name == u"@") KillValue(key, QString());
-            }
+        if (lines[i].count(u'"') % 2 != 0)
+            r.notes.append(where + QStringLiteral("a quote is not closed; read as ") + line);
+        if (isSection) {
+            key = importSection(line, where, r);
+        } else if (!importValue(key, line, where, r)) {
+            if (!transaction.commit()) r.values = 0;
+            return false;
         }
     }
-    transaction.commit();
+    if (!transaction.commit()) {
+        r.failure = QStringLiteral("nothing was saved: ") + lastError_;
+        r.values = 0;
+        return false;
+    }
+    return true;
+}
+
+// The key of a section line, or empty when its values are to be passed
+// over: a removal, or a key that cannot be written.
+QString RegistryWrapper::importSection(const QString& line, const QString& where,
+                                       ImportReport& report) {
+    if (!line.endsWith(u']'))
+        report.notes.append(where + QStringLiteral("the key has no closing ]; read as [") +
+                            line.mid(1, line.size() - 2) + u']');
+    const QString key = line.mid(1, line.size() - 2);
+    if (key.startsWith(u'-')) {
+        KillKey(key.mid(1));
+        return {};
+    }
+    const KeyPath path = splitKeyPath(key);
+    QString refusal;
+    if (!path.writable())
+        refusal = unwritableRoot(path);
+    else if (std::ranges::any_of(key.split(u'\\'),
+                                 [](const QString& name) { return name.size() > kMaxName; }))
+        refusal = QStringLiteral("a key name is longer than 255 characters");
+    if (refusal.isEmpty()) return key;
+    report.notes.append(where + u'[' + key + QStringLiteral("]: ") + refusal +
+                        QStringLiteral("; its values were skipped"));
+    return {};
+}
+
+// False only when the store refused a write; a line it cannot read is
+// noted and passed over.
+bool RegistryWrapper::importValue(const QString& key, const QString& line, const QString& where,
+                                  ImportReport& report) {
+    const QStringList parts = line.split(u'=');
+    const QString& name = parts[0];
+    const QString data = trimBlanks(parts[1]);
+    if (name.contains(QChar(0)) || name.size() > kMaxName) {
+        report.notes.append(where + (name.size() > kMaxName
+                                         ? QStringLiteral("the value name is longer than 255 "
+                                                          "characters; skipped")
+                                         : QStringLiteral("the value name holds a NUL; skipped")));
+        return true;
+    }
+    int written = 0;
+    bool removesDefault = false;
+    if (data == u"-") {
+        KillValue(key, name);
+        return true;
+    } else if (data.left(4).compare(u"hex:", Qt::CaseInsensitive) == 0) {
+        bool ok = false;
+        const QByteArray bytes = StrToBin(data.mid(4).replace(u',', u' '), &ok);
+        if (!ok) {
+            report.notes.append(where + data + QStringLiteral(" is not hexadecimal; skipped"));
+            return true;
+        }
+        written = writeValue(key, name, TypeBinary, bytes, 0);
+    } else if (data.left(6).compare(u"dword:", Qt::CaseInsensitive) == 0) {
+        bool exact = false;
+        const qint32 number = leadingHexNumber(QStringView(data).mid(6), exact);
+        if (!exact)
+            report.notes.append(where + data +
+                                QStringLiteral(" is not up to eight hexadecimal digits; "
+                                               "stored %1")
+                                    .arg(number));
+        written = WriteDWORD(key, name, number);
+    } else {
+        written = WriteSTRING(key, name, data);
+        // An empty default is no value: the line removes the one there is.
+        removesDefault = data.isEmpty() && name == u"@";
+        if (written && removesDefault) KillValue(key, QString());
+    }
+    if (!written) {
+        report.failure = where + QStringLiteral("not saved: ") + lastError_;
+        return false;
+    }
+    if (!removesDefault) ++report.values;
     return true;
 }
 

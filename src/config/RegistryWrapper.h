@@ -31,8 +31,13 @@ public:
     static RegistryWrapper& instance();
     static QString defaultStoreFile();
 
+    // Why a store did not open; each calls for something else from the user.
+    enum class OpenFailure { None, Locked, ReadOnly, Damaged, Other };
+
     // Opens (or creates, with mode 0600) the store at `file`; ":memory:" gives
-    // a store that lives only as long as the object.
+    // a store that lives only as long as the object. A file that is no
+    // settings store (empty, damaged, not a database) is moved aside under a
+    // dated name and a fresh store takes its place: see movedAside().
     explicit RegistryWrapper(const QString& file);
     ~RegistryWrapper();
     RegistryWrapper(const RegistryWrapper&) = delete;
@@ -40,6 +45,16 @@ public:
 
     bool isOpen() const { return db_ != nullptr; }
     QString fileName() const { return file_; }
+    OpenFailure openFailure() const { return openFailure_; }
+    // A line for the user: why the store did not open and what to do.
+    QString openError() const { return openError_; }
+    // Where the file that was no settings store went, and a line that says
+    // so; both empty when nothing was moved.
+    QString movedAside() const { return movedAside_; }
+    QString movedAsideNotice() const { return movedAsideNotice_; }
+    // Why the last write that failed did not reach the store ("the disk is
+    // full"); callers ask after a write gave 0 or false.
+    QString lastError() const { return lastError_; }
 
     bool CreateKeyIfDoesntExists() const { return createKeyIfDoesntExists_; }
     void setCreateKeyIfDoesntExists(bool on) { createKeyIfDoesntExists_ = on; }
@@ -65,12 +80,20 @@ public:
     int EnumValues(const QString& path, QStringList& names, QStringList& values,
                    int type = TypeAny);
 
+    // What an import did: how many values went in, each line it passed over
+    // or read by a guess ("line 7: ..."), and why it stopped early.
+    struct ImportReport {
+        int values = 0;
+        QStringList notes;
+        QString failure;
+    };
+
     // `progress` receives each section's key path before it is written.
     bool ExportToReg(const QString& path, const QString& fileName, bool recursive,
                      const std::function<void(const QString&)>& progress = {});
-    bool ImportFromReg(const QString& fileName);
+    bool ImportFromReg(const QString& fileName, ImportReport* report = nullptr);
     // The body of ImportFromReg, on text already read.
-    bool ImportRegText(QByteArrayView text);
+    bool ImportRegText(QByteArrayView text, ImportReport* report = nullptr);
 
     // "41 42 " <-> "AB". StrToBin sets *ok to false when a pair is not hex.
     static QString BinToStr(QByteArrayView bytes);
@@ -90,6 +113,7 @@ private:
 
     static KeyPath splitKeyPath(const QString& path);
     static KeyPath belowCurrentUser(const QString& subPath);
+    static QString unwritableRoot(const KeyPath& key);
 
     qint64 keyId(const KeyPath& key, QString* display = nullptr);
     qint64 ensureKey(const KeyPath& key);
@@ -105,6 +129,9 @@ private:
     int writeValue(const QString& path, const QString& name, int type, const QByteArray& data,
                    qint32 dword);
     bool copyKey(const QString& parent, const QString& sourceName, const QString& targetName);
+    QString importSection(const QString& line, const QString& where, ImportReport& report);
+    bool importValue(const QString& key, const QString& line, const QString& where,
+                     ImportReport& report);
     bool exportSection(qint64 id, const QString& display, QIODevice& file, bool recursive,
                        const std::function<void(const QString&)>& progress);
 
@@ -112,6 +139,29 @@ private:
     bool step(sqlite3_stmt* stmt);
     sqlite3_stmt* prepare(const char* sql);
     void close();
+
+    // Opening, told in its steps: the file, the database on it, and what a
+    // refusal means.
+    bool createFile();
+    bool openDatabase();
+    bool passesQuickCheck();
+    bool holdsForeignTables();
+    bool prepareStatements();
+    QString damageOf(int code) const;
+    void refuseOpen();
+    void refuse(OpenFailure failure, const QString& why);
+    void refuseUnwritable(int errnum);
+    bool moveAside(const QString& damage);
+    // Records why the store refused the operation under way; gives 0.
+    int fail();
+
+    QString lastError_;
+    OpenFailure openFailure_ = OpenFailure::None;
+    QString openError_;
+    QString movedAside_;
+    QString movedAsideNotice_;
+    int openCode_ = 0;
+    int openErrno_ = 0;
 
     QString file_;
     sqlite3* db_ = nullptr;

@@ -1,5 +1,6 @@
 #include "config/SettingsWrapper.h"
 
+#include "config/FileWrites.h"
 #include "config/Folders.h"
 #include "config/IniFile.h"
 #include "config/RegistryWrapper.h"
@@ -7,8 +8,9 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <algorithm>
+#include <cerrno>
+#include <unistd.h>
 
 namespace {
 
@@ -152,28 +154,34 @@ bool SettingsWrapper::readBool(const QString& valueName, bool defaultValue) cons
     return store_.ReadDWORD(SettingsKey(), valueName, defaultValue ? 1 : 0) != 0;
 }
 
-void SettingsWrapper::writeBool(const QString& valueName, bool on, const QString& property) {
-    store_.WriteDWORD(SettingsKey(), valueName, on ? 1 : 0);
+bool SettingsWrapper::announce(const QString& property, bool saved, const QString& cause) {
     Q_EMIT settingChanged(property);
+    if (!saved) Q_EMIT settingNotSaved(property, cause);
+    return saved;
+}
+
+bool SettingsWrapper::writeBool(const QString& valueName, bool on, const QString& property) {
+    const bool saved = store_.WriteDWORD(SettingsKey(), valueName, on ? 1 : 0) != 0;
+    return announce(property, saved, store_.lastError());
 }
 
 qint32 SettingsWrapper::readDword(const QString& valueName, qint32 defaultValue) const {
     return store_.ReadDWORD(SettingsKey(), valueName, defaultValue);
 }
 
-void SettingsWrapper::writeDword(const QString& valueName, qint32 value, const QString& property) {
-    store_.WriteDWORD(SettingsKey(), valueName, value);
-    Q_EMIT settingChanged(property.isEmpty() ? valueName : property);
+bool SettingsWrapper::writeDword(const QString& valueName, qint32 value, const QString& property) {
+    const bool saved = store_.WriteDWORD(SettingsKey(), valueName, value) != 0;
+    return announce(property.isEmpty() ? valueName : property, saved, store_.lastError());
 }
 
 QString SettingsWrapper::readString(const QString& valueName, const QString& defaultValue) const {
     return store_.ReadSTRING(SettingsKey(), valueName, defaultValue);
 }
 
-void SettingsWrapper::writeString(const QString& valueName, const QString& value,
+bool SettingsWrapper::writeString(const QString& valueName, const QString& value,
                                   const QString& property) {
-    store_.WriteSTRING(SettingsKey(), valueName, value);
-    Q_EMIT settingChanged(property.isEmpty() ? valueName : property);
+    const bool saved = store_.WriteSTRING(SettingsKey(), valueName, value) != 0;
+    return announce(property.isEmpty() ? valueName : property, saved, store_.lastError());
 }
 
 qint32 SettingsWrapper::FloodMode() const {
@@ -181,8 +189,8 @@ qint32 SettingsWrapper::FloodMode() const {
     return isOneOf(stored, {0, 500, 1000, 2000}) ? stored : 1000;
 }
 
-void SettingsWrapper::setFloodMode(qint32 milliseconds) {
-    writeDword(QStringLiteral("FloodMode"), milliseconds);
+bool SettingsWrapper::setFloodMode(qint32 milliseconds) {
+    return writeDword(QStringLiteral("FloodMode"), milliseconds);
 }
 
 qint32 SettingsWrapper::Transparency() const {
@@ -190,9 +198,9 @@ qint32 SettingsWrapper::Transparency() const {
     return isOneOf(stored, {20, 40, 60, 80, 100}) ? stored : 100;
 }
 
-void SettingsWrapper::setTransparency(qint32 percent) {
-    writeDword(QStringLiteral("Transparency"),
-               isOneOf(percent, {20, 40, 60, 80, 100}) ? percent : 100);
+bool SettingsWrapper::setTransparency(qint32 percent) {
+    return writeDword(QStringLiteral("Transparency"),
+                      isOneOf(percent, {20, 40, 60, 80, 100}) ? percent : 100);
 }
 
 QString SettingsWrapper::readFont(const QString& valueName, const QString& defaultValue,
@@ -211,24 +219,24 @@ QString SettingsWrapper::ChatFont() const {
     return family;
 }
 
-void SettingsWrapper::setChatFont(const QString& family) {
-    writeString(QStringLiteral("ChatFont"), family);
+bool SettingsWrapper::setChatFont(const QString& family) {
+    return writeString(QStringLiteral("ChatFont"), family);
 }
 
 QString SettingsWrapper::TextFont() const {
     return readFont(QStringLiteral("TextFont"), QStringLiteral("Tahoma"));
 }
 
-void SettingsWrapper::setTextFont(const QString& family) {
-    writeString(QStringLiteral("TextFont"), family);
+bool SettingsWrapper::setTextFont(const QString& family) {
+    return writeString(QStringLiteral("TextFont"), family);
 }
 
 QString SettingsWrapper::ListFont() const {
     return readFont(QStringLiteral("ListFont"), QStringLiteral("Tahoma"));
 }
 
-void SettingsWrapper::setListFont(const QString& family) {
-    writeString(QStringLiteral("ListFont"), family);
+bool SettingsWrapper::setListFont(const QString& family) {
+    return writeString(QStringLiteral("ListFont"), family);
 }
 
 bool SettingsWrapper::WindowsStartup() const {
@@ -240,28 +248,29 @@ bool SettingsWrapper::WindowsStartup() const {
     return !hidden && !entry.value(section, u"Exec").value_or(QString()).isEmpty();
 }
 
-void SettingsWrapper::setWindowsStartup(bool on) {
-    QString exec;
+// Off removes the entry rather than hiding it: a fresh start writes back
+// every setting it shows, and an entry, even a hidden one, is something the
+// user never asked for.
+bool SettingsWrapper::setWindowsStartup(bool on) {
+    const QString path = AutostartFile();
+    QString cause;
+    bool saved = true;
     if (on) {
         QStringList arguments;
         for (const QString& argument : ProgramCommand())
             arguments.append(execArgument(argument));
-        exec = arguments.join(u' ');
+        const QString text = QStringLiteral("[Desktop Entry]\n"
+                                            "Type=Application\n"
+                                            "Name=Corvantide\n"
+                                            "Comment=Battle.net chat bot\n"
+                                            "Exec=%1\n"
+                                            "Terminal=false\n")
+                                 .arg(arguments.join(u' '));
+        QDir().mkpath(QFileInfo(path).path());
+        saved = ReplaceFile(path, text.toUtf8(), &cause);
+    } else if (::unlink(QFile::encodeName(path).constData()) != 0 && errno != ENOENT) {
+        saved = false;
+        cause = DescribeWriteError(errno);
     }
-    const QString text = QStringLiteral("[Desktop Entry]\n"
-                                        "Type=Application\n"
-                                        "Name=Corvantide\n"
-                                        "Comment=Battle.net chat bot\n"
-                                        "Exec=%1\n"
-                                        "Terminal=false\n"
-                                        "Hidden=%2\n")
-                             .arg(exec, on ? QStringLiteral("false") : QStringLiteral("true"));
-    const QString path = AutostartFile();
-    QDir().mkpath(QFileInfo(path).path());
-    QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly)) {
-        file.write(text.toUtf8());
-        file.commit();
-    }
-    Q_EMIT settingChanged(QStringLiteral("WindowsStartup"));
+    return announce(QStringLiteral("WindowsStartup"), saved, cause);
 }

@@ -10,8 +10,9 @@ class RegistryWrapper;
 // The program-wide settings under HKCU\Software\Corvantide4\Settings. A get
 // reads the store and a set writes it; nothing is kept here, so a change is in
 // force for the next read everywhere. Booleans are dword 0 or 1 and any value
-// but 0 reads true. A failed read gives the default and a failed write is
-// ignored.
+// but 0 reads true. A failed read gives the default. A set says whether the
+// value reached the store: a write lost to a full disk is not taken for a
+// change, and settingNotSaved tells why.
 //
 // Every set announces the property's name through settingChanged, so that the
 // window can check its menu items, apply fonts and lay itself out again.
@@ -50,22 +51,22 @@ public:
     bool Name() const {                                                                            \
         return readBool(QStringLiteral(ValueName), Default);                                       \
     }                                                                                              \
-    void set##Name(bool on) {                                                                      \
-        writeBool(QStringLiteral(ValueName), on, QStringLiteral(#Name));                           \
+    bool set##Name(bool on) {                                                                      \
+        return writeBool(QStringLiteral(ValueName), on, QStringLiteral(#Name));                    \
     }
 #define CORVANTIDE_DWORD_SETTING(Name, Default)                                                    \
     qint32 Name() const {                                                                          \
         return readDword(QStringLiteral(#Name), Default);                                          \
     }                                                                                              \
-    void set##Name(qint32 value) {                                                                 \
-        writeDword(QStringLiteral(#Name), value);                                                  \
+    bool set##Name(qint32 value) {                                                                 \
+        return writeDword(QStringLiteral(#Name), value);                                           \
     }
 #define CORVANTIDE_STRING_SETTING(Name, Default)                                                   \
     QString Name() const {                                                                         \
         return readString(QStringLiteral(#Name), QStringLiteral(Default));                         \
     }                                                                                              \
-    void set##Name(const QString& value) {                                                         \
-        writeString(QStringLiteral(#Name), value);                                                 \
+    bool set##Name(const QString& value) {                                                         \
+        return writeString(QStringLiteral(#Name), value);                                          \
     }
 
     // Connection.
@@ -104,7 +105,7 @@ public:
 
     // Flood filter interval in milliseconds: 0, 500, 1000 or 2000.
     qint32 FloodMode() const;
-    void setFloodMode(qint32 milliseconds);
+    bool setFloodMode(qint32 milliseconds);
 
     // Icons.
     CORVANTIDE_DWORD_SETTING(IconDisp, 1)
@@ -112,13 +113,13 @@ public:
 
     // Fonts. A stored family the host lacks reads as the default.
     QString ChatFont() const;
-    void setChatFont(const QString& family);
+    bool setChatFont(const QString& family);
     CORVANTIDE_DWORD_SETTING(ChatSize, 8)
     QString TextFont() const;
-    void setTextFont(const QString& family);
+    bool setTextFont(const QString& family);
     CORVANTIDE_DWORD_SETTING(TextSize, 10)
     QString ListFont() const;
-    void setListFont(const QString& family);
+    bool setListFont(const QString& family);
     CORVANTIDE_DWORD_SETTING(ListSize, 8)
 
     // Media.
@@ -133,11 +134,11 @@ public:
     CORVANTIDE_BOOL_SETTING(Sidebar, "Sidebar", true)
     // Window opacity in percent: 20, 40, 60, 80 or 100.
     qint32 Transparency() const;
-    void setTransparency(qint32 percent);
+    bool setTransparency(qint32 percent);
     // Start with the desktop session: an XDG autostart entry, not a value of
-    // the store. Off keeps the entry, marked hidden.
+    // the store. Off removes the entry, so that none is made unasked.
     bool WindowsStartup() const;
-    void setWindowsStartup(bool on);
+    bool setWindowsStartup(bool on);
     CORVANTIDE_STRING_SETTING(ThemeID, "Default.theme")
     CORVANTIDE_STRING_SETTING(ThemeFile, "Default")
 
@@ -169,14 +170,19 @@ Q_SIGNALS:
     // A set of the property happened, or a fallback font asks for the
     // property to be applied again.
     void settingChanged(const QString& property) const;
+    // A set of the property did not reach the store, for the reason given
+    // ("the disk is full").
+    void settingNotSaved(const QString& property, const QString& cause) const;
 
 private:
     bool readBool(const QString& valueName, bool defaultValue) const;
-    void writeBool(const QString& valueName, bool on, const QString& property);
+    bool writeBool(const QString& valueName, bool on, const QString& property);
     qint32 readDword(const QString& valueName, qint32 defaultValue) const;
-    void writeDword(const QString& valueName, qint32 value, const QString& property = {});
+    bool writeDword(const QString& valueName, qint32 value, const QString& property = {});
     QString readString(const QString& valueName, const QString& defaultValue) const;
-    void writeString(const QString& valueName, const QString& value, const QString& property = {});
+    bool writeString(const QString& valueName, const QString& value, const QString& property = {});
+    // Announces the set, and its failure when it did not reach the store.
+    bool announce(const QString& property, bool saved, const QString& cause);
     QString readFont(const QString& valueName, const QString& defaultValue,
                      bool* fellBack = nullptr) const;
 

@@ -3,7 +3,6 @@
 #include "platform/Cp1252.h"
 
 #include <QFile>
-#include <QSaveFile>
 
 void TouchFile(const QString& path) {
     QFile file(path);
@@ -29,12 +28,10 @@ QStringList ReadTextLines(const QString& path) {
     return lines;
 }
 
-bool WriteTextLines(const QString& path, const QStringList& lines) {
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) return false;
+bool WriteTextLines(const QString& path, const QStringList& lines, QString* cause,
+                    FileAccess access) {
     QByteArray bytes;
     for (const QString& line : lines)
         bytes += cp1252::encode(line) + "\r\n";
-    file.write(bytes);
-    return file.commit();
+    return ReplaceFile(path, bytes, cause, access);
 }

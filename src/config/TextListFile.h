@@ -1,5 +1,7 @@
 #pragma once
 
+#include "config/FileWrites.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -11,5 +13,6 @@ void TouchFile(const QString& path);
 // Every line of the file, without line ends; nothing for a missing file.
 QStringList ReadTextLines(const QString& path);
 // Replaces the file with the lines, each ended by CR LF. The file is written
-// whole or not at all.
-bool WriteTextLines(const QString& path, const QStringList& lines);
+// whole or not at all; on failure *cause says why.
+bool WriteTextLines(const QString& path, const QStringList& lines, QString* cause = nullptr,
+                    FileAccess access = FileAccess::Shared);

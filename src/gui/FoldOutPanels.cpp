@@ -2,6 +2,7 @@
 
 #include "chat/BotElement.h"
 #include "config/Folders.h"
+#include "gui/ClanPanel.h"
 #include "gui/IconPainter.h"
 #include "plugins/PluginHost.h"
 #include "session/MachineFacts.h"
@@ -107,17 +108,13 @@ void FoldOutPanels::refreshInformation() {
 }
 
 QWidget* FoldOutPanels::makeClan() {
-    m_clanText = new QLabel;
-    m_clanText->setObjectName(QStringLiteral("lblClan"));
-    return framed(QStringLiteral("Clan"), m_clanText, QStringLiteral("guiClan"));
+    m_clan = new ClanPanel;
+    connect(m_clan, &ClanPanel::membersRequested, this, &FoldOutPanels::clanMembersRequested);
+    return framed(QStringLiteral("Clan"), m_clan, QStringLiteral("guiClan"));
 }
 
 void FoldOutPanels::refreshClan(int index) {
-    if (index != m_slot) return;
-    const QString tag = Bots(index).ClanTag();
-    m_clanText->setText(tag.isEmpty() ? QStringLiteral("Not a member of a clan.")
-                                      : QStringLiteral("Member of: Clan ") + tag);
-    m_clanText->setEnabled(!tag.isEmpty());
+    if (index == m_slot) m_clan->showSlot(index);
 }
 
 QWidget* FoldOutPanels::makeChannels() {

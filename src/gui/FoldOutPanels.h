@@ -3,6 +3,7 @@
 #include <QWidget>
 #include <array>
 
+class ClanPanel;
 class QLabel;
 class QLineEdit;
 class QMenu;
@@ -39,6 +40,10 @@ public:
 
     static constexpr int kQuickRows = 10;
 
+Q_SIGNALS:
+    // The clan panel's "View/edit members".
+    void clanMembersRequested();
+
 private:
     QWidget* makeInformation();
     QWidget* makeClan();
@@ -54,7 +59,7 @@ private:
     std::array<QLineEdit*, kQuickRows> m_quick{};
     QMenu* m_channelsMenu;
     QLabel* m_information = nullptr;
-    QLabel* m_clanText = nullptr;
+    ClanPanel* m_clan = nullptr;
     QToolButton* m_home = nullptr;
     QTreeWidget* m_plugins = nullptr;
     int m_slot = 0;

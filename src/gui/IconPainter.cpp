@@ -168,6 +168,31 @@ void drawSquelched(QPainter& p) {
     p.drawLine(QPointF(3, 13), QPointF(13, 2));
 }
 
+// A clan rank ("ClanRank1" to "ClanRank4"): a shield with one chevron a rank,
+// the chieftain's in gold.
+bool drawClanRank(QPainter& p, const QString& key) {
+    if (!key.startsWith(QLatin1String("ClanRank"))) return false;
+    const int rank = key.mid(8).toInt();
+    if (rank < 1 || rank > 4) return false;
+    QPainterPath shield;
+    shield.moveTo(2, 2);
+    shield.lineTo(14, 2);
+    shield.lineTo(14, 8);
+    shield.quadTo(14, 13, 8, 15);
+    shield.quadTo(2, 13, 2, 8);
+    shield.closeSubpath();
+    p.setPen(QPen(QColor(0x30, 0x30, 0x30), 1));
+    p.setBrush(rank == 4 ? QColor(0xd4, 0xa0, 0x17) : QColor(0x3a, 0x5f, 0x9e));
+    p.drawPath(shield);
+    p.setPen(QPen(QColor(0xf0, 0xf0, 0xf0), 1.3, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    p.setBrush(Qt::NoBrush);
+    for (int i = 0; i < rank; ++i) {
+        const qreal y = 4.5 + 2.5 * i;
+        p.drawPolyline(QPolygonF({QPointF(5, y), QPointF(8, y + 2), QPointF(11, y)}));
+    }
+    return true;
+}
+
 // Five bars rising to the right, `lit` of them in colour.
 void drawPingBars(QPainter& p, int lit, const QColor& color) {
     p.setPen(Qt::NoPen);
@@ -374,7 +399,8 @@ bool drawFixed(QPainter& p, const QString& key) {
         drawProgram(p);
         return true;
     }
-    return drawPing(p, key) || drawLadder(p, key) || drawDiablo(p, key) || drawWarcraft3(p, key);
+    return drawPing(p, key) || drawLadder(p, key) || drawDiablo(p, key) || drawWarcraft3(p, key) ||
+           drawClanRank(p, key);
 }
 
 // The number of a numbered icon along the bottom, with a dark outline so
@@ -425,7 +451,8 @@ private:
 bool IconPainter::knows(const QString& key) {
     static const QStringList own{TabActive,  TabOnline,   TabTalk,    TabOffline, ButtonAdd,
                                  ButtonDrop, ButtonClose, ButtonJoin, Program};
-    return NumberedIconOf(key) || SmallIconKeys().contains(key) || own.contains(key);
+    return NumberedIconOf(key) || SmallIconKeys().contains(key) || own.contains(key) ||
+           key.startsWith(QLatin1String("ClanRank"));
 }
 
 void IconPainter::paint(QPainter& painter, const QRectF& rect, const QString& key) {

@@ -96,6 +96,11 @@ void ProfileTabBar::tmrUpdate_Timer() {
     update();
 }
 
+void ProfileTabBar::rebuildNow() {
+    m_builtCount = -1;
+    tmrUpdate_Timer();
+}
+
 void ProfileTabBar::rebuild() {
     SlotTable& table = SlotTable::instance();
     const QFontMetrics metrics(font());

@@ -21,6 +21,9 @@ public:
     // loaded profiles changed since the last run, and otherwise only sets
     // their pictures and tooltips.
     void tmrUpdate_Timer();
+    // Builds the tabs again at once, for a change the timer doesn't look for:
+    // a loaded profile took a new name.
+    void rebuildNow();
 
     // Profiles that have a tab, in order, and those in the overflow menu.
     QStringList tabProfiles() const;

@@ -2,18 +2,23 @@
 
 #include "chat/BotElement.h"
 #include "commands/AliasesAndGroups.h"
+#include "commands/BlocksAndFilters.h"
 #include "gui/IconPainter.h"
 #include "platform/ListModel.h"
+#include "presentation/UserColors.h"
 #include "presentation/UserTooltip.h"
 #include "session/SlotTable.h"
+#include "social/ClanPacket.h"
 #include "statistics/UserNames.h"
 
 #include <QApplication>
 #include <QClipboard>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QMenu>
 #include <QPainter>
+#include <QPointer>
 #include <QStyledItemDelegate>
 #include <QToolTip>
 
@@ -100,6 +105,8 @@ UserListView::UserListView(Kind kind, QWidget* parent) : QTreeView(parent), m_ki
     setMouseTracking(true);
     viewport()->setMouseTracking(true);
     setItemDelegate(new ListItemDelegate(this));
+    m_renameClick.setSingleShot(true);
+    connect(&m_renameClick, &QTimer::timeout, this, [this] { renameSelected(); });
     showSlot(0);
 }
 
@@ -187,6 +194,10 @@ void UserListView::forgetHover() {
     }
 }
 
+void UserListView::lookupProfile(int slot, const QString& name) {
+    Bots(slot).Connection.Output_ProfileRequest(slot, name);
+}
+
 QMenu* UserListView::contextMenu() {
     const QString user = selectedUser();
     if (user.isEmpty() || m_kind != Kind::Users) return nullptr;
@@ -210,6 +221,7 @@ QMenu* UserListView::contextMenu() {
             squelched ? QStringLiteral("Unsquelch") : QStringLiteral("Squelch"),
             command(squelched ? QStringLiteral("/unsquelch ") : QStringLiteral("/squelch ")))
         ->setObjectName(QStringLiteral("mnuSquelchUser"));
+    addBlockAction(ConvertUsername(user, false, -1));
     m_menu->addSeparator();
     m_menu->addAction(QStringLiteral("Ban"), command(QStringLiteral("/ban ")))
         ->setObjectName(QStringLiteral("mnuBanUser"));
@@ -226,16 +238,42 @@ QMenu* UserListView::contextMenu() {
     }
     m_menu->addAction(QStringLiteral("Whois"), command(QStringLiteral("/whois ")))
         ->setObjectName(QStringLiteral("mnuWhois"));
+    m_menu->addAction(QStringLiteral("Profile"), this, [slot, name] { lookupProfile(slot, name); })
+        ->setObjectName(QStringLiteral("mnuProfileUser"));
+    m_menu
+        ->addAction(QStringLiteral("Invite to clan"), this,
+                    [slot, user] { ClanPacket::InviteUser(slot, user); })
+        ->setObjectName(QStringLiteral("mnuInviteUser"));
     m_menu->addSeparator();
     addMembershipMenu(QStringLiteral("Alias"), ConvertUsername(user, false, -1), Membership::Alias);
     addMembershipMenu(QStringLiteral("Group"), ConvertUsername(user, false, -1), Membership::Group);
     return m_menu;
 }
 
+// The blocked list is asked by the user's plain name; the block itself goes
+// the road of the BLOCK and UNBLOCK commands, with their refusals and replies.
+void UserListView::addBlockAction(const QString& name) {
+    const bool blocked = IsBlocked(name);
+    const int slot = m_slot;
+    const QString line = (blocked ? QStringLiteral("/unblock ") : QStringLiteral("/block ")) + name;
+    m_menu
+        ->addAction(blocked ? QStringLiteral("Unblock") : QStringLiteral("Block"), this,
+                    [this, slot, line] {
+                        Q_EMIT lineRequested(slot, line);
+                        RecolorUserLists();
+                    })
+        ->setObjectName(QStringLiteral("mnuBlockUser"));
+}
+
 void UserListView::addMembershipMenu(const QString& caption, const QString& name, Membership kind) {
     const bool alias = kind == Membership::Alias;
     QMenu* menu = m_menu->addMenu(caption);
     menu->setObjectName(alias ? QStringLiteral("mnuAlias") : QStringLiteral("mnuGroup"));
+    const int row = alias ? AliasesRow : GroupsRow;
+    menu->addAction(alias ? QStringLiteral("Edit Aliases") : QStringLiteral("Edit Groups"), this,
+                    [this, row] { Q_EMIT controlPanelRequested(row); })
+        ->setObjectName(alias ? QStringLiteral("mnuEditAliases") : QStringLiteral("mnuEditGroups"));
+    menu->addSeparator();
     const int slot = m_slot;
     // "None" takes the user out of the alias or group they are in; a row
     // moves them into that one.
@@ -270,11 +308,65 @@ void UserListView::addMembershipMenu(const QString& caption, const QString& name
     }
 }
 
+QLineEdit* UserListView::renameSelected() {
+    const QModelIndexList rows =
+        selectionModel() ? selectionModel()->selectedRows() : QModelIndexList();
+    if (m_kind != Kind::Users || rows.isEmpty()) return nullptr;
+    endRename(false);
+    const QModelIndex index = rows.first();
+    const QString text = index.data(Qt::DisplayRole).toString();
+    m_rename.begin(m_slot, index.data(ListModel::TagRole).toString(), text);
+    m_renameEditor = new QLineEdit(text, viewport());
+    m_renameEditor->setObjectName(QStringLiteral("lvUsersLabelEdit"));
+    m_renameEditor->setGeometry(visualRect(index).adjusted(kIcon + 4, 0, 0, 0));
+    m_renameEditor->selectAll();
+    m_renameEditor->installEventFilter(this);
+    connect(m_renameEditor, &QLineEdit::returnPressed, this, [this] { endRename(true); });
+    connect(m_renameEditor, &QLineEdit::editingFinished, this, [this] {
+        // Leaving the box ends the edit as Enter does; Escape has ended it
+        // already.
+        if (m_renameEditor) endRename(true);
+    });
+    m_renameEditor->show();
+    m_renameEditor->setFocus();
+    return m_renameEditor;
+}
+
+// A refused name leaves nothing changed; the editor goes either way.
+void UserListView::endRename(bool commit) {
+    if (!m_renameEditor) return;
+    QPointer<QLineEdit> editor = m_renameEditor;
+    m_renameEditor = nullptr;
+    const QString text = editor->text();
+    editor->hide();
+    // Gone at once for anyone looking for the editor; deleted once its own
+    // signal has returned.
+    editor->setObjectName({});
+    editor->deleteLater();
+    if (commit && m_rename.active()) m_rename.finish(text);
+    setFocus();
+}
+
+bool UserListView::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == m_renameEditor && event->type() == QEvent::KeyPress &&
+        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+        endRename(false);
+        return true;
+    }
+    return QTreeView::eventFilter(watched, event);
+}
+
 void UserListView::keyPressEvent(QKeyEvent* event) {
+    if (m_kind == Kind::Users && event->key() == Qt::Key_F2 && renameSelected()) return;
     if (m_kind == Kind::Users && m_list && m_list->count() > 0) {
         if (event->key() == Qt::Key_Space && event->modifiers() == Qt::NoModifier) {
             const QString user = selectedUser();
             if (!user.isEmpty()) Q_EMIT whisperRequested(user);
+            return;
+        }
+        if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+            const QString user = selectedUser();
+            if (!user.isEmpty()) lookupProfile(m_slot, serverName(user));
             return;
         }
         if (event->matches(QKeySequence::Copy)) {
@@ -292,8 +384,22 @@ void UserListView::mouseMoveEvent(QMouseEvent* event) {
     QTreeView::mouseMoveEvent(event);
 }
 
+void UserListView::mousePressEvent(QMouseEvent* event) {
+    // A click on the name already chosen edits it, once the wait for a
+    // double click has passed.
+    const QModelIndex index = indexAt(event->position().toPoint());
+    m_renameOnRelease = m_kind == Kind::Users && event->button() == Qt::LeftButton &&
+                        index.isValid() && index.column() == 0 &&
+                        selectionModel()->isRowSelected(index.row(), {});
+    QTreeView::mousePressEvent(event);
+}
+
 void UserListView::mouseReleaseEvent(QMouseEvent* event) {
     QTreeView::mouseReleaseEvent(event);
+    if (m_renameOnRelease) {
+        m_renameOnRelease = false;
+        m_renameClick.start(QApplication::doubleClickInterval());
+    }
     if (event->button() != Qt::RightButton) return;
     const QModelIndex index = indexAt(event->position().toPoint());
     if (index.isValid()) setCurrentIndex(index);
@@ -301,6 +407,8 @@ void UserListView::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void UserListView::mouseDoubleClickEvent(QMouseEvent* event) {
+    m_renameClick.stop();
+    m_renameOnRelease = false;
     QTreeView::mouseDoubleClickEvent(event);
     const QString user = selectedUser();
     if (m_kind == Kind::Users && !user.isEmpty()) Q_EMIT whisperRequested(user);

@@ -10,7 +10,11 @@
 #include "gui/IconPainter.h"
 #include "gui/ProfileTabBar.h"
 #include "gui/SendBox.h"
+#include "gui/SocialForms.h"
 #include "gui/UserListView.h"
+#include "gui/frmConfig.h"
+#include "gui/frmConfigManageProfile.h"
+#include "gui/frmControlPanel.h"
 #include "platform/ChatDocument.h"
 #include "platform/ListModel.h"
 #include "presentation/ChatWriter.h"
@@ -18,6 +22,7 @@
 #include "session/MachineFacts.h"
 #include "session/SlotTable.h"
 #include "shell/DesktopShell.h"
+#include "social/ClanPacket.h"
 
 #include <QActionGroup>
 #include <QApplication>
@@ -59,6 +64,7 @@ QPalette darkPalette() {
     p.setColor(QPalette::ToolTipBase, QColor(0x22, 0x26, 0x2c));
     p.setColor(QPalette::ToolTipText, QColor(0xe6, 0xe6, 0xe6));
     p.setColor(QPalette::PlaceholderText, QColor(0x80, 0x86, 0x90));
+    p.setColor(QPalette::Link, QColor(0x6f, 0xa8, 0xdc));
     p.setColor(QPalette::Mid, QColor(0x3f, 0x48, 0x50));
     p.setColor(QPalette::Disabled, QPalette::Text, QColor(0x70, 0x70, 0x70));
     p.setColor(QPalette::Disabled, QPalette::WindowText, QColor(0x70, 0x70, 0x70));
@@ -131,7 +137,13 @@ frmBot::frmBot(QWidget* parent) : QMainWindow(parent) {
     connect(&table, &SlotTable::slotLoaded, this, &frmBot::tmrUpdate_Timer);
     connect(&table, &SlotTable::slotUnloaded, this, &frmBot::tmrUpdate_Timer);
     connect(&table, &SlotTable::profilesChanged, this, &frmBot::DisplayProfiles);
+    connect(&table, &SlotTable::slotRenamed, this, &frmBot::onSlotRenamed);
     connect(&table, &SlotTable::clanTagChanged, m_panels, &FoldOutPanels::refreshClan);
+    connect(m_panels, &FoldOutPanels::clanMembersRequested, this, [this] {
+        SelectedList = QStringLiteral("Clan");
+        SelectList();
+    });
+    ConnectSocialForms(this);
     connect(&table, &SlotTable::channelListChanged, this, [this](int index) {
         if (index == SlotTable::instance().CurrentIndex()) DisplayChannels();
     });
@@ -212,6 +224,10 @@ QMenu* frmBot::buildBotMenu() {
     });
     m_mnuDisconnect->setObjectName(QStringLiteral("mnuDisconnect"));
     m_mnuBot->addSeparator();
+    QAction* lookup = m_mnuBot->addAction(QStringLiteral("Lookup profile"), this,
+                                          [this] { LookupProfile(this); });
+    lookup->setObjectName(QStringLiteral("mnuLookupProfile"));
+    lookup->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_L));
 
     QMenu* request = m_mnuBot->addMenu(QStringLiteral("Request"));
     request->setObjectName(QStringLiteral("mnuRequest"));
@@ -258,6 +274,11 @@ QMenu* frmBot::buildBotMenu() {
                       });
         }));
 
+    m_mnuBot
+        ->addAction(QStringLiteral("Configuration"), this,
+                    [this] { openConfiguration(SlotTable::instance().CurrentIndex()); })
+        ->setObjectName(QStringLiteral("mnuConfiguration"));
+
     QMenu* files = m_mnuBot->addMenu(QStringLiteral("Files"));
     files->setObjectName(QStringLiteral("mnuFiles"));
     files->addAction(QStringLiteral("Open Bot Path"), this,
@@ -277,6 +298,10 @@ QMenu* frmBot::buildViewMenu() {
     SettingsWrapper& settings = SettingsWrapper::instance();
     auto* view = new QMenu(QStringLiteral("&View"), this);
     view->setObjectName(QStringLiteral("mnuView"));
+    m_mnuControlPanel =
+        view->addAction(QStringLiteral("Control Panel"), this, [this] { showControlPanel(); });
+    m_mnuControlPanel->setObjectName(QStringLiteral("mnuControlPanel"));
+    view->setDefaultAction(m_mnuControlPanel);
     view->addAction(QStringLiteral("Show Bot Console"), this, [this] { selectSlot(0); });
     view->addSeparator();
     const auto toggle = [&](const QString& caption, std::function<void(bool)> set) {
@@ -360,6 +385,11 @@ QMenu* frmBot::buildHelpMenu() {
 void frmBot::buildProfileMenus() {
     m_mnuProfileClick = new QMenu(this);
     m_mnuProfileClick->setObjectName(QStringLiteral("mnuProfileClick"));
+    m_mnuProfileClick
+        ->addAction(QStringLiteral("Configure"), this,
+                    [this] { openConfiguration(SlotTable::instance().CurrentIndex()); })
+        ->setObjectName(QStringLiteral("mnuProfConfig"));
+    m_mnuProfileClick->addSeparator();
     m_mnuProfileClick->addAction(QStringLiteral("Connect"), this,
                                  [this] { connectSlot(SlotTable::instance().CurrentIndex()); });
     m_mnuProfileClick->addAction(QStringLiteral("Disconnect"), this,
@@ -376,10 +406,21 @@ void frmBot::buildProfileMenus() {
     m_mnuProfileAdd = new QMenu(this);
     m_mnuProfileAdd->setObjectName(QStringLiteral("mnuProfileAdd"));
     m_mnuProfiles = m_mnuProfileAdd;
+    m_mnuCreateManage =
+        m_mnuProfileAdd->addAction(QStringLiteral("Create/Manage ..."), this, [this] {
+            auto* manager = new frmConfigManageProfile(this);
+            manager->setAttribute(Qt::WA_DeleteOnClose);
+            manager->open();
+        });
+    m_mnuCreateManage->setObjectName(QStringLiteral("mnuCreateManage"));
+    m_mnuProfileAdd->addSeparator();
 }
 
 void frmBot::DisplayProfiles() {
-    m_mnuProfiles->clear();
+    // The rows below "Create/Manage ..." and its separator.
+    const QList<QAction*> actions = m_mnuProfiles->actions();
+    for (qsizetype i = 2; i < actions.size(); ++i)
+        delete actions[i];
     const QStringList names = SlotTable::instance().unloadedProfiles();
     if (names.isEmpty()) {
         m_mnuProfiles->addAction(QStringLiteral("-"))->setEnabled(false);
@@ -391,6 +432,29 @@ void frmBot::DisplayProfiles() {
             tmrUpdate_Timer();
         });
     }
+}
+
+frmConfig* frmBot::openConfiguration(int slot) {
+    auto* form = new frmConfig(slot, this);
+    form->setAttribute(Qt::WA_DeleteOnClose);
+    connect(form, &frmConfig::controlPanelRequested, this, &frmBot::controlPanelRequested);
+    form->open();
+    return form;
+}
+
+void frmBot::openControlPanel(int row) {
+    QWidget* over = QApplication::activeModalWidget();
+    if (!over) {
+        showControlPanel(row);
+        return;
+    }
+    // A dialog that asked (the profile form wants a database) waits for a
+    // panel of its own; the main window's panel would sit behind it, blocked.
+    auto* panel = new frmControlPanel(over);
+    panel->setAttribute(Qt::WA_DeleteOnClose);
+    panel->setWindowModality(Qt::WindowModal);
+    panel->selectRow(row);
+    panel->show();
 }
 
 void frmBot::DisplayChannels() {
@@ -406,6 +470,15 @@ void frmBot::DisplayChannels() {
             SendUserLine(slot, QStringLiteral("/join ") + channel);
         });
     }
+}
+
+frmControlPanel* frmBot::showControlPanel(int row) {
+    if (!m_controlPanel) m_controlPanel = new frmControlPanel(this);
+    m_controlPanel->selectRow(row);
+    m_controlPanel->show();
+    m_controlPanel->raise();
+    m_controlPanel->activateWindow();
+    return m_controlPanel;
 }
 
 void frmBot::openSettingsFile(const QString& name) {
@@ -513,6 +586,8 @@ QWidget* frmBot::buildCentre() {
     connect(m_users, &UserListView::whisperRequested, m_send, &SendBox::startWhisper);
     connect(m_users, &UserListView::lineRequested, this,
             [](int slot, const QString& line) { SendUserLine(slot, line); });
+    connect(m_users, &UserListView::controlPanelRequested, this, &frmBot::controlPanelRequested);
+    connect(this, &frmBot::controlPanelRequested, this, &frmBot::openControlPanel);
     side->addWidget(m_listStack, 1);
     m_listChooser = new QWidget;
     m_listChooser->setObjectName(QStringLiteral("guiToolbarBoxList"));
@@ -674,6 +749,13 @@ void frmBot::onTabReleased(int slot, Qt::MouseButton button, const QPoint& globa
     if (button == Qt::RightButton && slot > 0) m_mnuProfileClick->popup(globalPos);
 }
 
+void frmBot::onSlotRenamed(int index) {
+    // The tab shows the new name, and the menus list it in place of the old.
+    m_tabs->rebuildNow();
+    DisplayProfiles();
+    if (index == SlotTable::instance().CurrentIndex()) onSlotSelected(index);
+}
+
 void frmBot::unloadActive() {
     const int slot = SlotTable::instance().CurrentIndex();
     if (slot > 0) SlotTable::instance().UnloadProfile(Bots(slot).Profile());
@@ -695,8 +777,9 @@ void frmBot::updateListHeading() {
         heading = QStringLiteral(" -- Friends (") + QString::number(lvFriends(slot).count()) +
                   QStringLiteral(") -- ");
     else if (SelectedList == QLatin1String("Clan"))
-        heading = QStringLiteral(" -- Clan ") + bot.ClanTag() + QStringLiteral(" (") +
-                  QString::number(lvClan(slot).count()) + QStringLiteral(") -- ");
+        heading = QStringLiteral(" -- Clan ") + ClanPacket::ShowClanTag(bot.ClanTag()) +
+                  QStringLiteral(" (") + QString::number(lvClan(slot).count()) +
+                  QStringLiteral(") -- ");
     else
         heading = QStringLiteral(" -- ") + bot.Channel() + QStringLiteral(" (") +
                   QString::number(lvUsers(slot).count()) + QStringLiteral(") -- ");

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QPointer>
 #include <QString>
 #include <vector>
 
@@ -16,7 +17,9 @@ class QStackedWidget;
 class QTimer;
 class QToolButton;
 class SendBox;
+class frmConfig;
 class UserListView;
+class frmControlPanel;
 
 // The main window. It shows the slot on screen (its chat, whisper panel and
 // lists), the tabs of all slots, the input box, the fold-out panels and the
@@ -68,12 +71,27 @@ public:
     QAction* mnuClear() const { return m_mnuClear; }
     QWidget* sidebar() const { return m_sidebar; }
 
+    // The profile form, on the profile of that slot when it has one.
+    frmConfig* openConfiguration(int slot);
+    // The control panel on a row of its list; every request for it (the
+    // user list's menu, the profile form's databases) comes here.
+    void openControlPanel(int row);
+    QMenu* mnuProfileAdd() const { return m_mnuProfileAdd; }
+    // Opens the control panel on a row and brings it to the front; one
+    // window serves the whole program.
+    frmControlPanel* showControlPanel(int row = 0);
+    QAction* mnuControlPanel() const { return m_mnuControlPanel; }
+
     // The menu commands that act on a slot.
     void connectSlot(int slot);
     void disconnectSlot(int slot);
 
     // The least size of the window.
     static constexpr QSize kMinimumSize{533, 400};
+
+Q_SIGNALS:
+    // The user list asks for the control panel, opened on that row.
+    void controlPanelRequested(int row);
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -92,6 +110,7 @@ private:
     void onSlotSelected(int index);
     void onSettingChanged(const QString& property);
     void onStatusChanged();
+    void onSlotRenamed(int index);
     void onTabReleased(int slot, Qt::MouseButton button, const QPoint& globalPos);
     void selectSlot(int index);
     void unloadActive();
@@ -129,9 +148,12 @@ private:
     QMenu* m_mnuProfileAdd = nullptr;
     QMenu* m_mnuProfiles = nullptr;
     QMenu* m_mnuChannels = nullptr;
+    QAction* m_mnuCreateManage = nullptr;
     QAction* m_mnuConnect = nullptr;
     QAction* m_mnuDisconnect = nullptr;
     QAction* m_mnuClear = nullptr;
+    QAction* m_mnuControlPanel = nullptr;
+    QPointer<frmControlPanel> m_controlPanel;
     QAction* m_mnuShowTimestamp = nullptr;
     QAction* m_mnuShowWhisperPanel = nullptr;
     QAction* m_mnuStartupLoad = nullptr;

@@ -1,14 +1,210 @@
 #include "plugins/PluginHost.h"
 
+#include "config/FileHandler.h"
+#include "config/Folders.h"
+#include "platform/ListModel.h"
+#include "plugins/PluginMainForm.h"
+#include "plugins/objPlugin.h"
 #include "presentation/ChatWriter.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace {
+
+constexpr quint32 kRed = 255;
+
+void redLine(const QString& text) {
+    WriteChat(0, {{kRed, text}});
+}
+
+QString pluginsIni() {
+    return GetSettingsPath() + QStringLiteral("Plugins.ini");
+}
+
+const QString kAutoLoad = QStringLiteral("AutoLoad");
+
+} // namespace
 
 PluginHost& PluginHost::instance() {
     static PluginHost host;
     return host;
 }
 
-PluginHost::PluginHost() {
+PluginHost::PluginHost() : m_options(std::make_unique<ListModel>()) {
     m_plugins.emplace_back();
+}
+
+PluginHost::~PluginHost() = default;
+
+QStringList PluginHost::PluginFiles() {
+    const QDir folder(GetProgramFolder() + QStringLiteral("/Plugins"));
+    QStringList names;
+    for (const QFileInfo& file : folder.entryInfoList(
+             {QStringLiteral("*.js"), QStringLiteral("*.so")}, QDir::Files, QDir::Name)) {
+        if (!names.contains(file.completeBaseName())) names.append(file.completeBaseName());
+    }
+    return names;
+}
+
+bool PluginHost::AutoLoad(const QString& name) {
+    return ReadIniNumber(pluginsIni(), kAutoLoad, name, 0) == 1;
+}
+
+bool PluginHost::setAutoLoad(const QString& name, bool on) {
+    return WriteIni(pluginsIni(), kAutoLoad, name, on ? QStringLiteral("1") : QStringLiteral("0"));
+}
+
+bool PluginHost::isLoaded(const QString& name) const {
+    for (const PluginRecord& record : m_plugins) {
+        if (!name.isEmpty() && record.Name == name) return true;
+    }
+    return false;
+}
+
+int PluginHost::failed(int stage, const QString& line, const PluginCallError& error) {
+    redLine(line + error.description());
+    return stage;
+}
+
+QVariantList PluginHost::startupArguments(objPlugin* plugin) {
+    return {QVariant::fromValue<QObject*>(&PluginMainForm::instance()),
+            QVariant::fromValue<QObject*>(plugin)};
+}
+
+void PluginHost::ImportPlugins() {
+    clear();
+    objPlugin* plugin = nullptr;
+    const QDir folder(GetProgramFolder() + QStringLiteral("/Plugins"));
+    for (const QString& name : PluginFiles()) {
+        if (!AutoLoad(name)) continue;
+        const QStringList files = folder.entryList({name + QStringLiteral(".*")}, QDir::Files);
+        WriteChat(0, Status::Warning,
+                  QStringLiteral("- Importing plugin \"") + files.value(0, name) + u'"');
+        try {
+            if (!m_factory)
+                throw PluginCallError(QStringLiteral("no loader for plug-ins is present"));
+            std::shared_ptr<PluginObject> object = m_factory(name);
+            add({name, 0, object});
+            if (!plugin) plugin = new objPlugin(&PluginMainForm::instance());
+            QVariantList args = startupArguments(plugin);
+            object->call(QStringLiteral("Startup"), args);
+        } catch (const PluginCallError& e) {
+            redLine(QStringLiteral(" > Plugin Error on ") + name + QStringLiteral(": ") +
+                    e.description() + u'.');
+            return;
+        }
+    }
+}
+
+void PluginHost::RegisterPlugin(const QString& strName, quint32 lngFlags) {
+    for (PluginRecord& record : m_plugins) {
+        if (!strName.isEmpty() && record.Name == strName) record.Flags = lngFlags;
+    }
+}
+
+QString PluginHost::GetBaseName(const QString& Path) {
+    const QString element = Path.section(u'\\', -1).section(u'/', -1);
+    const qsizetype dot = element.lastIndexOf(u'.');
+    return dot < 0 ? element : element.left(dot);
+}
+
+int PluginHost::StartPlugin(const QString& name) {
+    std::shared_ptr<PluginObject> object;
+    int slot = 0;
+    try {
+        if (!m_factory) throw PluginCallError(QStringLiteral("no loader for plug-ins is present"));
+        object = m_factory(name);
+        if (!object) throw PluginCallError(QStringLiteral("the plug-in made no object"));
+        slot = add({name, 0, object});
+    } catch (const PluginCallError& e) {
+        return failed(1,
+                      QStringLiteral("Error -> Could not start plugin, plugins() array is "
+                                     "causing error - "),
+                      e);
+    }
+    try {
+        QVariantList args = startupArguments(new objPlugin(&PluginMainForm::instance()));
+        object->call(QStringLiteral("Startup"), args);
+    } catch (const PluginCallError& e) {
+        // The record stays: the object was made.
+        return failed(2,
+                      QStringLiteral("Error -> Could not start plugin, cannot create plugin "
+                                     "object - it is not registered properly - "),
+                      e);
+    }
+    return slot > 0 ? 0 : 3;
+}
+
+int PluginHost::StopPlugin(const QString& name) {
+    for (size_t i = 1; i < m_plugins.size(); ++i) {
+        if (m_plugins[i].Name != name) continue;
+        try {
+            QVariantList args;
+            if (m_plugins[i].Object) m_plugins[i].Object->call(QStringLiteral("Shutdown"), args);
+        } catch (const PluginCallError& e) {
+            return failed(2,
+                          QStringLiteral("Error -> Could not stop plugin, the plugin is missing "
+                                         "or has an error in the Shutdown() event - "),
+                          e);
+        }
+        m_plugins.erase(m_plugins.begin() + qsizetype(i));
+        return 0;
+    }
+    return 0;
+}
+
+QString PluginHost::Description(const QString& name) {
+    try {
+        if (m_factory) {
+            if (std::shared_ptr<PluginObject> object = m_factory(name)) {
+                QVariantList args;
+                return object->call(QStringLiteral("Description"), args).toString();
+            }
+        }
+    } catch (const PluginCallError&) {
+    }
+    return QStringLiteral("Could not grab description from this plugin, the plugin does not "
+                          "include a 'Description()' function.");
+}
+
+ListModel& PluginHost::options() {
+    return *m_options;
+}
+
+void PluginHost::AddOption(const QString& strPlugin, const QString& strName, int bIconType,
+                           int bArg) {
+    ListItem item = ListItem::withText(strName);
+    item.iconKey = QString::number(bIconType);
+    item.tag = strPlugin + u'.' + QString::number(bArg);
+    m_options->add(item);
+}
+
+bool PluginHost::DeleteOption(const QString& strPlugin, int bArg) {
+    const QString tag = strPlugin + u'.' + QString::number(bArg);
+    for (int i = 1; i <= m_options->count(); ++i) {
+        if (m_options->item(i).tag != tag) continue;
+        m_options->removeAt(i);
+        return true;
+    }
+    return false;
+}
+
+void PluginHost::OptionClicked(const QString& tag) {
+    const QStringList parts = tag.split(u'.');
+    if (parts.size() != 2) return;
+    for (const PluginRecord& record : m_plugins) {
+        if (record.Name.isEmpty() || record.Name != parts[0] || !record.Object) continue;
+        try {
+            QVariantList args{parts[1].toInt()};
+            record.Object->call(QStringLiteral("OptionClicked"), args);
+        } catch (const PluginCallError& e) {
+            redLine(QStringLiteral("Error -> plugin is missing the event OptionClicked() or it "
+                                   "is not registered correctly - ") +
+                    e.description());
+        }
+        return;
+    }
 }
 
 int PluginHost::add(PluginRecord record) {
@@ -42,15 +238,14 @@ void PluginHost::sendSocketEvent(const QString& member, QVariantList args) {
     }
 }
 
-void PluginHost::RunScript(int Index, const QString& sub, QVariantList args,
+void PluginHost::RunScript(int /*Index*/, const QString& sub, QVariantList args,
                            const QString& lineName) {
     if (!m_script) return;
     try {
         m_script->call(sub, args);
     } catch (const PluginCallError& e) {
-        WriteChat(Index, {{255, QStringLiteral("Error -> Script sub ") +
-                                    (lineName.isEmpty() ? sub : lineName) +
-                                    QStringLiteral(" raised error - ") + e.description()}});
+        redLine(QStringLiteral("Error -> Script sub ") + (lineName.isEmpty() ? sub : lineName) +
+                QStringLiteral(" raised error - ") + e.description());
     }
 }
 

@@ -4,9 +4,13 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 #include <functional>
 #include <memory>
 #include <vector>
+
+class ListModel;
+class objPlugin;
 
 struct PluginRecord {
     QString Name;
@@ -28,14 +32,51 @@ public:
     int add(PluginRecord record);
     void clear();
 
+    // Makes a plug-in's object by its base name, or throws PluginCallError.
+    // The loader of plug-in files sets it; until then nothing can start.
+    using Factory = std::function<std::shared_ptr<PluginObject>(const QString& name)>;
+    void setFactory(Factory factory) { m_factory = std::move(factory); }
+
+    // The base names of the plug-in files in the Plugins folder of the
+    // program, in name order.
+    static QStringList PluginFiles();
+    // Whether Plugins.ini asks to load the plug-in at start: only 1 does.
+    static bool AutoLoad(const QString& name);
+    // False when Plugins.ini could not be written.
+    static bool setAutoLoad(const QString& name, bool on);
+    bool isLoaded(const QString& name) const;
+    // At start: empties the table and starts every plug-in Plugins.ini
+    // loads, all sharing one objPlugin. The first that fails ends the import.
+    void ImportPlugins();
+    void RegisterPlugin(const QString& strName, quint32 lngFlags);
+    // The last element of Path, cut before its last dot.
+    static QString GetBaseName(const QString& Path);
+    // Makes the plug-in, puts it in the table and calls its Startup. 0 when it
+    // runs; otherwise the stage that failed, with a red console line.
+    int StartPlugin(const QString& name);
+    // Calls its Shutdown and takes it out of the table; the later plug-ins
+    // move down one slot. 0 also when no plug-in has that name.
+    int StopPlugin(const QString& name);
+    // What a separate object of the plug-in says of itself; the words of the
+    // Plugins page when it cannot.
+    QString Description(const QString& name);
+
+    // The entries plug-ins add to the plug-in list, tagged "plugin.arg".
+    ListModel& options();
+    void AddOption(const QString& strPlugin, const QString& strName, int bIconType, int bArg);
+    // True when an entry with that very tag was there to remove.
+    bool DeleteOption(const QString& strPlugin, int bArg);
+    // The entry of that tag was clicked: its plug-in hears OptionClicked.
+    void OptionClicked(const QString& tag);
+
     void SocketConnect(int Index);
     void SocketClose(int Index);
     void SocketError(int Index, int Number, const QString& Description);
     void PacketArrival(int Index, const QByteArray& Data);
     // The user's script, when one is loaded; its subs are called by name.
     void setScript(std::shared_ptr<PluginObject> script) { m_script = std::move(script); }
-    // Runs a script sub. An error is one red line naming `lineName` (the sub
-    // itself when empty); the caller's work goes on.
+    // Runs a script sub. An error is one red console line naming `lineName`
+    // (the sub itself when empty); the caller's work goes on.
     void RunScript(int Index, const QString& sub, QVariantList args, const QString& lineName = {});
 
     void DispatchChatEvent(int BotIndex, int ID, const QString& Message, const QString& Username,
@@ -46,6 +87,7 @@ public:
 
 private:
     PluginHost();
+    ~PluginHost();
     // Calls `member` on every plug-in with `flag`, writing the error line of
     // the first that raises and stopping there.
     void sendSocketEvent(const QString& member, QVariantList args);
@@ -54,6 +96,13 @@ private:
     void sendChatEvent(int ID, const QString& member, const std::function<QVariantList()>& makeArgs,
                        const std::function<void(const QVariantList&)>& takeBack = {});
 
+    // What Startup receives: the main form and the given objPlugin.
+    static QVariantList startupArguments(objPlugin* plugin);
+    // Shows a red console line and gives the stage of a failed start or stop.
+    static int failed(int stage, const QString& line, const PluginCallError& error);
+
     std::vector<PluginRecord> m_plugins;
     std::shared_ptr<PluginObject> m_script;
+    Factory m_factory;
+    std::unique_ptr<ListModel> m_options;
 };

@@ -1,6 +1,7 @@
 #include "presentation/ChatLog.h"
 
 #include "chat/BotElement.h"
+#include "config/FileWrites.h"
 #include "config/Folders.h"
 #include "config/SettingsWrapper.h"
 #include "platform/ChatDocument.h"
@@ -8,7 +9,6 @@
 #include "presentation/TextFormat.h"
 #include "session/SlotTable.h"
 
-#include <QDir>
 #include <QFile>
 
 namespace {
@@ -22,7 +22,8 @@ QString logsFolder() {
     return GetSettingsPath() + QStringLiteral("Logs/");
 }
 
-// Appends one save of a view; a file that can't be opened ends this save.
+// Appends one save of a view; a file that can't be written ends this save,
+// with a line that says why.
 void saveLog(const QString& profile, const ChatDocument& view) {
     const QString name = LogFileName(profile, QDate::currentDate());
     QString text;
@@ -32,8 +33,11 @@ void saveLog(const QString& profile, const ChatDocument& view) {
     }
     text += QStringLiteral("Log below saved at ") + FormatLongTime(QTime::currentTime()) +
             QStringLiteral(".\r\n") + rule() + QStringLiteral("\r\n") + view.text();
-    QFile file(name);
-    if (file.open(QIODevice::Append)) file.write(text.toUtf8());
+    // What was said in a channel is the user's alone to read.
+    if (QString cause; !AppendToFile(name, text.toUtf8(), &cause, FileAccess::Private))
+        WriteChat(0, Status::Error,
+                  QStringLiteral("Could not save the log of ") + profile + QStringLiteral(" to ") +
+                      name + QStringLiteral(": ") + cause + u'.');
 }
 
 } // namespace
@@ -47,7 +51,7 @@ void SaveLogFiles() {
     if (!SettingsWrapper::instance().Logging()) return;
     SlotTable& table = SlotTable::instance();
     for (int slot = 1; slot <= table.highestIndex(); ++slot) {
-        QDir().mkpath(logsFolder());
+        MakePrivateFolder(logsFolder());
         const ChatDocument& view = table.chat(slot);
         const QString profile = table.bot(slot).Profile();
         if (view.isEmpty() || profile.isEmpty()) continue;

@@ -108,8 +108,7 @@ void ConnectionWrapper::Handle_EnterChat(int Index, PacketReader& Reader) {
     bot.OnlineTick = GetTickCount();
     bot.Reconnect.reachedChat(bot.OnlineTick);
     PacketWriter w;
-    // The account's profile keys (RequestKeys) are asked for by the profile
-    // lookup, which hooks in here when it exists.
+    if (settings.RequestKeys()) Output_AccountInfoRequest(Index);
     w.SendPacket(Index, 0x65);
     if (settings.RequestNews()) {
         w.WriteDWORD(0);

@@ -8,6 +8,7 @@
 #include "plugins/PluginHost.h"
 #include "presentation/ChatWriter.h"
 #include "presentation/TextFormat.h"
+#include "session/PacketHandlers.h"
 #include "session/PacketWriter.h"
 #include "session/SlotTable.h"
 #include "session/StreamCutter.h"
@@ -228,6 +229,9 @@ void ConnectionWrapper::dispatch(int Index, PacketReader& Reader, quint8 PacketI
     case 0x25:
         Handle_Ping(Index, Reader);
         break;
+    case 0x26:
+        Handle_ProfileKeys(Index, Reader);
+        break;
     case 0x31:
         Handle_ChangePassword_OLS(Index, Reader);
         break;
@@ -287,7 +291,10 @@ void ConnectionWrapper::dispatch(int Index, PacketReader& Reader, quint8 PacketI
         Handle_FriendPosition(Index, Reader);
         break;
     default:
-        writeUnhandled(Index, PacketID, Reader.ReadBuffer());
+        if (const PacketHandler* handler = FindPacketHandler(PacketID))
+            (*handler)(Index, Reader, PacketID);
+        else
+            writeUnhandled(Index, PacketID, Reader.ReadBuffer());
         break;
     }
 }

@@ -75,6 +75,14 @@ public:
 
     // The public profile of an account: sex, location and description.
     void Output_ProfileRequest(int Index, const QString& Account);
+    // The bot's own account facts, written to the chat when they come.
+    void Output_AccountInfoRequest(int Index);
+    void Handle_ProfileKeys(int Index, PacketReader& Reader);
+    void Parse_AccountKeys(int Index, const QString& Text);
+    // Writes sex, location and description of the profile's own account.
+    void Output_WriteProfile(int Index, const QStringList& Values);
+    // Only the profile's own account may be saved, in any spelling.
+    static bool IsOwnProfile(int Index, const QString& Account);
     void Output_JoinChannel(int Index, const QString& Channel);
     void Handle_EnterChat(int Index, PacketReader& Reader);
     void Handle_ChannelList(int Index, PacketReader& Reader);

@@ -11,6 +11,8 @@
 #include "session/GuardedStep.h"
 #include "session/LogonRecord.h"
 
+#include <QMetaMethod>
+
 struct SlotTable::Slot {
     BotElement bot;
     LogonRecord logon;
@@ -159,7 +161,8 @@ int SlotTable::LoadProfile(const QString& Name) {
 
 int SlotTable::findProfile(const QString& Name) const {
     for (int i = 1; i <= highestIndex(); ++i) {
-        // Profile names are keys of the store, which knows no case.
+        // Profile names are keys of the store, which knows no case; a rename
+        // in other case leaves the store's spelling behind the slot's.
         if (m_slots[size_t(i)]->bot.Profile().compare(Name, Qt::CaseInsensitive) == 0) return i;
     }
     return 0;
@@ -272,4 +275,10 @@ ListModel& lvFriends(int i) {
 }
 ListModel& lvClan(int i) {
     return SlotTable::instance().clan(i);
+}
+
+bool SlotTable::showProfile(int index, const QString& account, const QStringList& values) {
+    if (!isSignalConnected(QMetaMethod::fromSignal(&SlotTable::profileReceived))) return false;
+    Q_EMIT profileReceived(index, account, values);
+    return true;
 }

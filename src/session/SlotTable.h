@@ -62,6 +62,9 @@ public:
     void notifyClanTag(int index) { Q_EMIT clanTagChanged(index); }
     void notifyChannelList(int index) { Q_EMIT channelListChanged(index); }
     void refillSendBox(int index, const QString& text) { Q_EMIT sendBoxRefill(index, text); }
+    // Hands a looked-up profile (sex, location, description) to whoever shows
+    // it; false when nobody does.
+    bool showProfile(int index, const QString& account, const QStringList& values);
 
 Q_SIGNALS:
     void slotCreated(int index);
@@ -77,6 +80,7 @@ Q_SIGNALS:
     void messageBox(const QString& title, const QString& text);
     // A line that could not go is handed back to the send box of the slot.
     void sendBoxRefill(int index, const QString& text);
+    void profileReceived(int index, const QString& account, const QStringList& values);
 
 private:
     struct Slot;

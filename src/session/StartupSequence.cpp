@@ -5,10 +5,13 @@
 #include "commands/AliasesAndGroups.h"
 #include "commands/BlocksAndFilters.h"
 #include "commands/MacroWrapper.h"
+#include "config/FileWrites.h"
 #include "config/Folders.h"
 #include "config/RegistryWrapper.h"
 #include "config/SettingsWrapper.h"
 #include "logon/BncsUtil.h"
+#include "plugins/PluginHost.h"
+#include "plugins/PluginLoader.h"
 #include "presentation/ChatWriter.h"
 #include "presentation/Theme.h"
 #include "session/MachineFacts.h"
@@ -90,6 +93,8 @@ bool checkStructure() {
             WriteChat(0, Status::Information,
                       QStringLiteral("- Created folder '") + name + QStringLiteral("'"));
         }
+        // Mail is between users: the folder is the user's alone.
+        if (name == u"Mail") MakePrivateFolder(program.filePath(name));
     }
     WriteStartupLine(QStringLiteral("- Checking list of servers.."));
     const QStringList created = SettingsWrapper::instance().SeedStore();
@@ -129,6 +134,18 @@ bool importMacros() {
 bool importMessageFilters() {
     WriteStartupLine(QStringLiteral("- Importing Message Filters.."));
     LoadFilters();
+    return true;
+}
+
+bool importScript() {
+    LoadScript();
+    return true;
+}
+
+bool importPlugins() {
+    WriteStartupLine(QStringLiteral("- Importing Plugins.."));
+    InstallPluginLoader();
+    PluginHost::instance().ImportPlugins();
     return true;
 }
 
@@ -182,6 +199,7 @@ StartupSequence::StartupSequence() {
     m_steps = {
         {QStringLiteral("Starting Corvantide.."), startSlots},
         {QStringLiteral("Grabbing cached variables.."), grabCachedVariables},
+        {QStringLiteral("Importing script file.."), importScript},
         {QString(), openStore},
         {QStringLiteral("Printing welcome message..."), printWelcome},
         {QStringLiteral("Applying previous Theme.."), applyPreviousTheme},
@@ -192,6 +210,7 @@ StartupSequence::StartupSequence() {
         {QStringLiteral("Importing Groups && Aliases.."), importGroupsAndAliases},
         {QStringLiteral("Importing Macros.."), importMacros},
         {QStringLiteral("Importing Message Filters.."), importMessageFilters},
+        {QStringLiteral("Importing Plugins.."), importPlugins},
         {QStringLiteral("Importing Profiles.."), importProfiles},
         {QStringLiteral("Importing Themes.."), importThemes},
         {QStringLiteral("Initializing timers..."), startTimers},

@@ -78,3 +78,17 @@ TEST_F(BlocksAndFiltersTest, OnlyLinesWithAStarAreFilters) {
     LoadFilters();
     EXPECT_FALSE(IsFiltered("")) << "the empty slot of an empty list is skipped";
 }
+
+TEST_F(BlocksAndFiltersTest, AHandEditCountsFromTheNextTestAndAVanishedFileKeepsTheList) {
+    EXPECT_FALSE(IsBlocked("mallory"));
+    writeFile(BlockedUsersFile(), "mallory\r\n");
+    EXPECT_TRUE(IsBlocked("Mallory"));
+    EXPECT_TRUE(AddBlock("eve"));
+    EXPECT_EQ(ReadTextLines(BlockedUsersFile()), (QStringList{"mallory", "eve"}))
+        << "an add keeps what was written by hand";
+
+    writeFile(MessageFiltersFile(), "*gold*\r\n");
+    EXPECT_TRUE(IsFiltered("buy gold"));
+    QFile::remove(MessageFiltersFile());
+    EXPECT_TRUE(IsFiltered("buy gold")) << "kept until the next load";
+}

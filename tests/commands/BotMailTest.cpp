@@ -3,6 +3,8 @@
 #include "common/ChatFixture.h"
 #include "config/TextListFile.h"
 
+#include <sys/stat.h>
+
 class BotMailTest : public ChatFixture {
 protected:
     void SetUp() override {
@@ -42,6 +44,11 @@ protected:
         append((to + "\tSender\t" + date + '\t' + message + "\r\n").toLatin1());
     }
 
+    static unsigned modeOf(const QString& path) {
+        struct stat info {};
+        return ::stat(QFile::encodeName(path).constData(), &info) == 0 ? info.st_mode & 0777 : 0;
+    }
+
     int slot = 0;
 };
 
@@ -51,7 +58,12 @@ TEST_F(BotMailTest, MailIsStoredAsTabbedFieldsFromTheBotsOwnName) {
     EXPECT_FALSE(HasMail(slot, "b")) << "under ten bytes is no mail";
     QFile::remove(MailFile(slot));
 
-    AddMail(slot, "Bob", "caf\u00e9 at nine");
+    QString cause;
+    EXPECT_TRUE(AddMail(slot, "Bob", "caf\u00e9 at nine", &cause)) << cause.toStdString();
+    // Mail is between users: the folder an older run left open is closed,
+    // and the file is the user's alone.
+    EXPECT_EQ(modeOf(GetProgramFolder() + "/Mail"), 0700u);
+    EXPECT_EQ(modeOf(MailFile(slot)), 0600u);
     QList<MailRecord> mails;
     ASSERT_TRUE(ReadMail(slot, "BOB", mails));
     ASSERT_EQ(mails.size(), 1);
@@ -73,6 +85,7 @@ TEST_F(BotMailTest, MailsAreNumberedPerRecipientAndMoveUpAfterADeletion) {
 
     EXPECT_FALSE(DeleteMail(slot, "bob", 4));
     EXPECT_TRUE(DeleteMail(slot, "bob", 1));
+    EXPECT_EQ(modeOf(MailFile(slot)), 0600u) << "a rewrite stays private";
     EXPECT_EQ(messages("bob"), (QStringList{"1:two", "2:three"}));
     EXPECT_EQ(ReadTextLines(MailFile(slot)).size(), 3) << "the line of five fields is gone";
     EXPECT_TRUE(DeleteMail(slot, "Bob", -1));

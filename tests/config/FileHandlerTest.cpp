@@ -199,7 +199,7 @@ TEST_F(Files, FoldersLiveUnderTheHomeFolder) {
     EXPECT_EQ(GetSpecialFolder(FolderDesktop), dir_.path() + QStringLiteral("/Desktop"));
     EXPECT_EQ(GetSpecialFolder(12345), QString());
     EXPECT_EQ(AutostartFile(),
-              dir_.path() + QStringLiteral("/.config/autostart/corvantide.desktop"));
+              dir_.path() + QStringLiteral("/.config/autostart/net.ostrelund.Corvantide.desktop"));
     SetHomeFolder(saved);
 }
 

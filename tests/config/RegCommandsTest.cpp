@@ -36,7 +36,7 @@ TEST(RegCommands, ExportThenImportElsewhere) {
     RegistryWrapper other(dir.filePath(QStringLiteral("b.sqlite")));
     Command import;
     EXPECT_EQ(ImportRegCommand(other, reg, import.outStream, import.errStream), 0);
-    EXPECT_EQ(import.out, QStringLiteral("Imported %1\n").arg(reg));
+    EXPECT_EQ(import.out, QStringLiteral("Imported 1 value from %1\n").arg(reg));
     EXPECT_EQ(other.ReadSTRING(key, QStringLiteral("Account")), QStringLiteral("corvan"));
 
     QFile bad(dir.filePath(QStringLiteral("bad.reg")));

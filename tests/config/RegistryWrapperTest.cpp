@@ -2,10 +2,14 @@
 
 #include "QtPrinters.h"
 
+#include <QDate>
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -396,7 +400,7 @@ TEST_F(Store, ImportLineRules) {
     EXPECT_EQ(store_.ReadDWORD(key + QStringLiteral("\\New"), QStringLiteral("Made")), 1);
 }
 
-TEST_F(Store, ImportRefusalsAndStops) {
+TEST_F(Store, ImportRefusalsAndLinesItCouldNotRead) {
     EXPECT_FALSE(store_.ImportFromReg(path("missing.reg")));
     writeFile(QStringLiteral("v5.reg"), "Windows Registry Editor Version 5.00\r\n\r\n");
     EXPECT_FALSE(store_.ImportFromReg(path("v5.reg")));
@@ -404,15 +408,40 @@ TEST_F(Store, ImportRefusalsAndStops) {
     writeFile(QStringLiteral("lf.reg"), "REGEDIT4\n\n[HKEY_CURRENT_USER\\Software\\Lf]\n");
     EXPECT_FALSE(store_.ImportFromReg(path("lf.reg")));
 
-    // A bad number ends the import; what came before stays.
-    writeFile(QStringLiteral("bad.reg"), "REGEDIT4\r\n[HKCU\\Software\\Bad]\r\n"
-                                         "\"First\"=dword:00000001\r\n"
-                                         "\"Broken\"=dword:123456789\r\n"
-                                         "\"Later\"=dword:00000002\r\n");
-    EXPECT_FALSE(store_.ImportFromReg(path("bad.reg")));
-    EXPECT_EQ(store_.ReadDWORD(QStringLiteral("HKCU\\Software\\Bad"), QStringLiteral("First")), 1);
-    EXPECT_FALSE(
-        store_.ValueExists(QStringLiteral("HKCU\\Software\\Bad"), QStringLiteral("Later")));
+    // Every line passed over or read by a guess is named by its number, and
+    // the import goes on past it.
+    writeFile(QStringLiteral("bad.reg"),
+              QByteArray("REGEDIT4\r\n[HKCU\\Software\\Bad]\r\n"
+                         "\"First\"=dword:00000001\r\n"
+                         "\"Broken\"=dword:12x\r\n"
+                         "\"Open\"=\"quote\r\n"
+                         "\"Nul") +
+                  '\0' +
+                  QByteArray("Name\"=\"x\"\r\n"
+                             "\"Blob\"=hex:4G\r\n"
+                             "[HKXX\\Software\\Nowhere]\r\n\"Lost\"=\"x\"\r\n"
+                             "[HKEY_LOCAL_MACHINE\\Software\\Machine]\r\n\"Lost\"=\"x\"\r\n"
+                             "[HKCU\\Software\\Bad]\r\n\"Later\"=dword:00000002\r\n"));
+    RegistryWrapper::ImportReport report;
+    EXPECT_TRUE(store_.ImportFromReg(path("bad.reg"), &report));
+    const QString bad = QStringLiteral("HKCU\\Software\\Bad");
+    EXPECT_EQ(store_.ReadDWORD(bad, QStringLiteral("First")), 1);
+    EXPECT_EQ(store_.ReadDWORD(bad, QStringLiteral("Broken")), 0x12) << "the digits at its start";
+    EXPECT_EQ(store_.ReadSTRING(bad, QStringLiteral("Open")), QStringLiteral("quote"));
+    EXPECT_EQ(store_.ReadDWORD(bad, QStringLiteral("Later")), 2);
+    EXPECT_EQ(report.values, 4);
+    EXPECT_EQ(report.notes,
+              (QStringList{
+                  QStringLiteral("line 4: dword:12x is not up to eight hexadecimal digits; "
+                                 "stored 18"),
+                  QStringLiteral("line 5: a quote is not closed; read as Open=quote"),
+                  QStringLiteral("line 6: the value name holds a NUL; skipped"),
+                  QStringLiteral("line 7: hex:4G is not hexadecimal; skipped"),
+                  QStringLiteral("line 8: [HKXX\\Software\\Nowhere]: the key's root is unknown; "
+                                 "its values were skipped"),
+                  QStringLiteral("line 10: [HKEY_LOCAL_MACHINE\\Software\\Machine]: "
+                                 "HKEY_LOCAL_MACHINE is read-only here; its values were skipped"),
+              }));
 }
 
 TEST(StoreFile, SurvivesReopening) {
@@ -424,21 +453,61 @@ TEST(StoreFile, SurvivesReopening) {
     }
     RegistryWrapper store(file);
     EXPECT_EQ(store.ReadSTRING(kKey, QStringLiteral("kept")), QStringLiteral("yes"));
-    // The running program owns its store; a second user of it gets defaults.
+    // The running program owns its store; a second user of it gets defaults,
+    // and words that name the lock.
     RegistryWrapper second(file);
     EXPECT_FALSE(second.isOpen());
     EXPECT_EQ(second.ReadSTRING(kKey, QStringLiteral("kept"), QStringLiteral("d")),
               QStringLiteral("d"));
+    EXPECT_EQ(second.openFailure(), RegistryWrapper::OpenFailure::Locked);
+    EXPECT_TRUE(second.openError().contains(QStringLiteral("another Corvantide")));
+    EXPECT_TRUE(second.movedAside().isEmpty()) << "a store in use is never moved";
+}
 
-    // A file that is not a store gives an object that reads defaults.
-    QFile junk(dir.filePath(QStringLiteral("junk.sqlite")));
-    ASSERT_TRUE(junk.open(QIODevice::WriteOnly));
-    junk.write(QByteArray(4096, 'x'));
-    junk.close();
-    RegistryWrapper broken(junk.fileName());
-    EXPECT_FALSE(broken.isOpen());
-    EXPECT_EQ(broken.ReadDWORD(kKey, QStringLiteral("kept"), 9), 9);
-    EXPECT_EQ(broken.WriteDWORD(kKey, QStringLiteral("kept"), 1), 0);
+// A file that is no store is never replaced in silence; a folder that
+// refuses writes has words of its own.
+TEST(StoreFile, OpenFailuresAreToldApartAndNoStoreIsMovedAside) {
+    QTemporaryDir dir;
+    const QString file = dir.filePath(QStringLiteral("s.sqlite"));
+    const auto notAStore = [&](const QByteArray& bytes, const char* words) {
+        QFile junk(file);
+        ASSERT_TRUE(junk.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        junk.write(bytes);
+        junk.close();
+        RegistryWrapper store(file);
+        ASSERT_TRUE(store.isOpen()) << store.openError().toStdString();
+        EXPECT_TRUE(store.WriteDWORD(kKey, QStringLiteral("fresh"), 1));
+        EXPECT_TRUE(store.movedAsideNotice().contains(QLatin1String(words)))
+            << store.movedAsideNotice().toStdString();
+        QFile aside(store.movedAside());
+        ASSERT_TRUE(aside.open(QIODevice::ReadOnly)) << store.movedAside().toStdString();
+        EXPECT_EQ(aside.readAll(), bytes);
+        EXPECT_TRUE(QFileInfo(store.movedAside())
+                        .fileName()
+                        .startsWith(QStringLiteral("s.sqlite.damaged-%1")
+                                        .arg(QDate::currentDate().toString(Qt::ISODate))));
+    };
+    notAStore("a text file\n", "was not a settings store");
+    notAStore(QByteArray(), "was empty");
+    QByteArray damaged;
+    {
+        QFile store(file);
+        ASSERT_TRUE(store.open(QIODevice::ReadOnly));
+        damaged = store.readAll();
+    }
+    ASSERT_GT(damaged.size(), 4096);
+    damaged.replace(4096, 16, QByteArray(16, '\xA5')); // a table's page header
+    notAStore(damaged, "was damaged");
+
+    if (::geteuid() != 0) { // the superuser writes where others may not
+        const QString locked = dir.filePath(QStringLiteral("ro"));
+        ASSERT_TRUE(QDir().mkpath(locked));
+        ::chmod(QFile::encodeName(locked).constData(), 0500);
+        RegistryWrapper store(locked + QStringLiteral("/s.sqlite"));
+        EXPECT_EQ(store.openFailure(), RegistryWrapper::OpenFailure::ReadOnly);
+        EXPECT_TRUE(store.openError().contains(QStringLiteral("is read-only")));
+        ::chmod(QFile::encodeName(locked).constData(), 0700);
+    }
 }
 
 } // namespace

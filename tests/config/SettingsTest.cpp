@@ -126,9 +126,9 @@ TEST_F(Settings, StartupIsAnAutostartEntry) {
     EXPECT_TRUE(text.contains(exec)) << text.constData();
     EXPECT_TRUE(text.startsWith("[Desktop Entry]\n"));
 
-    settings_.setWindowsStartup(false);
+    EXPECT_TRUE(settings_.setWindowsStartup(false));
     EXPECT_FALSE(settings_.WindowsStartup());
-    EXPECT_TRUE(QFile::exists(AutostartFile())) << "off keeps the entry, hidden";
+    EXPECT_FALSE(QFile::exists(AutostartFile())) << "off removes the entry";
 
     // A home with characters the Exec line reserves is quoted and escaped.
     QTemporaryDir odd(home_.filePath(QStringLiteral("my $dir \"x\" XXXXXX")));
@@ -188,7 +188,7 @@ TEST_F(Settings, StartupWritesSettingsBack) {
     EXPECT_EQ(storedDword("FloodMode"), 1000) << "the range holds in the store after start";
     EXPECT_EQ(storedDword("Tray"), 1);
     EXPECT_EQ(storedDword("HideBanUnban"), 0);
-    EXPECT_TRUE(QFile::exists(AutostartFile()));
+    EXPECT_FALSE(QFile::exists(AutostartFile())) << "no entry that nobody asked for";
     EXPECT_FALSE(settings_.WindowsStartup());
 }
 

@@ -141,7 +141,8 @@ TEST_F(WindowTest, TheListHeadingNamesTheChosenList) {
     window->SelectedList = QStringLiteral("Friends");
     window->SelectList();
     EXPECT_EQ(window->lblList()->text(), QStringLiteral(" -- Friends (0) -- "));
-    Bots(slot).setClanTag(QStringLiteral("Tag"));
+    // The tag as it travels: turned round and padded.
+    Bots(slot).setClanTag(QString::fromLatin1("gaT\0", 4));
     window->SelectedList = QStringLiteral("Clan");
     window->SelectList();
     EXPECT_EQ(window->lblList()->text(), QStringLiteral(" -- Clan Tag (0) -- "));

@@ -118,14 +118,19 @@ bool BncsSession::dispatch(quint8 id, PacketReader& r) {
     case 0x46:
         if (m_logon.step() == Step::LoggedOn) sendNews();
         return m_logon.step() == Step::LoggedOn;
-    case 0x65: // friends: nobody has any here
-        if (m_inChat) sendFrame(0x65, QByteArray(1, '\0'));
+    case 0x65:
+        if (m_inChat) m_context.friends.sendList(*this);
         return m_inChat;
     case 0x26:
         if (m_logon.step() != Step::LoggedOn) return false;
         sendProfile(r);
         return true;
+    case 0x27:
+        if (!m_inChat) return false;
+        writeProfile(r);
+        return true;
     default:
+        if (id >= 0x70 && id <= 0x7D) return m_inChat && m_context.clans.handle(*this, id, r);
         note(QStringLiteral("ignored 0x%1").arg(id, 2, 16, QLatin1Char('0')));
         return true;
     }
@@ -166,6 +171,7 @@ bool BncsSession::enterChat(PacketReader& r) {
     w.WriteSTRING(statstring);
     w.WriteSTRING(account);
     sendFrame(0x0A, w.payload());
+    m_context.clans.entered(*this);
     return true;
 }
 
@@ -190,7 +196,8 @@ bool BncsSession::chatLine(PacketReader& r) {
         close(QStringLiteral("flooding"));
         return true;
     }
-    chatcommands::run(m_context.hub, *this, cp1252::decode(text));
+    const QString line = cp1252::decode(text);
+    if (!m_context.friends.command(*this, line)) chatcommands::run(m_context.hub, *this, line);
     return true;
 }
 
@@ -233,16 +240,27 @@ void BncsSession::sendProfile(PacketReader& r) {
     w.WriteDWORD(accounts);
     w.WriteDWORD(keys);
     w.WriteDWORD(request);
-    // The sandbox keeps no profiles: every value is empty but the account's own name.
-    for (const QString& n : std::as_const(names)) {
-        const AccountRecord* record = m_context.store.find(n);
+    for (const QString& n : std::as_const(names))
         for (const QString& k : std::as_const(wanted))
-            w.WriteSTRING(
-                record && k.compare(QLatin1String("System\\Username"), Qt::CaseInsensitive) == 0
-                    ? record->name
-                    : QString());
-    }
+            w.WriteSTRING(m_context.profiles.value(n, k));
     sendFrame(0x26, w.payload());
+}
+
+// A client writes its own account's profile values, and only those; there is no answer.
+void BncsSession::writeProfile(PacketReader& r) {
+    const quint32 accounts = r.ReadDWORD();
+    const quint32 keys = r.ReadDWORD();
+    if (accounts != 1 || keys == 0 || keys > kLargestProfileRequest)
+        return close(QStringLiteral("profile write of %1 x %2").arg(accounts).arg(keys));
+    const QString owner = r.ReadSTRING();
+    QStringList wanted;
+    for (quint32 i = 0; i < keys; ++i)
+        wanted.append(r.ReadSTRING());
+    for (const QString& k : std::as_const(wanted)) {
+        const QString value = r.ReadSTRING();
+        if (owner.compare(account, Qt::CaseInsensitive) == 0 && ProfileValues::writable(k))
+            m_context.profiles.set(owner, k, value);
+    }
 }
 
 void BncsSession::deliver(const ChatEvent& event) {

@@ -44,6 +44,7 @@ private:
     void sendChannelList();
     void sendNews();
     void sendProfile(PacketReader& r);
+    void writeProfile(PacketReader& r);
 
     SandboxContext& m_context;
     BncsLogon m_logon;

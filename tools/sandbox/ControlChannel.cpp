@@ -33,6 +33,9 @@ QString ControlChannel::answer(const QString& line) {
             return QStringLiteral("error: residents pause or residents resume");
         return QStringLiteral("ok");
     }
+    QString reply;
+    for (const Commands& more : m_more)
+        if (more(command, rest, reply)) return reply;
     QString error;
     if (!m_script.runNow(text, error)) return QStringLiteral("error: ") + error;
     return QStringLiteral("ok");

@@ -3,6 +3,8 @@
 #include <QByteArray>
 #include <QObject>
 #include <QString>
+#include <functional>
+#include <vector>
 
 class QSocketNotifier;
 
@@ -26,6 +28,10 @@ public:
 
     // "ok", "error: " and why, or what was asked for.
     QString answer(const QString& line);
+    // More commands: given the command word and the rest, true with the answer set when
+    // the command is theirs.
+    using Commands = std::function<bool(const QString&, const QString&, QString&)>;
+    void addCommands(Commands commands) { m_more.push_back(std::move(commands)); }
     // Reads lines from `fd` as they come and writes each answer to standard output.
     void listen(int fd);
 
@@ -43,6 +49,7 @@ private:
     int m_fd = -1;
     QSocketNotifier* m_notifier = nullptr;
     QByteArray m_pending;
+    std::vector<Commands> m_more;
 };
 
 } // namespace sandbox

@@ -4,7 +4,7 @@ namespace sandbox {
 
 SandboxContext::SandboxContext(const SandboxOptions& options)
     : options(options), store(options.accountsFile), oracle(options.hashFiles),
-      hub(store, options.channelLimit) {
+      hub(store, options.channelLimit), profiles(store, hub), clans(hub), friends(hub) {
     m_clock.start();
     if (options.trace) trace = std::make_unique<FrameTrace>(options.traceFile);
     hub.setPublicChannels({options.residentChannel});

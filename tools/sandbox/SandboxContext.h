@@ -2,8 +2,11 @@
 
 #include "sandbox/AccountStore.h"
 #include "sandbox/ChatHub.h"
+#include "sandbox/ClanDesk.h"
 #include "sandbox/FrameTrace.h"
+#include "sandbox/FriendsDesk.h"
 #include "sandbox/KeyRing.h"
+#include "sandbox/ProfileValues.h"
 #include "sandbox/SandboxOptions.h"
 #include "sandbox/VersionOracle.h"
 
@@ -26,6 +29,9 @@ public:
     KeyRing keys;
     VersionOracle oracle;
     ChatHub hub;
+    ProfileValues profiles;
+    ClanDesk clans;
+    FriendsDesk friends;
     std::unique_ptr<FrameTrace> trace;
 
     // Milliseconds and microseconds since the server started.

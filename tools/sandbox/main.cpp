@@ -1,3 +1,4 @@
+#include "platform/TerminationSignals.h"
 #include "sandbox/ControlChannel.h"
 #include "sandbox/EventScript.h"
 #include "sandbox/ResidentCrowd.h"
@@ -5,10 +6,7 @@
 #include "sandbox/SandboxServer.h"
 
 #include <QCoreApplication>
-#include <QSocketNotifier>
-#include <csignal>
 #include <cstdio>
-#include <unistd.h>
 
 using namespace sandbox;
 
@@ -19,28 +17,11 @@ int fail(const QString& text) {
     return 1;
 }
 
-// SIGTERM and SIGINT end the event loop rather than the process, so that
-// what the run made (its temporary game files) is cleaned up on the way out.
-void quitOnTermination(QCoreApplication& app) {
-    static int wake[2] = {-1, -1};
-    if (::pipe(wake) != 0) return;
-    struct sigaction action = {};
-    action.sa_handler = [](int) {
-        const char byte = 1;
-        [[maybe_unused]] const ssize_t written = ::write(wake[1], &byte, 1);
-    };
-    sigemptyset(&action.sa_mask);
-    sigaction(SIGTERM, &action, nullptr);
-    sigaction(SIGINT, &action, nullptr);
-    auto* notifier = new QSocketNotifier(wake[0], QSocketNotifier::Read, &app);
-    QObject::connect(notifier, &QSocketNotifier::activated, &app, &QCoreApplication::quit);
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
-    quitOnTermination(app);
+    QuitOnTermination(app);
     QString error;
     const auto options = SandboxOptions::parse(app.arguments().mid(1), error);
     if (!options) {
@@ -72,6 +53,13 @@ int main(int argc, char** argv) {
                         options->residentChannel, options->seed);
     if (options->residents > 0) crowd.start();
     ControlChannel control(context->hub, script, crowd);
+    control.addCommands([&clans = context->clans](const QString& c, const QString& r, QString& a) {
+        return clans.control(c, r, a);
+    });
+    control.addCommands(
+        [&profiles = context->profiles](const QString& c, const QString& r, QString& a) {
+            return profiles.control(c, r, a);
+        });
     if (options->control) {
         QObject::connect(&control, &ControlChannel::closed, &app, &QCoreApplication::quit);
         control.listen(STDIN_FILENO);

@@ -1,0 +1,175 @@
+#include "control/ProfileVerbs.h"
+
+#include "config/ProfileSheet.h"
+#include "config/SettingsCatalogue.h"
+#include "control/TypedValue.h"
+#include "session/ProfileLifecycle.h"
+
+namespace {
+
+using Entry = SettingsCatalogue::Entry;
+
+QStringList productCodes() {
+    QStringList codes;
+    for (int i = 0; i < ProfileSheet::ProductNames().size(); ++i)
+        codes.append(ProfileSheet::productCode(i));
+    return codes;
+}
+
+QString quoted(const QString& text) {
+    return u'\'' + text + u'\'';
+}
+
+VerbResult noSuchProfile(const QString& name) {
+    return VerbResult::refused(QStringLiteral("No profile named ") + quoted(name) +
+                               QStringLiteral("; `corvantide profile list` shows them."));
+}
+
+QString keyOf(const QString& stored) {
+    return ProfileLifecycle::ProfilesKey() + stored;
+}
+
+// The stored value, or the default the bot reads when there is none.
+QString valueOrDefault(const QString& stored, const Entry& entry, bool* isDefault = nullptr) {
+    QString text;
+    const bool found = TypedValue::Read(keyOf(stored), entry.valueName, text);
+    if (isDefault) *isDefault = !found;
+    return found ? text : entry.defaultText;
+}
+
+VerbResult list() {
+    const QStringList names = ProfileLifecycle::ListProfiles();
+    if (names.isEmpty())
+        return VerbResult::done(
+            QStringLiteral("No profiles yet; make one with: corvantide profile new NAME"));
+    return VerbResult::done(names.join(u'\n'));
+}
+
+VerbResult show(const QString& name) {
+    const QString stored = ProfileLifecycle::FindProfile(name);
+    if (stored.isEmpty()) return noSuchProfile(name);
+    QStringList lines{QStringLiteral("Profile ") + quoted(stored)};
+    for (const Entry& entry : SettingsCatalogue::ProfileValues()) {
+        bool isDefault = false;
+        QString text = valueOrDefault(stored, entry, &isDefault);
+        // A password on screen is shown only when asked for by name.
+        if (entry.valueName == u"Password" && !text.isEmpty()) text = QStringLiteral("********");
+        lines.append(QStringLiteral("  ") + entry.valueName + QStringLiteral(" = ") + text +
+                     (isDefault ? QStringLiteral("   (default)") : QString()));
+    }
+    return VerbResult::done(lines.join(u'\n'));
+}
+
+VerbResult create(const QString& name) {
+    const ProfileOutcome outcome = ProfileLifecycle::CreateProfile(name);
+    if (outcome.existed)
+        return VerbResult::refused(QStringLiteral("A profile named ") +
+                                   quoted(ProfileLifecycle::FindProfile(name)) +
+                                   QStringLiteral(" already exists."));
+    if (!outcome.ok) return VerbResult::refused(outcome.warning);
+    return VerbResult::done(QStringLiteral("Created profile ") + quoted(name) +
+                            QStringLiteral("; give it values with: corvantide profile set ") +
+                            name + QStringLiteral(" KEY VALUE"));
+}
+
+VerbResult copyOrRename(const QString& verb, const QString& from, const QString& to) {
+    const QString stored = ProfileLifecycle::FindProfile(from);
+    if (stored.isEmpty()) return noSuchProfile(from);
+    const bool clone = verb == u"clone";
+    const ProfileOutcome outcome = clone ? ProfileLifecycle::CloneProfile(stored, to)
+                                         : ProfileLifecycle::RenameProfile(stored, to);
+    if (!outcome.ok) return VerbResult::refused(outcome.warning);
+    return VerbResult::done((clone ? QStringLiteral("Cloned profile ")
+                                   : QStringLiteral("Renamed profile ")) +
+                            quoted(stored) + QStringLiteral(" to ") + quoted(to) + u'.');
+}
+
+VerbResult remove(const QString& name) {
+    const QString stored = ProfileLifecycle::FindProfile(name);
+    if (stored.isEmpty()) return noSuchProfile(name);
+    const ProfileOutcome outcome = ProfileLifecycle::DeleteProfile(stored);
+    if (!outcome.ok) return VerbResult::refused(outcome.warning);
+    return VerbResult::done(QStringLiteral("Deleted profile ") + quoted(stored) + u'.');
+}
+
+const Entry* findValue(const QString& valueName) {
+    return SettingsCatalogue::Find(QStringLiteral("Profiles\\x"), valueName);
+}
+
+VerbResult unknownValue(const QString& valueName) {
+    QStringList names;
+    for (const Entry& entry : SettingsCatalogue::ProfileValues())
+        names.append(entry.valueName);
+    return VerbResult::refused(QStringLiteral("A profile has no value ") + quoted(valueName) +
+                               QStringLiteral("; it has: ") + names.join(QStringLiteral(", ")) +
+                               u'.');
+}
+
+// The product is chosen by its code; the product list's index and the
+// product's name are understood too.
+bool productCode(const QString& typed, QString& code) {
+    const QString text = typed.trimmed();
+    const QStringList names = ProfileSheet::ProductNames();
+    for (int i = 0; i < names.size(); ++i) {
+        if (ProfileSheet::productCode(i).compare(text, Qt::CaseInsensitive) == 0 ||
+            names[i].compare(text, Qt::CaseInsensitive) == 0 || text == QString::number(i)) {
+            code = ProfileSheet::productCode(i);
+            return true;
+        }
+    }
+    return false;
+}
+
+VerbResult set(const QString& name, const QString& valueName, QString text) {
+    const QString stored = ProfileLifecycle::FindProfile(name);
+    if (stored.isEmpty()) return noSuchProfile(name);
+    const Entry* entry = findValue(valueName);
+    if (!entry) return unknownValue(valueName);
+    if (entry->valueName == u"Product" && !productCode(text, text))
+        return VerbResult::refused(QStringLiteral("Product takes one of ") +
+                                   productCodes().join(QStringLiteral(", ")) +
+                                   QStringLiteral(", not ") + quoted(text) + u'.');
+    VerbResult written = TypedValue::Write(keyOf(stored), entry->valueName, entry->type, text);
+    if (written.status != 0) return written;
+    return VerbResult::done(QStringLiteral("Set ") + entry->valueName + QStringLiteral(" of ") +
+                            quoted(stored) + QStringLiteral(" to ") +
+                            quoted(valueOrDefault(stored, *entry)) + u'.');
+}
+
+VerbResult get(const QString& name, const QString& valueName) {
+    const QString stored = ProfileLifecycle::FindProfile(name);
+    if (stored.isEmpty()) return noSuchProfile(name);
+    const Entry* entry = findValue(valueName);
+    if (!entry) return unknownValue(valueName);
+    return VerbResult::done(valueOrDefault(stored, *entry));
+}
+
+} // namespace
+
+QString ProfileVerbsHelp() {
+    return QStringLiteral(
+        "  profile list                    the stored profiles\n"
+        "  profile show NAME               every value of a profile\n"
+        "  profile new NAME                make an empty profile\n"
+        "  profile clone FROM TO           copy a profile under a new name\n"
+        "  profile rename FROM TO          rename a profile (a loaded one follows)\n"
+        "  profile delete NAME             remove a profile (a loaded one is unloaded)\n"
+        "  profile set NAME KEY VALUE      store a value (e.g. Account, Product, Trigger)\n"
+        "  profile get NAME KEY            print a value\n");
+}
+
+VerbResult RunProfileVerb(const QStringList& args) {
+    const QString verb = args.value(0).toLower();
+    const qsizetype n = args.size();
+    if (verb == u"list" && n == 1) return list();
+    if (verb == u"show" && n == 2) return show(args[1]);
+    if (verb == u"new" && n == 2) return create(args[1]);
+    if ((verb == u"clone" || verb == u"rename") && n == 3)
+        return copyOrRename(verb, args[1], args[2]);
+    if (verb == u"delete" && n == 2) return remove(args[1]);
+    if (verb == u"set" && n == 4) return set(args[1], args[2], args[3]);
+    if (verb == u"get" && n == 3) return get(args[1], args[2]);
+    return VerbResult::usage(QStringLiteral("profile list|show|new|clone|rename|delete|set|get "
+                                            "...\n") +
+                             ProfileVerbsHelp());
+}

@@ -1,0 +1,7 @@
+#include "gui/BrowseFolder.h"
+
+#include <QFileDialog>
+
+QString BrowseFolder(QWidget* owner, const QString& title) {
+    return QFileDialog::getExistingDirectory(owner, title);
+}

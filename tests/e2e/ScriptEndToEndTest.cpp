@@ -1,0 +1,223 @@
+// The user's script and plug-ins in a sandbox channel: the shipped
+// examples do what they promise, a runaway script is stopped while the bot
+// goes on, and plug-ins in JavaScript and in C hear packets and chat, and
+// tidy the lines the user types.
+#include "chat/TimedEvents.h"
+#include "common/SandboxProcess.h"
+#include "common/SlotFixture.h"
+#include "config/Folders.h"
+#include "config/SettingsWrapper.h"
+#include "platform/ChatDocument.h"
+#include "platform/ListModel.h"
+#include "plugins/JavaScriptObject.h"
+#include "plugins/PluginHost.h"
+#include "plugins/PluginLoader.h"
+#include "plugins/PluginMainForm.h"
+#include "plugins/objPlugin.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+
+namespace {
+
+const QString kExamples =
+    QDir::cleanPath(QStringLiteral(CORVANTIDE_TEST_DATA "/../../examples")) + u'/';
+
+class ScriptEndToEnd : public SlotFixture {
+protected:
+    void SetUp() override {
+        SlotFixture::SetUp();
+        SettingsWrapper::instance().setLocalHashing(false);
+        SettingsWrapper::instance().setFloodMode(0);
+        PluginHost::instance().clear();
+        PluginHost::instance().options().clear();
+        TimedEvents::instance().start();
+    }
+    void TearDown() override {
+        TimedEvents::instance().stop();
+        PluginHost::instance().clear();
+        PluginHost::instance().setScript(nullptr);
+        QFile::remove(GetSettingsPath() + QStringLiteral("Script.txt"));
+        QFile::remove(GetSettingsPath() + QStringLiteral("Plugins.ini"));
+        QDir(GetProgramFolder() + QStringLiteral("/Plugins")).removeRecursively();
+    }
+
+    static void write(const QString& path, const QByteArray& text) {
+        QDir().mkpath(QFileInfo(path).path());
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(text);
+    }
+    static QByteArray example(const QString& name) {
+        QFile file(kExamples + name);
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
+        return file.readAll();
+    }
+
+    // A bot in the sandbox's channel with nobody else there.
+    int online() {
+        EXPECT_TRUE(sandbox.start({QStringLiteral("--residents"), QStringLiteral("0"),
+                                   QStringLiteral("--trace-file"), tracePath(),
+                                   QStringLiteral("--control")}));
+        const int i = sandbox.loadProfile(QStringLiteral("scribe"), QStringLiteral("Sandbox"));
+        SlotTable::instance().ConnectBot(i);
+        EXPECT_TRUE(waitFor([&] { return Bots(i).Channel() == QLatin1String("Sandbox"); }, 15000))
+            << rtbChat(i).text().toStdString();
+        return i;
+    }
+    void control(const QStringList& lines) {
+        ASSERT_EQ(sandbox.control(lines), QStringList(lines.size(), QStringLiteral("ok")));
+    }
+    QString tracePath() const { return traceDir.filePath(QStringLiteral("trace.log")); }
+    // Chat lines from the bot as the sandbox received them.
+    QStringList linesAtServer() const {
+        QFile file(tracePath());
+        file.open(QIODevice::ReadOnly);
+        QStringList lines;
+        for (const QByteArray& line : file.readAll().split('\n')) {
+            const QList<QByteArray> f = line.split(' ');
+            if (f.size() >= 7 && f[2] == "bncs" && f[4] == "in" && f[5] == "0x0e")
+                lines << QString::fromLatin1(QByteArray::fromHex(f[6]).mid(4).chopped(1));
+        }
+        return lines;
+    }
+    ::testing::AssertionResult serverHears(const QString& line) {
+        if (waitFor([&] { return linesAtServer().contains(line); }, 15000))
+            return ::testing::AssertionSuccess();
+        return ::testing::AssertionFailure()
+               << "not sent: " << line.toStdString() << "\nsent:\n  "
+               << linesAtServer().join(QStringLiteral("\n  ")).toStdString();
+    }
+    static QString console() { return rtbChat(0).text(); }
+
+    QTemporaryDir traceDir;
+    SandboxProcess sandbox;
+};
+
+TEST_F(ScriptEndToEnd, TheObjectsAnswerAScriptAndRefuseASlotWithoutAProfile) {
+    const int i = SlotTable::instance().LoadProfile(QStringLiteral("Keeper"));
+    JavaScriptObject script(JavaScriptObject::MissingIsSilent);
+    script.installGlobals(new objPlugin(&PluginMainForm::instance()));
+    script.load(QStringLiteral(R"(
+        function probe(i) {
+            Corvan.AddText(0, 0, "probing", 255);
+            return [Configuration.GetTrigger(i), Configuration.GetChannel(99),
+                    Cache.BotOnline(99), Cache.BotProfile(i), Cache.UserFind(i, "nobody"),
+                    Music.GetTrack(), typeof Cache.User(i, 5), BotIndex()].join("|");
+        })"),
+                QStringLiteral("probe.js"));
+    QVariantList args{i};
+    EXPECT_EQ(script.call(QStringLiteral("probe"), args).toString(),
+              QStringLiteral(".||false|Keeper|0||undefined|0"));
+    EXPECT_TRUE(console().contains(QStringLiteral("probing")));
+    EXPECT_TRUE(console().contains(
+        QStringLiteral("Error -> GetChannel(BotIndex: 99) - raised error no profile is loaded in "
+                       "slot 99")))
+        << console().toStdString();
+    QVariantList none;
+    EXPECT_FALSE(script.call(QStringLiteral("Event_Missing"), none).isValid());
+}
+
+TEST_F(ScriptEndToEnd, TheExampleScriptGreetsAndAnswersSeen) {
+    write(GetSettingsPath() + QStringLiteral("Script.txt"), example(QStringLiteral("Script.txt")));
+    LoadScript();
+    EXPECT_TRUE(console().contains(QStringLiteral("Greeter script loaded")));
+    const int i = online();
+
+    control({"user Alice", "join Alice Sandbox"});
+    EXPECT_TRUE(serverHears(QStringLiteral("Welcome to Sandbox, Alice!")));
+    control({"talk Alice !seen Bob"});
+    EXPECT_TRUE(serverHears(QStringLiteral("I have not seen Bob.")));
+    control({"user Bob", "join Bob Sandbox", "leave Bob", "talk Alice !seen bob"});
+    EXPECT_TRUE(serverHears(QStringLiteral("I saw Bob leaving just now.")));
+    EXPECT_FALSE(console().contains(QStringLiteral("Error ->"))) << console().toStdString();
+    (void)i;
+}
+
+TEST_F(ScriptEndToEnd, ARunawayScriptIsStoppedAndTheBotGoesOn) {
+    write(GetSettingsPath() + QStringLiteral("Script.txt"), R"(
+        function Event_UserTalk(BotIndex, Username, Message) {
+            if (Message === "spin") for (;;) {}
+            if (Message === "dive") (function down() { return down() + 1; })();
+            Corvan.AddQueue(BotIndex, "heard " + Message);
+        })");
+    LoadScript();
+    // No Event_Startup: said once, and the rest of the script works.
+    EXPECT_TRUE(console().contains(QStringLiteral("This error is related to the Startup() sub.")));
+    online();
+
+    control({"user Alice", "join Alice Sandbox", "talk Alice first"});
+    EXPECT_TRUE(serverHears(QStringLiteral("heard first")));
+    QElapsedTimer clock;
+    clock.start();
+    control({"talk Alice spin"});
+    EXPECT_TRUE(waitFor(
+        [] {
+            return console().contains(QStringLiteral(
+                "Error -> Script sub Event_UserTalk raised error - it ran longer than 2 seconds "
+                "and was stopped"));
+        },
+        15000))
+        << console().toStdString();
+    EXPECT_LT(clock.elapsed(), 6000);
+    control({"talk Alice dive"});
+    EXPECT_TRUE(waitFor(
+        [] {
+            return console().contains(
+                QStringLiteral("Error -> Script sub Event_UserTalk raised error - RangeError"));
+        },
+        15000))
+        << console().toStdString();
+    control({"talk Alice still there?"});
+    EXPECT_TRUE(serverHears(QStringLiteral("heard still there?")));
+    EXPECT_FALSE(linesAtServer().contains(QStringLiteral("heard spin")));
+}
+
+TEST_F(ScriptEndToEnd, PluginsInJavaScriptAndCHearPacketsAndChatAndTidyTypedLines) {
+    const QString folder = GetProgramFolder() + QStringLiteral("/Plugins/");
+    write(folder + QStringLiteral("greeter.js"), example(QStringLiteral("plugins/greeter.js")));
+    ASSERT_TRUE(QFile::copy(QStringLiteral(CORVANTIDE_BINARY_DIR "/plugins/hello.so"),
+                            folder + QStringLiteral("hello.so")));
+    // Asks for chat events and has none of their members.
+    write(folder + QStringLiteral("mute.js"),
+          "function Startup(form, plugin) { form.RegisterPlugin('mute', 1); }");
+    write(folder + QStringLiteral("idle.js"), "function Startup(form, plugin) {}");
+    ASSERT_TRUE(PluginHost::setAutoLoad(QStringLiteral("greeter"), true));
+    ASSERT_TRUE(PluginHost::setAutoLoad(QStringLiteral("mute"), true));
+    ASSERT_TRUE(PluginHost::setAutoLoad(QStringLiteral("hello"), true));
+    InstallPluginLoader();
+    PluginHost::instance().ImportPlugins();
+    EXPECT_TRUE(console().contains(QStringLiteral("- Importing plugin \"greeter.js\"")));
+    EXPECT_FALSE(PluginHost::instance().isLoaded(QStringLiteral("idle")));
+    ListModel& options = PluginHost::instance().options();
+    ASSERT_EQ(options.count(), 2);
+    EXPECT_EQ(options.item(1).text, QStringLiteral("Packets received"));
+    EXPECT_EQ(options.item(2).tag, QStringLiteral("hello.1"));
+    const int i = online();
+
+    control({"user Alice", "join Alice Sandbox"});
+    EXPECT_TRUE(serverHears(QStringLiteral("Hello Alice, greetings from a plug-in.")));
+    EXPECT_TRUE(serverHears(QStringLiteral("Hello Alice, greetings from C.")));
+    EXPECT_TRUE(console().contains(
+        QStringLiteral("Error -> Plugin caused error for mute ChatEvent(2) - Object doesn't "
+                       "support this property or method: 'Event_UserJoin'")))
+        << console().toStdString();
+
+    for (int n = 1; n <= options.count(); ++n)
+        PluginHost::instance().OptionClicked(options.item(n).tag);
+    for (const char* counter : {"greeter has seen (\\d+) packets", "hello.so has counted (\\d+)"}) {
+        const QRegularExpressionMatch counted =
+            QRegularExpression(QString::fromLatin1(counter)).match(console());
+        ASSERT_TRUE(counted.hasMatch()) << counter << console().toStdString();
+        EXPECT_GT(counted.captured(1).toInt(), 3);
+    }
+
+    Bots(i).Queue << QStringLiteral("#note to self") << QStringLiteral("brb, coffee");
+    EXPECT_TRUE(serverHears(QStringLiteral("be right back, coffee")));
+    EXPECT_FALSE(linesAtServer().contains(QStringLiteral("#note to self")));
+}
+
+} // namespace

@@ -1,0 +1,123 @@
+// A person who runs the bot on a server sets it up from the terminal alone: a
+// profile made with `corvantide profile new/set`, a userbase made and bound
+// with `corvantide database`, then, while that bot runs, a new trigger sent
+// from the terminal. A ranked user in the channel commands the bot through
+// all of it.
+#include "chat/TimedEvents.h"
+#include "common/SandboxProcess.h"
+#include "common/SlotFixture.h"
+#include "config/SettingsWrapper.h"
+#include "platform/ChatDocument.h"
+#include "platform/ListModel.h"
+
+#include <QProcess>
+#include <QTemporaryDir>
+
+namespace {
+
+struct Answer {
+    int status = -1;
+    QString out;
+    QString err;
+};
+
+class TerminalVerbsEndToEnd : public SlotFixture {
+protected:
+    void SetUp() override {
+        SlotFixture::SetUp();
+        SettingsWrapper::instance().setFloodMode(0);
+        TimedEvents::instance().start();
+        ASSERT_TRUE(sandbox.start());
+    }
+    void TearDown() override {
+        TimedEvents::instance().stop();
+        if (bot.state() != QProcess::NotRunning) {
+            bot.closeWriteChannel();
+            if (!bot.waitForFinished(10000)) bot.kill();
+        }
+    }
+
+    static QString program() { return QStringLiteral(CORVANTIDE_BINARY_DIR "/corvantide"); }
+
+    // One verb on the terminal, answered while this test's event loop runs
+    // (a running bot answers from its own loop).
+    Answer verb(const QStringList& words) {
+        QProcess process;
+        process.start(program(), QStringList{QStringLiteral("--home"), home.path()} + words);
+        Answer run;
+        if (!waitFor([&] { return process.state() == QProcess::NotRunning; }, 20000)) return run;
+        run.status = process.exitCode();
+        run.out = QString::fromUtf8(process.readAllStandardOutput());
+        run.err = QString::fromUtf8(process.readAllStandardError());
+        return run;
+    }
+    void setUp(const QStringList& words) {
+        const Answer run = verb(words);
+        ASSERT_EQ(run.status, 0) << words.join(u' ').toStdString() << ": "
+                                 << run.err.toStdString();
+    }
+
+    bool ownerSees(const QString& text) {
+        return waitFor([&] { return rtbChat(owner).text().contains(text); }, 20000);
+    }
+
+    SandboxProcess sandbox;
+    QTemporaryDir home;
+    QProcess bot;
+    int owner = 0;
+};
+
+} // namespace
+
+TEST_F(TerminalVerbsEndToEnd, AProfileAndUserbaseMadeOnTheTerminalLogOnAndObey) {
+    const QString p = QStringLiteral("Keeper");
+    setUp({QStringLiteral("profile"), QStringLiteral("new"), p});
+    const QList<QPair<QString, QString>> values{
+        {QStringLiteral("Account"), QStringLiteral("keeper")},
+        {QStringLiteral("Password"), QStringLiteral("secret")},
+        {QStringLiteral("Product"), QStringLiteral("StarCraft")},
+        {QStringLiteral("Verbyte"), QStringLiteral("d3")},
+        {QStringLiteral("Cdkey1"), QStringLiteral("7178075237576")},
+        {QStringLiteral("Server"), sandbox.bncsServer()},
+        {QStringLiteral("ServerBNLS"), sandbox.bnlsServer()},
+        {QStringLiteral("Channel"), QStringLiteral("Verbs")},
+        {QStringLiteral("Trigger"), QStringLiteral("!")},
+        {QStringLiteral("Load at Startup"), QStringLiteral("on")}};
+    for (const auto& [key, value] : values)
+        setUp({QStringLiteral("profile"), QStringLiteral("set"), p, key, value});
+    EXPECT_EQ(verb({QStringLiteral("profile"), QStringLiteral("get"), p, QStringLiteral("product")})
+                  .out,
+              QStringLiteral("STAR\n"));
+    setUp({QStringLiteral("database"), QStringLiteral("new"), QStringLiteral("Crew")});
+    setUp({QStringLiteral("database"), QStringLiteral("add"), QStringLiteral("Crew"),
+           QStringLiteral("Owner"), QStringLiteral("100")});
+    setUp({QStringLiteral("database"), QStringLiteral("bind"), QStringLiteral("Crew"), p});
+
+    bot.start(program(), {QStringLiteral("--headless"), QStringLiteral("--home"), home.path(),
+                          QStringLiteral("--connect")});
+    ASSERT_TRUE(bot.waitForStarted());
+    owner = sandbox.loadProfile(QStringLiteral("owner"), QStringLiteral("Verbs"));
+    SlotTable::instance().ConnectBot(owner);
+    ASSERT_TRUE(waitFor([&] { return lvUsers(owner).count() == 2; }, 30000));
+
+    Bots(owner).Queue << QStringLiteral("!say obeying the terminal's userbase");
+    ASSERT_TRUE(ownerSees(QStringLiteral("<keeper> obeying the terminal's userbase")));
+
+    // The running bot takes the new trigger at once: the old one is silence.
+    const Answer changed = verb({QStringLiteral("profile"), QStringLiteral("set"), p,
+                              QStringLiteral("Trigger"), QStringLiteral("#")});
+    ASSERT_EQ(changed.status, 0) << changed.err.toStdString();
+    EXPECT_EQ(changed.out, QStringLiteral("Set Trigger of 'Keeper' to '#'.\n"));
+    Bots(owner).Queue << QStringLiteral("!say old trigger") << QStringLiteral("#say new trigger");
+    ASSERT_TRUE(ownerSees(QStringLiteral("<keeper> new trigger")));
+    EXPECT_FALSE(rtbChat(owner).text().contains(QStringLiteral("<keeper> old trigger")));
+
+    // Refusals from the running bot come back with a failing status.
+    const Answer taken = verb({QStringLiteral("profile"), QStringLiteral("new"), p.toLower()});
+    EXPECT_EQ(taken.status, 1);
+    EXPECT_EQ(taken.err, QStringLiteral("A profile named 'Keeper' already exists.\n"));
+    const Answer wrongType = verb({QStringLiteral("profile"), QStringLiteral("set"), p,
+                                QStringLiteral("IdleTime"), QStringLiteral("soon")});
+    EXPECT_EQ(wrongType.status, 1);
+    EXPECT_EQ(wrongType.err, QStringLiteral("IdleTime takes a number, not 'soon'.\n"));
+}

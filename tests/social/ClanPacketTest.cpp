@@ -1,0 +1,127 @@
+#include "social/ClanPacket.h"
+
+#include "common/ChatFixture.h"
+#include "platform/ListModel.h"
+
+namespace {
+
+class ClanPacketTest : public ChatFixture {
+protected:
+    void SetUp() override {
+        ChatFixture::SetUp();
+        ClanPacket::install();
+        slot = loadConnected(QStringLiteral("clansman"));
+        Bots(slot).setOnline(true);
+        Bots(slot).Config.setAccount(QStringLiteral("Clansman"));
+        wsBNET(slot).sent.clear();
+    }
+    void joinClan(quint8 rank) {
+        Bots(slot).setClanTag(ClanPacket::CreateClanTag(QStringLiteral("Tst")));
+        Bots(slot).setClanRank(rank);
+    }
+    QList<int> sentIds() const {
+        QList<int> ids;
+        for (const QByteArray& frame : wsBNET(slot).sent)
+            ids << quint8(frame[1]);
+        return ids;
+    }
+    QString lastLine() const {
+        return rtbChat(slot).text().split(QStringLiteral("\r\n"), Qt::SkipEmptyParts).last();
+    }
+    void arrive(quint8 id, const PacketWriter& w) {
+        wsBNET(slot).simulateData(PacketWriter::frameBNCS(id, w.payload()));
+    }
+    int slot = 0;
+};
+
+TEST_F(ClanPacketTest, LocalChecksRefuseWithoutSendingAndTagsTravelTurnedRound) {
+    ClanPacket::Output_Disband(slot);
+    EXPECT_EQ(lastLine(), "[BNET] Cannot perform clan action, you are not the member of a clan.");
+    joinClan(1);
+    ClanPacket::Output_Invite(slot, {});
+    EXPECT_EQ(lastLine(), "[BNET] Cannot invite null username.");
+    joinClan(2);
+    ClanPacket::Output_Invite(slot, QStringLiteral("someone"));
+    EXPECT_EQ(lastLine(),
+              "[BNET] Only Cheiftain's and Shaman's can invite users to join the clan.");
+    joinClan(3);
+    ClanPacket::Output_SetRank(slot, QStringLiteral("other"), 3);
+    EXPECT_EQ(
+        lastLine(),
+        "[BNET] Cannot change rank, you must be a chieftain to change another shamans' rank.");
+    EXPECT_TRUE(wsBNET(slot).sent.isEmpty());
+
+    ClanPacket::Output_SetRank(slot, QStringLiteral("other"), 2);
+    EXPECT_EQ(lastLine(), "[BNET] Attempting to change other's rank to Grunt.");
+    ClanPacket::Output_Quit(slot);
+    ASSERT_EQ(sentIds(), QList<int>({0x7A, 0x78}));
+    // The quit names the account as configured, behind the cookie.
+    EXPECT_EQ(wsBNET(slot).sent[1].mid(8), QByteArray("Clansman", 9));
+
+    EXPECT_EQ(ClanPacket::CreateClanTag(QStringLiteral("AB")), QString::fromLatin1("BA\0\0", 4));
+    EXPECT_EQ(ClanPacket::CreateClanTag(QStringLiteral("ABCD")), QStringLiteral("DCBA"));
+    EXPECT_EQ(ClanPacket::CreateClanTag(QStringLiteral("ABCDE")), QStringLiteral("EDCB"));
+    EXPECT_EQ(ClanPacket::ShowClanTag(QString::fromLatin1("BA\0\0", 4)), QStringLiteral("AB"));
+}
+
+TEST_F(ClanPacketTest, MemberListPutsTheChieftainFirstAndNoticesKeepItCurrent) {
+    joinClan(4);
+    PacketWriter list;
+    list.WriteDWORD(0);
+    list.WriteBYTE(3);
+    for (const auto& [name, rank] : {std::pair{"Anna", 0}, {"Boss", 4}, {"Carl", 2}}) {
+        list.WriteSTRING(QLatin1String(name));
+        list.WriteBYTE(quint8(rank));
+        list.WriteBYTE(1);
+        list.WriteSTRING(QString());
+    }
+    arrive(0x7D, list);
+    ListModel& clan = lvClan(slot);
+    ASSERT_EQ(clan.count(), 3);
+    EXPECT_EQ(clan.item(1).text, "Boss");
+    EXPECT_EQ(clan.item(2).iconKey, "ClanRank1");
+    EXPECT_EQ(clan.item(2).toolTip, "Anna is a New Peon.");
+
+    PacketWriter stranger;
+    stranger.WriteSTRING(QStringLiteral("Nobody"));
+    stranger.WriteBYTE(1);
+    stranger.WriteBYTE(0);
+    stranger.WriteSTRING(QString());
+    arrive(0x7F, stranger);
+    EXPECT_EQ(clan.count(), 3);
+
+    PacketWriter notRemoved;
+    notRemoved.WriteBYTE(0);
+    arrive(0x76, notRemoved);
+    EXPECT_FALSE(Bots(slot).ClanTag().isEmpty());
+    PacketWriter removed;
+    removed.WriteBYTE(1);
+    arrive(0x76, removed);
+    // A frame of five bytes is cut only when more follow.
+    PacketWriter gone;
+    gone.WriteSTRING(QStringLiteral("Carl"));
+    arrive(0x7E, gone);
+    EXPECT_EQ(clan.count(), 2);
+    EXPECT_TRUE(Bots(slot).ClanTag().isEmpty());
+    EXPECT_EQ(Bots(slot).ClanRank(), 0);
+    EXPECT_FALSE(rtbChat(slot).text().contains(QLatin1String("Unhandled")));
+}
+
+TEST_F(ClanPacketTest, AccountReportShowsShortValuesAsNotAvailable) {
+    Bots(slot).Config.setClient(QStringLiteral("WAR3"));
+    Bots(slot).ProfileType = 1;
+    PacketWriter w;
+    w.WriteVOID(QByteArray(12, '\0'));
+    for (const char* value : {"Clansman", "", "30000000 0", "x", "0"})
+        w.WriteSTRING(QLatin1String(value));
+    arrive(0x26, w);
+    const BotElement& bot = Bots(slot);
+    EXPECT_EQ(bot.AccountCreated, "N/A");
+    EXPECT_NE(bot.LastLogon, "N/A");
+    EXPECT_EQ(bot.LastLogoff, "N/A");
+    EXPECT_EQ(bot.AccountLogged, "N/A");
+    EXPECT_EQ(bot.ProfileType, 0);
+    EXPECT_EQ(lastLine(), "Time Logged: N/A");
+}
+
+} // namespace

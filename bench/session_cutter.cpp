@@ -41,7 +41,7 @@ void CutBncsStream(benchmark::State& state) {
         StreamBuffer in;
         qint64 frames = 0;
         streamcutter::Handlers h{
-            [&](PacketReader& r, quint8 id) { frames += id + r.ReadBYTE(); }, {}, {}};
+            [&](PacketReader& r, quint8 id) { frames += id + r.ReadBYTE(); }, {}, {}, {}};
         qsizetype pos = 0;
         for (int n : s.pieces) {
             in.append(QByteArray::fromRawData(s.bytes.constData() + pos, n));

@@ -45,7 +45,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const bool bnls = data[0] & 1;
     StreamBuffer in;
     streamcutter::Handlers handlers{[](PacketReader& r, quint8) { walkFrame(r); }, [](quint8) {},
-                                    [](quint8, const char*) {}};
+                                    [](quint8, const char*) {}, [](const QString&) {}};
     size_t pos = 1;
     while (pos < size) {
         // Each piece's length is taken from the stream itself.

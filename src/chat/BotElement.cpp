@@ -15,6 +15,9 @@
 #include <QElapsedTimer>
 #include <QHash>
 #include <algorithm>
+#include <utility>
+
+#include <malloc.h>
 
 namespace {
 
@@ -106,7 +109,13 @@ int BotElement::DelayCount() {
 
 void BotElement::AddEvent(int /*index*/, const QString& username, const QString& message,
                           qint32 ping, qint32 flags, quint32 tick, const QString& eventId) {
-    DelayCount();
+    if (DelayCount() >= kHeldEventLimit) {
+        // A quarter goes at once, so a flood pays for the bound rarely.
+        const int drop = kHeldEventLimit / 4;
+        m_events.erase(m_events.begin() + 1, m_events.begin() + 1 + drop);
+        m_droppedEvents += drop;
+    }
+    m_heldPeak = std::max(m_heldPeak, DelayCount() + 1);
     DelayedEvent event;
     event.Username = username;
     event.Message = message;
@@ -120,6 +129,21 @@ void BotElement::AddEvent(int /*index*/, const QString& username, const QString&
 void BotElement::ClearEvent() {
     m_events.clear();
     m_events.emplace_back();
+    giveBackEventMemory();
+}
+
+void BotElement::giveBackEventMemory() {
+    if (m_events.size() > 1 || m_heldPeak < kHeldEventLimit / 10) return;
+    // The list ran long in a flood: its blocks, and the texts the allocator
+    // kept for reuse, go back to the system.
+    m_heldPeak = 0;
+    m_events.shrink_to_fit();
+    malloc_trim(0);
+}
+
+int BotElement::takeDroppedEvents() {
+    if (m_droppedEvents == 0 || DelayCount() > kHeldEventLimit / 2) return 0;
+    return std::exchange(m_droppedEvents, 0);
 }
 
 void BotElement::removeEvent(int position) {
@@ -136,7 +160,7 @@ constexpr qint64 kDelayedRunBudgetMs = 15;
 // channel one user's leave, another's join and a third's talk inside the same
 // moment are no burst, and throwing them away would lose joins and leaves that
 // the user list needs.
-bool isLeaveRejoinTalk(const std::vector<DelayedEvent>& events, quint32 delay) {
+bool isLeaveRejoinTalk(const std::deque<DelayedEvent>& events, quint32 delay) {
     struct Marks {
         bool left = false;
         bool rejoined = false;
@@ -193,6 +217,8 @@ void BotElement::ShowDelayedEvent(int Index) {
                                 event.Ping);
         if (e < m_events.size()) m_events.erase(m_events.begin() + qsizetype(e));
     }
+    // What a flood took is given back once it has been shown.
+    giveBackEventMemory();
 }
 
 void BotElement::setOnline(bool online) {
@@ -260,6 +286,7 @@ void BotElement::emptySlot() {
     setOnline(false);
     setChannel(QString());
     CanConnect = false;
+    Reconnect.reset();
     ChangeEmail = false;
     ChangePassword = false;
     ChannelTick = 0;

@@ -4,11 +4,13 @@
 #include "chat/UserElement.h"
 #include "config/ConfigWrapper.h"
 #include "session/ConnectionWrapper.h"
+#include "session/ReconnectPlan.h"
 #include "session/StreamBuffer.h"
 
 #include <QHash>
 #include <QString>
 #include <QStringList>
+#include <deque>
 #include <vector>
 
 // The run-time state of one profile slot: its session, its channel and its
@@ -44,6 +46,8 @@ public:
     QString LastWhispered;
     bool CanConnect = false;
     quint32 LastConnect = 0;
+    // The next try after the connection was lost.
+    ReconnectPlan Reconnect;
     quint32 QueueLast = 0;
     qint32 QueueWait = 0;
     QStringList Queue; // oldest first
@@ -82,6 +86,12 @@ public:
     // Hands the due delayed events of this slot to their handlers, or throws
     // the whole list away when it holds a leave, a rejoin and talk.
     void ShowDelayedEvent(int Index);
+    // The most events the list holds. A flood beyond it costs the oldest held
+    // events rather than the process's memory and a view minutes behind.
+    static constexpr int kHeldEventLimit = 5000;
+    // Events dropped by the bound since this was last asked, once the flood
+    // is over (the list back under half the bound); 0 meanwhile.
+    int takeDroppedEvents();
 
     qint32 MyPing() const { return m_myPing; }
     void setMyPing(qint32 ping) { m_myPing = ping; }
@@ -124,7 +134,11 @@ private:
     std::vector<QString> m_plainKeys;       // beside Users
     quint64 m_nextArrival = 0;
 
-    std::vector<DelayedEvent> m_events;
+    void giveBackEventMemory();
+
+    std::deque<DelayedEvent> m_events;
+    int m_droppedEvents = 0;
+    int m_heldPeak = 0; // the longest the list ran since memory was last given back
     QString m_channel;
     QString m_channelNonVoid;
     QString m_clanTag;

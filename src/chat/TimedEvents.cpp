@@ -9,6 +9,7 @@
 #include "presentation/TextFormat.h"
 #include "presentation/UserColors.h"
 #include "session/ConnectionWrapper.h"
+#include "session/GuardedStep.h"
 #include "session/MachineFacts.h"
 #include "session/PacketReader.h"
 #include "session/PacketWriter.h"
@@ -95,7 +96,8 @@ void TimedEvents::pulse() {
         }
         if (elapsed < t.period) continue;
         t.last = now - elapsed % t.period;
-        t.routine();
+        RunGuarded([&t] { return QStringLiteral("timer ") + QString::number(t.number); },
+                   t.routine);
     }
     if (m_running) scheduleHeartbeat();
 }
@@ -128,6 +130,10 @@ void TimedEvents::statusTick() {
                   QStringLiteral("]  in channel  [") + bot.Channel() + QStringLiteral("]");
     } else {
         status = QStringLiteral("Disconnected!");
+        const ReconnectPlan& plan = Bots(index).Reconnect;
+        if (plan.isArmed() && Bots(index).CanConnect)
+            status += QStringLiteral(" Reconnecting in ") +
+                      ReconnectPlan::waitText(plan.remaining(GetTickCount())) + u'.';
         caption = programTitle() + QStringLiteral(" - Viewing disconnected profile [") +
                   Bots(index).Profile() + QStringLiteral("]");
     }
@@ -141,11 +147,13 @@ void TimedEvents::statusTick() {
 void TimedEvents::sendTick() {
     SlotTable& table = SlotTable::instance();
     for (int i = 1; i <= table.highestIndex(); ++i) {
-        if (!isConnected(i)) continue;
-        if (Bots(i).IsLoaded && Bots(i).Online())
-            sendqueue::SendStep(i);
-        else
-            ConnectionWrapper::Watchdog(i);
+        // Each slot's step is its own: one that fails leaves the others theirs.
+        RunGuarded([] { return QStringLiteral("send step"); }, [i] {
+            if (isConnected(i) && Bots(i).IsLoaded && Bots(i).Online())
+                sendqueue::SendStep(i);
+            else
+                ConnectionWrapper::Watchdog(i);
+        });
     }
 }
 
@@ -226,12 +234,20 @@ void TimedEvents::delayedEventsTick() {
             m_pendingError.clear();
         }
         BotElement& bot = Bots(i);
+        if (const int dropped = bot.takeDroppedEvents())
+            WriteChat(i, Status::Warning,
+                      QStringLiteral("[BNET] Chat flood: dropped the ") + QString::number(dropped) +
+                          QStringLiteral(" oldest held events; they came faster than they could "
+                                         "be shown."));
         if (!bot.Online() || bot.DelayCount() == 0) continue;
         try {
             bot.ShowDelayedEvent(i);
-        } catch (const PacketReadError& e) {
+        } catch (const std::exception& e) {
             m_pendingError = QStringLiteral("Error - ") + bot.Profile() + QStringLiteral(" - ") +
-                             QString::fromLatin1(e.what());
+                             QString::fromLocal8Bit(e.what());
+        } catch (...) {
+            m_pendingError = QStringLiteral("Error - ") + bot.Profile() +
+                             QStringLiteral(" - an unknown failure");
         }
     }
 }

@@ -19,7 +19,7 @@ namespace {
 // only when a part asks for it.
 class TokenValues {
 public:
-    TokenValues(const QString& user, const QString& message, const QString& statstring, qint32 ping,
+    TokenValues(const EventUser& user, const QString& message, const QString& statstring, qint32 ping,
                 qint32 flags, const QString& channel, qint32 channelFlags)
         : m_user(user), m_message(message), m_statstring(statstring), m_ping(ping), m_flags(flags),
           m_channel(channel), m_channelFlags(channelFlags) {}
@@ -27,7 +27,7 @@ public:
     void replaceIn(QString& text) {
         if (!text.contains(u'%')) return;
         replace(text, Sp, u"%sp", [] { return QStringLiteral(" "); });
-        replace(text, User, u"%user", [this] { return m_user; });
+        replace(text, User, u"%user", [this] { return m_user.shown; });
         replace(text, Group, u"%group", [this] { return group(); });
         replace(text, FlagsDisplay, u"%flags_display",
                 [this] { return GetUserFlagNames(quint32(m_flags)); });
@@ -72,7 +72,7 @@ private:
 
     // The group's prefix and a space, for a user in a group.
     QString group() const {
-        const QString name = FindGroup(ConvertUsername(m_user, false, -1));
+        const QString name = FindGroup(m_user.plain);
         return name.isEmpty() ? QString() : GetGroupPrefix(name) + u' ';
     }
 
@@ -82,7 +82,7 @@ private:
         return code;
     }
 
-    const QString& m_user;
+    const EventUser& m_user;
     const QString& m_message;
     const QString& m_statstring;
     qint32 m_ping;
@@ -101,7 +101,15 @@ quint32 markColor(QChar mark, int slot, const QString& user, qint32 flags) {
 
 } // namespace
 
-void ParseOutput(int slot, ChatDocument& view, const QString& Template, const QString& user,
+EventUser::EventUser(const QString& name) : shown(name), plain(ConvertUsername(name, false, -1)) {}
+
+EventUser EventUser::fromRaw(const QString& raw) {
+    EventUser user(raw);
+    user.shown = GetDisplayName(raw);
+    return user;
+}
+
+void ParseOutput(int slot, ChatDocument& view, const QString& Template, const EventUser& user,
                  const QString& message, const QString& statstring, qint32 ping, qint32 flags,
                  const QString& channel, qint32 channelFlags) {
     if (Template.isEmpty()) return;
@@ -118,7 +126,7 @@ void ParseOutput(int slot, ChatDocument& view, const QString& Template, const QS
             const QChar mark = parts[i].isEmpty() ? QChar(u' ') : parts[i][0];
             QString text = parts[i].mid(1);
             tokens.replaceIn(text);
-            WriteChatView(view, {{markColor(mark, slot, user, flags), text}});
+            WriteChatView(view, {{markColor(mark, slot, user.plain, flags), text}});
         }
         WriteChatView(view, {{0xFFFFFF, QStringLiteral("\r\n")}});
     } catch (const std::exception& e) {

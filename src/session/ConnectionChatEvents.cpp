@@ -196,7 +196,7 @@ void ConnectionWrapper::Handle_ChatEvent_UserShow(int Index, const QString& User
         bot.MyStatstring = Text;
     }
     if (!settings().HidePresent())
-        ParseOutput(Index, rtbChat(Index), CurrentTheme().events.present, GetDisplayName(Username),
+        ParseOutput(Index, rtbChat(Index), CurrentTheme().events.present, EventUser::fromRaw(Username),
                     {}, Text, Ping, Flags);
     bot.userDel(Username);
     bot.userAdd(Username, Flags, Ping, Text, GetTickCount());
@@ -213,7 +213,7 @@ void ConnectionWrapper::Handle_ChatEvent_Join(int Index, const QString& Username
         if (!repeat) {
             LastJoinUser = Username;
             LastJoinTick = GetTickCount();
-            ParseOutput(Index, rtbChat(Index), CurrentTheme().events.join, GetDisplayName(Username),
+            ParseOutput(Index, rtbChat(Index), CurrentTheme().events.join, EventUser::fromRaw(Username),
                         {}, Text, Ping, Flags);
         }
     }
@@ -234,7 +234,7 @@ void ConnectionWrapper::Handle_ChatEvent_Leave(int Index, const QString& Usernam
         const bool quick = position > 0 && withinFloodDelay(bot.user(position).Uptime);
         if (!quick)
             ParseOutput(Index, rtbChat(Index), CurrentTheme().events.leave,
-                        GetDisplayName(Username), Text, {}, Ping, Flags);
+                        EventUser::fromRaw(Username), Text, {}, Ping, Flags);
     }
     bot.userDel(plain);
     channelview::RemoveUserItems(Index, plain);
@@ -328,7 +328,7 @@ void ConnectionWrapper::Handle_ChatEvent_Talk(int Index, const QString& Username
         shown = !gated;
     }
     if (shown)
-        ParseOutput(Index, rtbChat(Index), CurrentTheme().events.talk, GetDisplayName(Username),
+        ParseOutput(Index, rtbChat(Index), CurrentTheme().events.talk, EventUser::fromRaw(Username),
                     Text, {}, Ping, Flags);
     runScript(Index, "Event_UserTalk", {Username, Text, Flags, Ping});
 }
@@ -345,7 +345,7 @@ void ConnectionWrapper::Handle_ChatEvent_Emote(int Index, const QString& Usernam
     }
     if (settings().DecodeUTF8()) Text = DecodeUTF8(Text);
     if (!(IsBlocked(plain) || IsFiltered(Text)))
-        ParseOutput(Index, rtbChat(Index), CurrentTheme().events.emote, GetDisplayName(Username),
+        ParseOutput(Index, rtbChat(Index), CurrentTheme().events.emote, EventUser::fromRaw(Username),
                     Text, {}, Ping, Flags);
     runScript(Index, "Event_UserEmote", {Username, Text, Flags, Ping}, "Event_Emote");
 }
@@ -365,7 +365,7 @@ void ConnectionWrapper::Handle_ChatEvent_WhisperFrom(int Index, const QString& U
     }
     if (passes && !(IsBlocked(plain) || IsFiltered(Text))) {
         ChatDocument& view = settings().WhisperPanel() ? rtbWhisper(Index) : rtbChat(Index);
-        ParseOutput(Index, view, CurrentTheme().events.whisperfrom, GetDisplayName(Username), Text,
+        ParseOutput(Index, view, CurrentTheme().events.whisperfrom, EventUser::fromRaw(Username), Text,
                     {}, Ping, Flags);
         const QString trigger = bot.Config.Trigger();
         if (!Text.isEmpty() && !trigger.isEmpty() && Text[0] == trigger[0])
@@ -382,7 +382,7 @@ void ConnectionWrapper::Handle_ChatEvent_WhisperTo(int Index, const QString& Use
     Bots(Index).LastWhispered = Username;
     if (settings().DecodeUTF8()) Text = DecodeUTF8(Text);
     ChatDocument& view = settings().WhisperPanel() ? rtbWhisper(Index) : rtbChat(Index);
-    ParseOutput(Index, view, CurrentTheme().events.whisperto, GetDisplayName(Username), Text, {},
+    ParseOutput(Index, view, CurrentTheme().events.whisperto, EventUser::fromRaw(Username), Text, {},
                 Ping, Flags);
     runScript(Index, "Event_WhisperTo", {Username, Text, Flags, Ping});
 }

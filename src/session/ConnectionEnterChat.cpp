@@ -13,9 +13,9 @@
 
 namespace {
 
-void sendPing(int Index) {
+void sendPing(int Index, quint32 value = 0) {
     PacketWriter w;
-    w.WriteDWORD(0);
+    w.WriteDWORD(value);
     w.SendPacket(Index, 0x25);
 }
 
@@ -46,10 +46,14 @@ void ConnectionWrapper::SendPingSpoof(int Index) {
     }
 }
 
-void ConnectionWrapper::Handle_Ping(int Index) {
+void ConnectionWrapper::Handle_Ping(int Index, PacketReader& Reader) {
     const qint32 spoof = Bots(Index).Config.PingSpoof();
-    // The answer never echoes the server's value.
-    if (spoof == 0 || spoof == 4) sendPing(Index);
+    if (spoof != 0 && spoof != 4) return;
+    // The answer carries the server's own value back, as game clients do:
+    // servers match it to their ping and time the round trip from it, so an
+    // answer of 0 would show the bot at a spoofed 0 ms.
+    const quint32 value = Reader.DataLength() >= 8 ? Reader.ReadDWORD() : 0;
+    sendPing(Index, value);
 }
 
 void ConnectionWrapper::Output_Login(int Index) {
@@ -102,6 +106,7 @@ void ConnectionWrapper::Handle_EnterChat(int Index, PacketReader& Reader) {
     bot.MyStatstring = Reader.ReadSTRING();
     bot.setOnline(true);
     bot.OnlineTick = GetTickCount();
+    bot.Reconnect.reachedChat(bot.OnlineTick);
     PacketWriter w;
     if (settings.RequestKeys()) Output_AccountInfoRequest(Index);
     w.SendPacket(Index, 0x65);

@@ -75,8 +75,16 @@ void ConnectionWrapper::Handle_LogonResponse_NLS(int Index, PacketReader& Reader
         logon.Salt = readExactly(Reader, 32);
         logon.ServerKey = readExactly(Reader, 32);
         logon.ClientProof = QByteArray(qsizetype(logon::kNlsProofSize), '\0');
-        logon::nls_get_M1(logon.NlsHandle, bytes(logon.ClientProof), bytes(logon.ServerKey),
-                          bytes(logon.Salt));
+        // A server key that is 0 modulo N would let whoever sent it check guesses
+        // of the password against the proof: no proof goes to such a server.
+        if (!logon::nls_get_M1(logon.NlsHandle, bytes(logon.ClientProof),
+                               bytes(logon.ServerKey), bytes(logon.Salt))) {
+            WriteChat(Index, Status::Error,
+                      QStringLiteral("[BNET] The server's logon challenge is unusable (its key "
+                                     "is 0 modulo N); no password proof was sent."));
+            KillSocket(Index);
+            break;
+        }
         PacketWriter w;
         w.WriteVOID(logon.ClientProof);
         w.SendPacket(Index, 0x54);

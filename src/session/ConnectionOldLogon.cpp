@@ -54,8 +54,11 @@ void ConnectionWrapper::Output_AuthLogon_OLS(int Index) {
 void ConnectionWrapper::Output_CreateAccount_OLS(int Index) {
     const ConfigWrapper& config = Bots(Index).Config;
     PacketWriter w;
-    // Account creation hashes the password as stored, not lower-cased.
-    w.WriteVOID(passwordHash(config.Password()));
+    // The account is made with the hash that every logon will be checked
+    // against, the lower-cased password's, as game clients make it: a hash of
+    // the password as typed would make an account that a mixed-case password
+    // can never log on to.
+    w.WriteVOID(passwordHash(config.Password().toLower()));
     w.WriteSTRING(config.Account());
     w.SendPacket(Index, 0x3D);
     WriteChat(Index, Status::Information, QStringLiteral("[BNET] Attempting to create account.."));

@@ -16,9 +16,16 @@
 
 namespace {
 
-// The server lists offered in the profile form; each host connected to joins them.
-QString serversKey(const char* list) {
-    return SettingsWrapper::RootKey() + QLatin1String(list) + u'\\';
+// The server lists offered in the profile form; each server connected to joins
+// them with its port, so that picking the entry reaches the same server. On the
+// protocol's own port the host stands alone, as the gateways seeded in the
+// list are written.
+void rememberServer(const char* list, const SocketControl& socket, quint16 defaultPort) {
+    QString entry = socket.RemoteHost();
+    if (socket.RemotePort() != defaultPort)
+        entry += u':' + QString::number(socket.RemotePort());
+    RegistryWrapper::instance().CreateKey(SettingsWrapper::RootKey() + QLatin1String(list) +
+                                          u'\\' + entry);
 }
 
 struct ErrorText {
@@ -115,6 +122,7 @@ void ConnectionWrapper::KillSocket(int Index) {
     wsBNET(Index).Close();
     wsBNLS(Index).Close();
     Bots(Index).CanConnect = false;
+    Bots(Index).Reconnect.cancel();
 }
 
 void ConnectionWrapper::SocketErrorText(int Kind, int Index, int Number) {
@@ -130,8 +138,12 @@ void ConnectionWrapper::SocketErrorText(int Kind, int Index, int Number) {
 
 void ConnectionWrapper::wsBNET_Connect(int Index) {
     Bots(Index).setOnline(false);
+    // A new connection starts on a frame boundary: bytes left over from one
+    // that ended in the middle of a frame would stand in front of the
+    // server's first frame and stop every logon after it.
+    Bots(Index).InBNCS.clear();
     const QString host = wsBNET(Index).RemoteHost();
-    RegistryWrapper::instance().CreateKey(serversKey("Servers1") + host);
+    rememberServer("Servers1", wsBNET(Index), 6112);
     WriteChat(Index, Status::Success,
               QStringLiteral("[BNET] Connected to ") + host + QStringLiteral("!"));
     // The protocol byte goes alone, unframed, before any frame.
@@ -157,6 +169,10 @@ void ConnectionWrapper::wsBNET_DataArrival(int Index) {
              WriteChat(Index, Status::Error,
                        QStringLiteral("[BNET] Dropped a malformed packet ") + FormatHex(id, 2) +
                            QStringLiteral(" from the server."));
+         },
+         [this, Index](const QString& what) {
+             DropConnection(Index, QStringLiteral("[BNET] Protocol error: the server sent ") +
+                                       what + QStringLiteral("; closing the connection."));
          }});
 }
 
@@ -165,6 +181,7 @@ void ConnectionWrapper::wsBNET_Close(int Index) {
     Bots(Index).setOnline(false);
     wsBNET(Index).Close();
     PluginHost::instance().SocketClose(Index);
+    ScheduleReconnect(Index);
 }
 
 void ConnectionWrapper::wsBNET_Error(int Index, int Number, const QString& Description) {
@@ -175,6 +192,7 @@ void ConnectionWrapper::wsBNET_Error(int Index, int Number, const QString& Descr
     bot.LastConnect = GetTickCount() + 30000;
     wsBNET(Index).Close();
     PluginHost::instance().SocketError(Index, Number, Description);
+    ScheduleReconnect(Index);
 }
 
 void ConnectionWrapper::Handle_ForcedDisconnect(int Index, PacketReader&) {
@@ -185,21 +203,6 @@ void ConnectionWrapper::Handle_ForcedDisconnect(int Index, PacketReader&) {
     bot.CanConnect = true;
     bot.LastConnect = GetTickCount() + 30000;
     bot.setOnline(false);
-}
-
-void ConnectionWrapper::Watchdog(int Index) {
-    if (wsBNET(Index).State() != SocketControl::Connected) return;
-    BotElement& bot = Bots(Index);
-    if (bot.IsLoaded && bot.Online()) return;
-    SlotTable& table = SlotTable::instance();
-    // Ticks are compared as signed differences, so a moment set ahead of now
-    // counts as not yet due.
-    const qint32 sinceConnect = qint32(GetTickCount() - bot.LastConnect);
-    const qint32 sinceReconnect = qint32(GetTickCount() - table.LastReconnect);
-    if (bot.CanConnect && bot.LastConnect > 0 && sinceConnect > 30000 && sinceReconnect > 3000) {
-        table.ConnectBot(Index);
-        table.LastReconnect = GetTickCount();
-    }
 }
 
 void ConnectionWrapper::dispatch(int Index, PacketReader& Reader, quint8 PacketID) {
@@ -224,7 +227,7 @@ void ConnectionWrapper::dispatch(int Index, PacketReader& Reader, quint8 PacketI
         Handle_ForcedDisconnect(Index, Reader);
         break;
     case 0x25:
-        Handle_Ping(Index);
+        Handle_Ping(Index, Reader);
         break;
     case 0x26:
         Handle_ProfileKeys(Index, Reader);
@@ -298,7 +301,8 @@ void ConnectionWrapper::dispatch(int Index, PacketReader& Reader, quint8 PacketI
 
 void ConnectionWrapper::wsBNLS_Connect(int Index) {
     const QString host = wsBNLS(Index).RemoteHost();
-    RegistryWrapper::instance().CreateKey(serversKey("Servers2") + host);
+    rememberServer("Servers2", wsBNLS(Index), 9367);
+    Bots(Index).InBNLS.clear();
     WriteChat(Index, Status::Success,
               QStringLiteral("[BNLS] Connected to ") + host + QStringLiteral("!"));
     WriteChat(Index, Status::Information,
@@ -321,14 +325,21 @@ void ConnectionWrapper::wsBNLS_DataArrival(int Index) {
                                                                     "packet ") +
                                                          FormatHex(id, 2) +
                                                          QStringLiteral(" from the server."));
+                                       },
+                                       [this, Index](const QString& what) {
+                                           bnlsProtocolError(Index, what);
                                        }});
 }
 
 void ConnectionWrapper::wsBNLS_Close(int Index) {
     wsBNLS(Index).Close();
+    if (!inBnlsStep(Index)) return;
+    WriteChat(Index, Status::Error, QStringLiteral("[BNLS] Disconnected!"));
+    ScheduleReconnect(Index);
 }
 
 void ConnectionWrapper::wsBNLS_Error(int Index, int Number, const QString&) {
     if (wsBNLS(Index).State() == SocketControl::Error) SocketErrorText(1, Index, Number);
     wsBNLS(Index).Close();
+    if (inBnlsStep(Index)) ScheduleReconnect(Index);
 }

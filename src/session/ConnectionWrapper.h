@@ -25,8 +25,16 @@ public:
     void wsBNLS_Close(int Index);
     void wsBNLS_Error(int Index, int Number, const QString& Description);
 
-    // The watchdog's look at one slot, every 100 ms.
+    // The watchdog's look at one slot, every 100 ms: an attempt that has not
+    // reached chat in 30 seconds begins again, and a dropped slot whose wait
+    // is over tries its server again.
     static void Watchdog(int Index);
+    // Ends the connection of a slot after a fault of the stream, with the line
+    // that names it, and plans the next try.
+    void DropConnection(int Index, const QString& Line);
+    // Plans the next try of a slot that lost its connection, unless the user
+    // or a refusal ended it, and says when it will be.
+    static void ScheduleReconnect(int Index);
 
     // Identification and version check.
     void Output_AuthInfo(int Index);
@@ -78,7 +86,7 @@ public:
     void Output_JoinChannel(int Index, const QString& Channel);
     void Handle_EnterChat(int Index, PacketReader& Reader);
     void Handle_ChannelList(int Index, PacketReader& Reader);
-    void Handle_Ping(int Index);
+    void Handle_Ping(int Index, PacketReader& Reader);
     void Handle_News(int Index, PacketReader& Reader);
     void Handle_ForcedDisconnect(int Index, PacketReader& Reader);
     // The pings that follow 0x50, as the profile's spoofing asks.
@@ -120,6 +128,11 @@ public:
     void Process_ForgotPassword(int Index);
 
 private:
+    // The slot's attempt is still at the version check: its Battle.net
+    // connection is not open yet, and no try is planned.
+    static bool inBnlsStep(int Index);
+    void bnlsProtocolError(int Index, const QString& what);
+
     // The join gate: the last join printed, so a burst of rejoins shows once.
     QString LastJoinUser;
     quint32 LastJoinTick = 0;

@@ -8,6 +8,7 @@
 #include "platform/SocketControl.h"
 #include "platform/TickCount.h"
 #include "presentation/ChatWriter.h"
+#include "session/GuardedStep.h"
 #include "session/LogonRecord.h"
 
 #include <QMetaMethod>
@@ -56,18 +57,35 @@ int SlotTable::addSlot() {
 
 void SlotTable::wireSockets(Slot& s, int index) {
     ConnectionWrapper& c = s.bot.Connection;
-    connect(&s.bnet, &SocketControl::connected, this, [&c, index] { c.wsBNET_Connect(index); });
+    // A socket event that fails ends there, with a line; the slot hears the
+    // next one.
+    const auto guarded = [this, index](const char* what, auto step) {
+        return [this, index, what, step](auto&&... args) {
+            RunGuarded(
+                [&] { return bot(index).Profile() + QStringLiteral(" - ") + QLatin1String(what); },
+                [&] { step(args...); });
+        };
+    };
+    connect(&s.bnet, &SocketControl::connected, this,
+            guarded("connect to Battle.net", [&c, index] { c.wsBNET_Connect(index); }));
     connect(&s.bnet, &SocketControl::dataArrival, this,
-            [&c, index] { c.wsBNET_DataArrival(index); });
-    connect(&s.bnet, &SocketControl::closed, this, [&c, index] { c.wsBNET_Close(index); });
+            guarded("data from Battle.net", [&c, index](qint64) { c.wsBNET_DataArrival(index); }));
+    connect(&s.bnet, &SocketControl::closed, this,
+            guarded("close of Battle.net", [&c, index] { c.wsBNET_Close(index); }));
     connect(&s.bnet, &SocketControl::error, this,
-            [&c, index](int number, const QString& text) { c.wsBNET_Error(index, number, text); });
-    connect(&s.bnls, &SocketControl::connected, this, [&c, index] { c.wsBNLS_Connect(index); });
+            guarded("error of Battle.net", [&c, index](int number, const QString& text) {
+                c.wsBNET_Error(index, number, text);
+            }));
+    connect(&s.bnls, &SocketControl::connected, this,
+            guarded("connect to BNLS", [&c, index] { c.wsBNLS_Connect(index); }));
     connect(&s.bnls, &SocketControl::dataArrival, this,
-            [&c, index] { c.wsBNLS_DataArrival(index); });
-    connect(&s.bnls, &SocketControl::closed, this, [&c, index] { c.wsBNLS_Close(index); });
+            guarded("data from BNLS", [&c, index](qint64) { c.wsBNLS_DataArrival(index); }));
+    connect(&s.bnls, &SocketControl::closed, this,
+            guarded("close of BNLS", [&c, index] { c.wsBNLS_Close(index); }));
     connect(&s.bnls, &SocketControl::error, this,
-            [&c, index](int number, const QString& text) { c.wsBNLS_Error(index, number, text); });
+            guarded("error of BNLS", [&c, index](int number, const QString& text) {
+                c.wsBNLS_Error(index, number, text);
+            }));
 }
 
 SlotTable::Slot& SlotTable::slot(int index) {
@@ -143,7 +161,8 @@ int SlotTable::LoadProfile(const QString& Name) {
 
 int SlotTable::findProfile(const QString& Name) const {
     for (int i = 1; i <= highestIndex(); ++i) {
-        // A rename in other case leaves the store's spelling behind the slot's.
+        // Profile names are keys of the store, which knows no case; a rename
+        // in other case leaves the store's spelling behind the slot's.
         if (m_slots[size_t(i)]->bot.Profile().compare(Name, Qt::CaseInsensitive) == 0) return i;
     }
     return 0;
@@ -199,6 +218,8 @@ void SlotTable::connectTo(SocketControl& socket, const QString& server, quint16 
 
 void SlotTable::ConnectBot(int Index) {
     BotElement& b = bot(Index);
+    // A connect of the user's takes the place of a try that was waiting.
+    b.Reconnect.cancel();
     if (!b.Connection.ClearVariables(Index)) return;
     b.LastConnect = GetTickCount();
     if (SettingsWrapper::instance().LocalHashing() && CanHashLocally(b.Config.Client())) {

@@ -11,6 +11,7 @@ void StreamBuffer::append(const QByteArray& bytes) {
 void StreamBuffer::clear() {
     m_data.clear();
     m_head = 0;
+    afterStrayFrame = false;
     ++m_generation;
 }
 

@@ -21,6 +21,9 @@ public:
     // Set while a cutter walks this buffer, so that a data event that arrives
     // in the middle (a handler that lets events run) only appends.
     bool cutting = false;
+    // The last frame cut had no marker byte; a second one in a row means the
+    // stream is no longer on frame boundaries.
+    bool afterStrayFrame = false;
     // Moves on each clear, so a cutter can tell that its frame was thrown
     // away under it (a slot emptied from inside a handler).
     quint32 generation() const { return m_generation; }

@@ -28,6 +28,16 @@ private:
     StreamBuffer& m_in;
 };
 
+void protocolError(const Handlers& handlers, const QString& what) {
+    if (handlers.protocolError)
+        handlers.protocolError(what);
+}
+
+QString shortFrame(int length, int least) {
+    return QStringLiteral("a frame of length ") + QString::number(length) +
+           QStringLiteral(", below the least of ") + QString::number(least);
+}
+
 } // namespace
 
 void CutBNCS(StreamBuffer& in, const Handlers& handlers) {
@@ -37,13 +47,23 @@ void CutBNCS(StreamBuffer& in, const Handlers& handlers) {
     PacketReader reader;
     while (in.size() > 5) {
         const int length = in.at(2) | (in.at(3) << 8);
-        if (in.size() < length || length < 4)
+        if (length < 4) {
+            protocolError(handlers, shortFrame(length, 4));
             return;
+        }
+        if (in.size() < length)
+            return;
+        if (in.at(0) != 0xFF && in.afterStrayFrame) {
+            protocolError(handlers, QStringLiteral("frames without their marker, one after "
+                                                   "another: the frame boundaries are lost"));
+            return;
+        }
         reader.HandleBuffer(in.peek(length));
         const quint32 generation = in.generation();
         const quint8 marker = reader.ReadBYTE();
         const quint8 id = reader.ReadBYTE();
         reader.Skip(2);
+        in.afterStrayFrame = marker != 0xFF;
         if (marker != 0xFF) {
             if (handlers.badMarker)
                 handlers.badMarker(marker);
@@ -62,7 +82,11 @@ void CutBNLS(StreamBuffer& in, const Handlers& handlers) {
     PacketReader reader;
     while (in.size() > 4) {
         const int length = in.at(0) | (in.at(1) << 8);
-        if (in.size() < length || length < 3)
+        if (length < 3) {
+            protocolError(handlers, shortFrame(length, 3));
+            return;
+        }
+        if (in.size() < length)
             return;
         reader.HandleBuffer(in.peek(length));
         const quint32 generation = in.generation();

@@ -3,14 +3,19 @@
 #include "session/PacketReader.h"
 #include "session/StreamBuffer.h"
 
+#include <QString>
+
 #include <functional>
 
 // Cuts the byte streams of the two sockets into frames.
 //
-// A frame whose length field is below the minimum stops the cutting and stays
-// at the head: that stream is stuck until the slot is emptied, as the protocol
-// code has always behaved. A frame waits while the buffer holds too few bytes,
-// and a Battle.net frame of 4 or 5 bytes waits alone for the next data.
+// A frame whose length field is below the minimum, or a second frame in a row
+// without the Battle.net marker, means the stream has lost its frame
+// boundaries: nothing after it can be trusted, so the cutting stops there and
+// the protocol error is handed to the owner, who ends the connection. (Left
+// stuck, the slot would look online while it hears nothing more.) A frame
+// waits while the buffer holds too few bytes, and a Battle.net frame of 4 or 5
+// bytes waits alone for the next data.
 namespace streamcutter {
 
 // Handed the reader standing on the first payload byte, and the packet id.
@@ -23,10 +28,14 @@ using MalformedHandler = std::function<void(quint8 id, const char* what)>;
 // left at the head of the stream for the next event to find again.
 struct StopCutting {};
 
+// The stream cannot be cut any further; `what` tells why, in words for the user.
+using ProtocolErrorHandler = std::function<void(const QString& what)>;
+
 struct Handlers {
     FrameHandler frame;
     BadMarkerHandler badMarker;
     MalformedHandler malformed;
+    ProtocolErrorHandler protocolError;
 };
 
 void CutBNCS(StreamBuffer& in, const Handlers& handlers);

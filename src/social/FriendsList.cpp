@@ -139,7 +139,9 @@ bool isStalked(int Index, const QString& account) {
 void UpdateFriend(int Index, const FriendRecord& Friend) {
     ListModel& friends = lvFriends(Index);
     for (int i = friends.count(); i >= 1; --i) {
-        if (friends.item(i).tag == Friend.Account) friends.removeAt(i);
+        // Names are one account in any case, as the removal of a friend has it.
+        if (friends.item(i).tag.compare(Friend.Account, Qt::CaseInsensitive) == 0)
+            friends.removeAt(i);
     }
     ListItem item = ListItem::withText(Friend.Account);
     item.tag = Friend.Account;

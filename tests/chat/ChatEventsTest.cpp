@@ -1,3 +1,4 @@
+#include "chat/TimedEvents.h"
 #include "common/SlotFixture.h"
 #include "config/SettingsWrapper.h"
 #include "platform/ChatDocument.h"
@@ -158,4 +159,31 @@ TEST_F(ChatEventsTest, ABusyMomentOfDifferentUsersIsNoPurge) {
     Bots(slot).ShowDelayedEvent(slot);
     EXPECT_EQ(Bots(slot).DelayCount(), 0);
     EXPECT_FALSE(chat().contains(QStringLiteral("first words")));
+}
+
+TEST_F(ChatEventsTest, AFloodCostsTheOldestHeldEventsWithOneLineAndGivesItsMemoryBack) {
+    tickcount::ManualClock clock(100000);
+    SettingsWrapper::instance().setFloodMode(1000);
+    const int limit = BotElement::kHeldEventLimit;
+    for (int n = 0; n < 2 * limit; ++n)
+        event(5, QStringLiteral("flooder"), QStringLiteral("line %1").arg(n));
+    EXPECT_LE(Bots(slot).DelayCount(), limit);
+    EXPECT_EQ(Bots(slot).takeDroppedEvents(), 0) << "told once the flood is over";
+    // All that is shown, though the view empties itself when full.
+    QString shownText;
+    QObject::connect(&rtbChat(slot), &ChatDocument::changed, &rtbChat(slot),
+                     [&](int from) { shownText += rtbChat(slot).textFrom(from); });
+    clock.advance(1100);
+    TimedEvents& timers = TimedEvents::instance();
+    for (int tick = 0; tick < 1000 && Bots(slot).DelayCount() > 0; ++tick)
+        timers.delayedEventsTick();
+    timers.delayedEventsTick();
+    EXPECT_EQ(Bots(slot).DelayCount(), 0);
+    // The newest are shown, the oldest are not, and one line says how many went.
+    EXPECT_TRUE(shownText.contains(QStringLiteral("line %1\r\n").arg(2 * limit - 1)));
+    EXPECT_FALSE(shownText.contains(QStringLiteral("line 0\r\n")));
+    const int shown = int(shownText.count(QStringLiteral("flooder")));
+    EXPECT_EQ(shownText.count(QStringLiteral("Chat flood: dropped the ")), 1);
+    EXPECT_TRUE(shownText.contains(QStringLiteral("Chat flood: dropped the %1 oldest held events")
+                                       .arg(2 * limit - shown)));
 }

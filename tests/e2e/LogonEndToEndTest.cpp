@@ -157,6 +157,27 @@ TEST_F(LogonEndToEnd, AMissingAccountIsCreatedAndAWrongPasswordEndsTheSession) {
     }
 }
 
+TEST_F(LogonEndToEnd, AMixedCasePasswordMakesAnAccountThatLogsOnAgain) {
+    ASSERT_TRUE(startSandbox());
+    useLocalHashing(false);
+    // Every product of the old logon system: the account is made on the first
+    // logon and must take the same password on a second connection.
+    for (const Product& p : {kProducts[0], kProducts[1], kProducts[2], kProducts[3], kProducts[4]}) {
+        const QString account = QStringLiteral("Mixed") + QString::fromLatin1(p.client);
+        for (const int session : {1, 2}) {
+            const int i = load(p, account, QStringLiteral("PaSsWoRd-") + QString::fromLatin1(p.client));
+            SlotTable::instance().ConnectBot(i);
+            ASSERT_TRUE(waitFor([&] { return Bots(i).Online(); }))
+                << p.client << " session " << session << "\n"
+                << chat(i).toStdString();
+            EXPECT_EQ(chat(i).contains(QStringLiteral("[BNET] Successfully created account!")),
+                      session == 1)
+                << p.client;
+            SlotTable::instance().UnloadProfile(Bots(i).Profile());
+        }
+    }
+}
+
 TEST_F(LogonEndToEnd, VersionResultsShowTheirWordsForEachRoute) {
     struct Case {
         const char* result;

@@ -90,6 +90,22 @@ TEST_F(EventTemplatesTest, GroupTokenIsThePrefixAndABlank) {
               QStringLiteral("ann\r\n"));
 }
 
+TEST_F(EventTemplatesTest, AnAliasIsShownWhileTheColourAndGroupFollowThePlainName) {
+    CreateAlias(QStringLiteral("TheBoss"), {QStringLiteral("bob")});
+    CreateGroup(QStringLiteral("Ops"), {QStringLiteral("Bob")}, 0x123456, QStringLiteral("[op]"));
+    view().clear();
+    ParseOutput(m_slot, view(), QStringLiteral("#A%group<%user>"),
+                EventUser::fromRaw(QStringLiteral("Hero*bob")));
+    EXPECT_EQ(runs(), (Runs{{0x123456, "[op] <TheBoss>"}}));
+
+    // Blocked and Yourself too are matters of the plain name.
+    CurrentTheme().userInChat.Blocked = 0xB10C;
+    AddBlock(QStringLiteral("bob"));
+    view().clear();
+    ParseOutput(m_slot, view(), QStringLiteral("#A%user"), EventUser::fromRaw(QStringLiteral("bob")));
+    EXPECT_EQ(runs(), (Runs{{0xB10C, "TheBoss"}}));
+}
+
 TEST_F(EventTemplatesTest, DefaultTemplatesOfTheTheme) {
     const ChatEventTemplates& e = CurrentTheme().events;
     EXPECT_EQ(print(e.join, QStringLiteral("bob"), QString(), 120, 0),

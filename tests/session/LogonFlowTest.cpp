@@ -171,6 +171,20 @@ TEST_F(LogonFlowTest, ServerRefusalsEndInTheirLineAndNoRetry) {
     EXPECT_EQ(wsBNET(i).State(), SocketControl::Closed);
 }
 
+TEST_F(LogonFlowTest, AServerKeyOfZeroModuloNGetsNoProof) {
+    const int i = loadProfile(QStringLiteral("WAR3"), true);
+    SlotTable::instance().ConnectBot(i);
+    wsBNET(i).simulateConnected();
+    Bots(i).Connection.Output_AuthLogon_NLS(i);
+    serverSends(i, 0x53, dword(0) + QByteArray(64, '\0')); // salt, then B = 0
+    const std::vector<int> ids = frameIds(wsBNET(i), false);
+    EXPECT_EQ(std::count(ids.begin(), ids.end(), 0x54), 0);
+    EXPECT_TRUE(chat(i).contains(QStringLiteral("[BNET] The server's logon challenge is unusable "
+                                                "(its key is 0 modulo N); no password proof was "
+                                                "sent.")));
+    EXPECT_FALSE(Bots(i).CanConnect);
+}
+
 TEST_F(LogonFlowTest, AMissingAccountIsCreatedThenLogsOnAgain) {
     const int i = loadProfile(QStringLiteral("STAR"), false);
     SlotTable::instance().ConnectBot(i);
@@ -203,8 +217,9 @@ TEST_F(LogonFlowTest, PingSpoofSendsItsExactCounts) {
         const qsizetype before = wsBNET(i).sent.size();
         serverSends(i, 0x25, dword(0xDEAD));
         EXPECT_EQ(wsBNET(i).sent.size() - before, c.answers) << c.spoof;
+        // The answer carries the server's value back, as game clients do.
         if (c.answers) {
-            EXPECT_EQ(wsBNET(i).sent.last(), PacketWriter::frameBNCS(0x25, dword(0)));
+            EXPECT_EQ(wsBNET(i).sent.last(), PacketWriter::frameBNCS(0x25, dword(0xDEAD)));
         }
         SlotTable::instance().UnloadProfile(Bots(i).Profile());
     }

@@ -26,12 +26,14 @@ public:
                         onFrame(r, id);
                 },
                 [this](quint8 marker) { badMarkers.push_back(marker); },
-                [this](quint8 id, const char*) { malformed.push_back(id); }};
+                [this](quint8 id, const char*) { malformed.push_back(id); },
+                [this](const QString& what) { protocolErrors.push_back(what); }};
     }
     StreamBuffer in;
     std::vector<Seen> frames;
     std::vector<quint8> badMarkers;
     std::vector<quint8> malformed;
+    std::vector<QString> protocolErrors;
     std::function<void(PacketReader&, quint8)> onFrame;
 };
 
@@ -87,18 +89,26 @@ TEST(BncsCutter, ABadMarkerCostsOneLineAndExactlyItsOwnLength) {
     EXPECT_EQ(s.frames[0].id, 0x25);
 }
 
-TEST(BncsCutter, ALengthBelowFourSticksTheStreamSilently) {
+TEST(BncsCutter, ALengthBelowFourOrLostBoundariesAreAProtocolError) {
     for (int length = 0; length < 4; ++length) {
         BncsStream s;
         QByteArray stuck("\xff\x0f", 2);
         stuck += char(length);
         stuck += '\0';
         s.feed(stuck + bncs(0x25, "abcd"));
-        s.feed(bncs(0x25, "abcd"));
         EXPECT_TRUE(s.frames.empty()) << length;
         EXPECT_TRUE(s.badMarkers.empty());
-        EXPECT_EQ(s.in.size(), 4 + 16) << length;
+        ASSERT_EQ(s.protocolErrors.size(), 1u) << length;
+        EXPECT_TRUE(s.protocolErrors[0].contains(QStringLiteral("length %1,").arg(length)));
     }
+    // One stray frame is skipped; a second in a row means the boundaries are gone.
+    BncsStream s;
+    QByteArray stray = bncs(0x0F, "abcdef");
+    stray[0] = char(0xFE);
+    s.feed(stray + stray + bncs(0x25, "wxyz"));
+    EXPECT_EQ(s.badMarkers.size(), 1u);
+    ASSERT_EQ(s.protocolErrors.size(), 1u);
+    EXPECT_TRUE(s.frames.empty());
 }
 
 TEST(BncsCutter, AHandlerThatReadsPastItsFrameDropsOnlyThatFrame) {
@@ -145,7 +155,7 @@ TEST(BnlsCutter, CutsFramesWithTheLengthInFrontAndTheIdBehind) {
     StreamBuffer in;
     std::vector<Seen> frames;
     streamcutter::Handlers h{[&](PacketReader& r, quint8 id) { frames.push_back({id, r.ReadRemains()}); },
-                             {}, {}};
+                             {}, {}, {}};
     const QByteArray a = PacketWriter::frameBNLS(0x1A, "\x01\x02");
     const QByteArray b = PacketWriter::frameBNLS(0x09, "\x03\x04\x05");
     in.append(a + b.left(4));
@@ -158,16 +168,19 @@ TEST(BnlsCutter, CutsFramesWithTheLengthInFrontAndTheIdBehind) {
     ASSERT_EQ(frames.size(), 2u);
     EXPECT_EQ(frames[1].payload, QByteArray("\x03\x04\x05"));
 
-    // A four-byte frame waits; a length below three sticks the stream.
+    // A four-byte frame waits; a length below three is a protocol error.
     in.append(PacketWriter::frameBNLS(0x0E, "x"));
     streamcutter::CutBNLS(in, h);
     EXPECT_EQ(frames.size(), 2u);
+    int errors = 0;
+    h.protocolError = [&](const QString&) { ++errors; };
     in.append(QByteArray("\x02\x00\x10", 3));
     streamcutter::CutBNLS(in, h);
     EXPECT_EQ(frames.size(), 3u);
     in.append(PacketWriter::frameBNLS(0x0E, "more"));
     streamcutter::CutBNLS(in, h);
     EXPECT_EQ(frames.size(), 3u);
+    EXPECT_EQ(errors, 1);
 }
 
 TEST(StreamBuffer, ManyFramesThroughOneBufferKeepItSmall) {

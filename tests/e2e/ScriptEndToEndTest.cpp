@@ -98,7 +98,7 @@ protected:
 };
 
 TEST_F(ScriptEndToEnd, TheObjectsAnswerAScriptAndRefuseASlotWithoutAProfile) {
-    const int i = SlotTable::instance().LoadProfile(QStringLiteral("Keeper"));
+    const int i = SlotTable::instance().LoadProfile(QStringLiteral("Prober"));
     JavaScriptObject script(JavaScriptObject::MissingIsSilent);
     script.installGlobals(new objPlugin(&PluginMainForm::instance()));
     script.load(QStringLiteral(R"(
@@ -111,7 +111,7 @@ TEST_F(ScriptEndToEnd, TheObjectsAnswerAScriptAndRefuseASlotWithoutAProfile) {
                 QStringLiteral("probe.js"));
     QVariantList args{i};
     EXPECT_EQ(script.call(QStringLiteral("probe"), args).toString(),
-              QStringLiteral(".||false|Keeper|0||undefined|0"));
+              QStringLiteral(".||false|Prober|0||undefined|0"));
     EXPECT_TRUE(console().contains(QStringLiteral("probing")));
     EXPECT_TRUE(console().contains(
         QStringLiteral("Error -> GetChannel(BotIndex: 99) - raised error no profile is loaded in "

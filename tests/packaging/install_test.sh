@@ -64,9 +64,10 @@ ls "$home"/.config/Ostrelund/Corvantide/Logs/Quiet*.txt >/dev/null 2>&1 ||
 
 (cd "$build" && cpack -G DEB -B "$work/package" >/dev/null)
 contents=$(dpkg-deb -c "$work"/package/corvantide_*.deb)
-for file in usr/bin/corvantide usr/share/applications/net.ostrelund.Corvantide.desktop \
-    usr/share/man/man1/corvantide.1.gz usr/lib/systemd/user/corvantide-headless@.service; do
-    grep -q "\./$file\$" <<<"$contents" || fail "the package lacks $file"
+# Under the prefix the build was configured with (scripts/package.sh: /usr).
+for file in bin/corvantide share/applications/net.ostrelund.Corvantide.desktop \
+    share/man/man1/corvantide.1.gz lib/systemd/user/corvantide-headless@.service; do
+    grep -q "\./usr/\(local/\)\?$file\$" <<<"$contents" || fail "the package lacks $file"
 done
 depends=$(dpkg-deb -f "$work"/package/corvantide_*.deb Depends)
 grep -q libqt6widgets6 <<<"$depends" || fail "dependencies not worked out: $depends"

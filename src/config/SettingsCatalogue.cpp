@@ -103,6 +103,13 @@ const QList<Entry>* valuesOf(const QStringList& parts) {
     return nullptr;
 }
 
+const Entry* findIn(const QList<Entry>& values, const QString& valueName) {
+    for (const Entry& entry : values) {
+        if (entry.valueName.compare(valueName, Qt::CaseInsensitive) == 0) return &entry;
+    }
+    return nullptr;
+}
+
 } // namespace
 
 const QList<Entry>& SettingsCatalogue::ProfileValues() {
@@ -117,18 +124,9 @@ const QList<Entry>& SettingsCatalogue::ProgramValues() {
 
 const Entry* SettingsCatalogue::Find(const QString& keyBelowRoot, const QString& valueName) {
     const QList<Entry>* values = valuesOf(keyBelowRoot.split(u'\\', Qt::SkipEmptyParts));
-    if (!values) return nullptr;
-    for (const Entry& entry : *values) {
-        if (entry.valueName.compare(valueName, Qt::CaseInsensitive) == 0) return &entry;
-    }
-    return nullptr;
+    return values ? findIn(*values, valueName) : nullptr;
 }
 
-QString SettingsCatalogue::typeName(Type type) {
-    switch (type) {
-    case Type::String: return QStringLiteral("text");
-    case Type::Dword: return QStringLiteral("number");
-    case Type::Boolean: return QStringLiteral("on/off");
-    }
-    return {};
+const Entry* SettingsCatalogue::FindProfileValue(const QString& valueName) {
+    return findIn(ProfileValues(), valueName);
 }

@@ -29,6 +29,6 @@ public:
     // "Settings", "Profiles\Main" or "Databases\Main\alice"), the value name
     // compared case-blind; null when the catalogue does not know it.
     static const Entry* Find(const QString& keyBelowRoot, const QString& valueName);
-
-    static QString typeName(Type type);
+    // A value of a profile's key, compared case-blind; null when none.
+    static const Entry* FindProfileValue(const QString& valueName);
 };

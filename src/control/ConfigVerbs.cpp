@@ -12,10 +12,6 @@ namespace {
 using Entry = SettingsCatalogue::Entry;
 using Type = SettingsCatalogue::Type;
 
-QString quoted(const QString& text) {
-    return u'\'' + text + u'\'';
-}
-
 // A key as typed, with the full path the store takes and the part below the
 // program's root that the catalogue knows keys by.
 struct Key {
@@ -40,7 +36,7 @@ Key resolve(QString typed) {
 }
 
 VerbResult noSuchKey(const Key& key) {
-    return VerbResult::refused(QStringLiteral("No key ") + quoted(key.full) +
+    return VerbResult::refused(QStringLiteral("No key ") + Quoted(key.full) +
                                QStringLiteral(" in the settings."));
 }
 
@@ -70,8 +66,8 @@ VerbResult get(const Key& key, const QString& valueName) {
         if (TypedValue::Read(key.full, valueName, text)) return VerbResult::done(text);
         if (const Entry* entry = SettingsCatalogue::Find(key.belowRoot, valueName))
             return VerbResult::done(entry->defaultText);
-        return VerbResult::refused(QStringLiteral("No value ") + quoted(valueName) +
-                                   QStringLiteral(" in ") + quoted(key.full) + u'.');
+        return VerbResult::refused(QStringLiteral("No value ") + Quoted(valueName) +
+                                   QStringLiteral(" in ") + Quoted(key.full) + u'.');
     }
     QStringList names;
     QStringList values;
@@ -81,7 +77,7 @@ VerbResult get(const Key& key, const QString& valueName) {
         if (!names[i].isEmpty() || !values[i].isEmpty())
             lines.append(names[i] + QStringLiteral(" = ") + values[i]);
     }
-    if (lines.isEmpty()) return VerbResult::done(quoted(key.full) + QStringLiteral(" holds no values."));
+    if (lines.isEmpty()) return VerbResult::done(Quoted(key.full) + QStringLiteral(" holds no values."));
     return VerbResult::done(lines.join(u'\n'));
 }
 
@@ -121,7 +117,7 @@ VerbResult set(const Key& key, const QString& valueName, const QString& text, QS
     Type type = Type::String;
     if (!typeOf(key, valueName, option, type))
         return VerbResult::refused(QStringLiteral("The settings do not know the value ") +
-                                   quoted(valueName) + QStringLiteral(" of ") + quoted(key.full) +
+                                   Quoted(valueName) + QStringLiteral(" of ") + Quoted(key.full) +
                                    QStringLiteral("; say its type: config set KEY NAME VALUE "
                                                   "--text or --number"));
     // Start with the session is an autostart entry of the desktop, not a value.
@@ -140,7 +136,7 @@ VerbResult set(const Key& key, const QString& valueName, const QString& text, QS
     QString stored;
     TypedValue::Read(key.full, valueName, stored);
     return VerbResult::done(QStringLiteral("Set ") + valueName + QStringLiteral(" of ") +
-                            quoted(key.full) + QStringLiteral(" to ") + quoted(stored) + u'.');
+                            Quoted(key.full) + QStringLiteral(" to ") + Quoted(stored) + u'.');
 }
 
 VerbResult list(const Key& key) {
@@ -150,7 +146,7 @@ VerbResult list(const Key& key) {
     store.EnumKeys(key.full, names);
     names.removeAll(QString());
     if (names.isEmpty())
-        return VerbResult::done(quoted(key.full) + QStringLiteral(" has no subkeys."));
+        return VerbResult::done(Quoted(key.full) + QStringLiteral(" has no subkeys."));
     return VerbResult::done(names.join(u'\n'));
 }
 
@@ -159,26 +155,26 @@ VerbResult remove(const Key& key, const QString& valueName) {
     if (!store.KeyExists(key.full)) return noSuchKey(key);
     if (!valueName.isNull()) {
         if (!store.ValueExists(key.full, valueName))
-            return VerbResult::refused(QStringLiteral("No value ") + quoted(valueName) +
-                                       QStringLiteral(" in ") + quoted(key.full) + u'.');
+            return VerbResult::refused(QStringLiteral("No value ") + Quoted(valueName) +
+                                       QStringLiteral(" in ") + Quoted(key.full) + u'.');
         if (store.KillValue(key.full, valueName) == 0 || store.ValueExists(key.full, valueName))
-            return VerbResult::refused(QStringLiteral("Could not delete ") + quoted(valueName) +
+            return VerbResult::refused(QStringLiteral("Could not delete ") + Quoted(valueName) +
                                        QStringLiteral(": the settings store refused the write."));
         announce(key, valueName);
         return VerbResult::done(QStringLiteral("Deleted ") + valueName + QStringLiteral(" of ") +
-                                quoted(key.full) + u'.');
+                                Quoted(key.full) + u'.');
     }
     if (key.belowRoot.isEmpty())
         return VerbResult::refused(QStringLiteral("The settings' root key is not deleted."));
     if (store.HaveSubkey(key.full))
-        return VerbResult::refused(quoted(key.full) +
+        return VerbResult::refused(Quoted(key.full) +
                                    QStringLiteral(" has subkeys; delete them first."));
     store.KillKey(key.full);
     if (store.KeyExists(key.full))
-        return VerbResult::refused(QStringLiteral("Could not delete ") + quoted(key.full) +
+        return VerbResult::refused(QStringLiteral("Could not delete ") + Quoted(key.full) +
                                    QStringLiteral(": the settings store refused the write."));
     announce(key, QString());
-    return VerbResult::done(QStringLiteral("Deleted ") + quoted(key.full) + u'.');
+    return VerbResult::done(QStringLiteral("Deleted ") + Quoted(key.full) + u'.');
 }
 
 } // namespace

@@ -5,10 +5,6 @@
 
 namespace {
 
-QString quoted(const QString& text) {
-    return u'\'' + text + u'\'';
-}
-
 VerbResult answer(const ManageOutcome& outcome, const QString& done) {
     return outcome.ok ? VerbResult::done(done) : VerbResult::refused(outcome.warning);
 }
@@ -28,7 +24,7 @@ VerbResult list(const QStringList& args) {
     QStringList lines;
     for (const DatabaseUser& user : DatabaseManager::ListUsers(stored))
         lines.append(user.name + u'\t' + QString::number(user.rank));
-    if (lines.isEmpty()) return VerbResult::done(quoted(stored) + QStringLiteral(" has no users."));
+    if (lines.isEmpty()) return VerbResult::done(Quoted(stored) + QStringLiteral(" has no users."));
     return VerbResult::done(lines.join(u'\n'));
 }
 
@@ -36,9 +32,9 @@ VerbResult create(const QString& name) {
     const ManageOutcome outcome = DatabaseManager::CreateDatabase(name);
     if (outcome.existed)
         return VerbResult::refused(QStringLiteral("A database named ") +
-                                   quoted(DatabaseManager::FindDatabase(name)) +
+                                   Quoted(DatabaseManager::FindDatabase(name)) +
                                    QStringLiteral(" already exists."));
-    return answer(outcome, QStringLiteral("Created database ") + quoted(name) +
+    return answer(outcome, QStringLiteral("Created database ") + Quoted(name) +
                                QStringLiteral("; bind it with: corvantide database bind ") +
                                name + QStringLiteral(" PROFILE"));
 }
@@ -50,18 +46,18 @@ VerbResult addUser(const QString& database, const QString& user, const QString& 
     const ManageOutcome outcome =
         DatabaseManager::SetUserRank(stored.isEmpty() ? database : stored, user, ok ? rank : 0);
     return answer(outcome, QStringLiteral("Gave ") + user + QStringLiteral(" rank ") +
-                               QString::number(rank) + QStringLiteral(" in ") + quoted(stored) +
+                               QString::number(rank) + QStringLiteral(" in ") + Quoted(stored) +
                                u'.');
 }
 
 VerbResult bind(const QString& database, const QString& profile) {
     const ManageOutcome outcome = DatabaseManager::BindDatabase(profile, database);
     if (database.isEmpty())
-        return answer(outcome, quoted(profile) + QStringLiteral(" uses no database now."));
+        return answer(outcome, Quoted(profile) + QStringLiteral(" uses no database now."));
     return answer(outcome, QStringLiteral("Bound database ") +
-                               quoted(DatabaseManager::FindDatabase(database)) +
+                               Quoted(DatabaseManager::FindDatabase(database)) +
                                QStringLiteral(" to profile ") +
-                               quoted(ProfileLifecycle::FindProfile(profile)) + u'.');
+                               Quoted(ProfileLifecycle::FindProfile(profile)) + u'.');
 }
 
 } // namespace
@@ -84,12 +80,12 @@ VerbResult RunDatabaseVerb(const QStringList& args) {
     if (verb == u"new" && n == 2) return create(args[1]);
     if (verb == u"delete" && n == 2)
         return answer(DatabaseManager::DeleteDatabase(args[1]),
-                      QStringLiteral("Deleted database ") + quoted(args[1]) + u'.');
+                      QStringLiteral("Deleted database ") + Quoted(args[1]) + u'.');
     if (verb == u"add" && n == 4) return addUser(args[1], args[2], args[3]);
     if (verb == u"remove" && n == 3)
         return answer(DatabaseManager::DeleteUser(args[1], args[2]),
                       QStringLiteral("Removed ") + args[2] + QStringLiteral(" from ") +
-                          quoted(args[1]) + u'.');
+                          Quoted(args[1]) + u'.');
     if (verb == u"bind" && n == 3) return bind(args[1], args[2]);
     if (verb == u"unbind" && n == 2) return bind(QString(), args[1]);
     return VerbResult::usage(QStringLiteral("database list|new|delete|add|remove|bind|unbind "

@@ -16,12 +16,8 @@ QStringList productCodes() {
     return codes;
 }
 
-QString quoted(const QString& text) {
-    return u'\'' + text + u'\'';
-}
-
 VerbResult noSuchProfile(const QString& name) {
-    return VerbResult::refused(QStringLiteral("No profile named ") + quoted(name) +
+    return VerbResult::refused(QStringLiteral("No profile named ") + Quoted(name) +
                                QStringLiteral("; `corvantide profile list` shows them."));
 }
 
@@ -48,7 +44,7 @@ VerbResult list() {
 VerbResult show(const QString& name) {
     const QString stored = ProfileLifecycle::FindProfile(name);
     if (stored.isEmpty()) return noSuchProfile(name);
-    QStringList lines{QStringLiteral("Profile ") + quoted(stored)};
+    QStringList lines{QStringLiteral("Profile ") + Quoted(stored)};
     for (const Entry& entry : SettingsCatalogue::ProfileValues()) {
         bool isDefault = false;
         QString text = valueOrDefault(stored, entry, &isDefault);
@@ -64,10 +60,10 @@ VerbResult create(const QString& name) {
     const ProfileOutcome outcome = ProfileLifecycle::CreateProfile(name);
     if (outcome.existed)
         return VerbResult::refused(QStringLiteral("A profile named ") +
-                                   quoted(ProfileLifecycle::FindProfile(name)) +
+                                   Quoted(ProfileLifecycle::FindProfile(name)) +
                                    QStringLiteral(" already exists."));
     if (!outcome.ok) return VerbResult::refused(outcome.warning);
-    return VerbResult::done(QStringLiteral("Created profile ") + quoted(name) +
+    return VerbResult::done(QStringLiteral("Created profile ") + Quoted(name) +
                             QStringLiteral("; give it values with: corvantide profile set ") +
                             name + QStringLiteral(" KEY VALUE"));
 }
@@ -81,7 +77,7 @@ VerbResult copyOrRename(const QString& verb, const QString& from, const QString&
     if (!outcome.ok) return VerbResult::refused(outcome.warning);
     return VerbResult::done((clone ? QStringLiteral("Cloned profile ")
                                    : QStringLiteral("Renamed profile ")) +
-                            quoted(stored) + QStringLiteral(" to ") + quoted(to) + u'.');
+                            Quoted(stored) + QStringLiteral(" to ") + Quoted(to) + u'.');
 }
 
 VerbResult remove(const QString& name) {
@@ -89,18 +85,14 @@ VerbResult remove(const QString& name) {
     if (stored.isEmpty()) return noSuchProfile(name);
     const ProfileOutcome outcome = ProfileLifecycle::DeleteProfile(stored);
     if (!outcome.ok) return VerbResult::refused(outcome.warning);
-    return VerbResult::done(QStringLiteral("Deleted profile ") + quoted(stored) + u'.');
-}
-
-const Entry* findValue(const QString& valueName) {
-    return SettingsCatalogue::Find(QStringLiteral("Profiles\\x"), valueName);
+    return VerbResult::done(QStringLiteral("Deleted profile ") + Quoted(stored) + u'.');
 }
 
 VerbResult unknownValue(const QString& valueName) {
     QStringList names;
     for (const Entry& entry : SettingsCatalogue::ProfileValues())
         names.append(entry.valueName);
-    return VerbResult::refused(QStringLiteral("A profile has no value ") + quoted(valueName) +
+    return VerbResult::refused(QStringLiteral("A profile has no value ") + Quoted(valueName) +
                                QStringLiteral("; it has: ") + names.join(QStringLiteral(", ")) +
                                u'.');
 }
@@ -123,23 +115,23 @@ bool productCode(const QString& typed, QString& code) {
 VerbResult set(const QString& name, const QString& valueName, QString text) {
     const QString stored = ProfileLifecycle::FindProfile(name);
     if (stored.isEmpty()) return noSuchProfile(name);
-    const Entry* entry = findValue(valueName);
+    const Entry* entry = SettingsCatalogue::FindProfileValue(valueName);
     if (!entry) return unknownValue(valueName);
     if (entry->valueName == u"Product" && !productCode(text, text))
         return VerbResult::refused(QStringLiteral("Product takes one of ") +
                                    productCodes().join(QStringLiteral(", ")) +
-                                   QStringLiteral(", not ") + quoted(text) + u'.');
+                                   QStringLiteral(", not ") + Quoted(text) + u'.');
     VerbResult written = TypedValue::Write(keyOf(stored), entry->valueName, entry->type, text);
     if (written.status != 0) return written;
     return VerbResult::done(QStringLiteral("Set ") + entry->valueName + QStringLiteral(" of ") +
-                            quoted(stored) + QStringLiteral(" to ") +
-                            quoted(valueOrDefault(stored, *entry)) + u'.');
+                            Quoted(stored) + QStringLiteral(" to ") +
+                            Quoted(valueOrDefault(stored, *entry)) + u'.');
 }
 
 VerbResult get(const QString& name, const QString& valueName) {
     const QString stored = ProfileLifecycle::FindProfile(name);
     if (stored.isEmpty()) return noSuchProfile(name);
-    const Entry* entry = findValue(valueName);
+    const Entry* entry = SettingsCatalogue::FindProfileValue(valueName);
     if (!entry) return unknownValue(valueName);
     return VerbResult::done(valueOrDefault(stored, *entry));
 }

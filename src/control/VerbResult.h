@@ -16,3 +16,8 @@ struct VerbResult {
         return {2, {}, QStringLiteral("usage: corvantide ") + line + u'\n'};
     }
 };
+
+// A name as the verbs' lines show it: 'Main'.
+inline QString Quoted(const QString& text) {
+    return u'\'' + text + u'\'';
+}

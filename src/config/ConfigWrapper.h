@@ -1,5 +1,7 @@
 #pragma once
 
+#include "config/SettingsCatalogue.h"
+
 #include <QString>
 
 class RegistryWrapper;
@@ -17,16 +19,20 @@ public:
 
     QString Profile;
 
-#define CORVANTIDE_STRING_PROPERTY(Name, ValueName, Default)                                       \
+// Defaults come from the settings catalogue, looked up once per property.
+#define CORVANTIDE_STRING_PROPERTY(Name, ValueName)                                                \
     QString Name() const {                                                                         \
-        return readString(QStringLiteral(ValueName), QStringLiteral(Default));                     \
+        static const QString fallback = SettingsCatalogue::ProfileDefault(QStringLiteral(ValueName)); \
+        return readString(QStringLiteral(ValueName), fallback);                                    \
     }                                                                                              \
     bool set##Name(const QString& value) {                                                         \
         return writeString(QStringLiteral(ValueName), value);                                      \
     }
-#define CORVANTIDE_DWORD_PROPERTY(Name, ValueName, Default)                                        \
+#define CORVANTIDE_DWORD_PROPERTY(Name, ValueName)                                                 \
     qint32 Name() const {                                                                          \
-        return readDword(QStringLiteral(ValueName), Default);                                      \
+        static const qint32 fallback =                                                             \
+            SettingsCatalogue::ProfileDefault(QStringLiteral(ValueName)).toInt();                  \
+        return readDword(QStringLiteral(ValueName), fallback);                                     \
     }                                                                                              \
     bool set##Name(qint32 value) {                                                                 \
         return writeDword(QStringLiteral(ValueName), value);                                       \
@@ -39,27 +45,27 @@ public:
         return writeDword(QStringLiteral(ValueName), on ? 1 : 0);                                  \
     }
 
-    CORVANTIDE_STRING_PROPERTY(Account, "Account", "")
-    CORVANTIDE_STRING_PROPERTY(Password, "Password", "")
-    CORVANTIDE_STRING_PROPERTY(Email, "EmailAddress", "")
+    CORVANTIDE_STRING_PROPERTY(Account, "Account")
+    CORVANTIDE_STRING_PROPERTY(Password, "Password")
+    CORVANTIDE_STRING_PROPERTY(Email, "EmailAddress")
     // One of "STAR", "SEXP", "D2DV", "D2XP", "W2BN", "WAR3", "W3XP".
-    CORVANTIDE_STRING_PROPERTY(Client, "Product", "")
-    CORVANTIDE_STRING_PROPERTY(Verbyte, "Verbyte", "")
-    CORVANTIDE_STRING_PROPERTY(Cdkey, "Cdkey1", "")
-    CORVANTIDE_STRING_PROPERTY(Cdkey2, "Cdkey2", "")
-    CORVANTIDE_STRING_PROPERTY(Owner, "Owner", "Corvantide")
-    CORVANTIDE_STRING_PROPERTY(Server, "Server", "")
-    CORVANTIDE_STRING_PROPERTY(ServerBNLS, "ServerBNLS", "")
-    CORVANTIDE_STRING_PROPERTY(Channel, "Channel", "")
-    CORVANTIDE_STRING_PROPERTY(Trigger, "Trigger", ".")
-    CORVANTIDE_STRING_PROPERTY(IdleMsg, "IdleMsg", "")
-    CORVANTIDE_DWORD_PROPERTY(IdleTime, "IdleTime", 1)
+    CORVANTIDE_STRING_PROPERTY(Client, "Product")
+    CORVANTIDE_STRING_PROPERTY(Verbyte, "Verbyte")
+    CORVANTIDE_STRING_PROPERTY(Cdkey, "Cdkey1")
+    CORVANTIDE_STRING_PROPERTY(Cdkey2, "Cdkey2")
+    CORVANTIDE_STRING_PROPERTY(Owner, "Owner")
+    CORVANTIDE_STRING_PROPERTY(Server, "Server")
+    CORVANTIDE_STRING_PROPERTY(ServerBNLS, "ServerBNLS")
+    CORVANTIDE_STRING_PROPERTY(Channel, "Channel")
+    CORVANTIDE_STRING_PROPERTY(Trigger, "Trigger")
+    CORVANTIDE_STRING_PROPERTY(IdleMsg, "IdleMsg")
+    CORVANTIDE_DWORD_PROPERTY(IdleTime, "IdleTime")
     // 0 normal, 1 negative, 2 zero, 3 below normal, 4 above normal.
-    CORVANTIDE_DWORD_PROPERTY(PingSpoof, "PingSpoof", 0)
+    CORVANTIDE_DWORD_PROPERTY(PingSpoof, "PingSpoof")
     CORVANTIDE_BOOL_PROPERTY(LagPlug, "LagPlug")
     CORVANTIDE_BOOL_PROPERTY(StartupLoad, "Load at Startup")
     CORVANTIDE_BOOL_PROPERTY(Stalk, "Stalk")
-    CORVANTIDE_STRING_PROPERTY(Stalker, "Stalker", "")
+    CORVANTIDE_STRING_PROPERTY(Stalker, "Stalker")
 
 #undef CORVANTIDE_STRING_PROPERTY
 #undef CORVANTIDE_DWORD_PROPERTY

@@ -29,6 +29,11 @@ public:
     // "Settings", "Profiles\Main" or "Databases\Main\alice"), the value name
     // compared case-blind; null when the catalogue does not know it.
     static const Entry* Find(const QString& keyBelowRoot, const QString& valueName);
+    // The defaults the wrappers read with: the catalogue is the one place
+    // they are written down. Empty for a value it does not know.
+    static QString ProgramDefault(const QString& valueName);
+    static QString ProfileDefault(const QString& valueName);
+
     // A value of a profile's key, compared case-blind; null when none.
     static const Entry* FindProfileValue(const QString& valueName);
 };

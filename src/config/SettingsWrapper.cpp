@@ -184,9 +184,12 @@ bool SettingsWrapper::writeString(const QString& valueName, const QString& value
     return announce(property.isEmpty() ? valueName : property, saved, store_.lastError());
 }
 
+// Read for every chat event: the default is looked up once.
 qint32 SettingsWrapper::FloodMode() const {
-    const qint32 stored = readDword(QStringLiteral("FloodMode"), 1000);
-    return isOneOf(stored, {0, 500, 1000, 2000}) ? stored : 1000;
+    static const qint32 fallback =
+        SettingsCatalogue::ProgramDefault(QStringLiteral("FloodMode")).toInt();
+    const qint32 stored = readDword(QStringLiteral("FloodMode"), fallback);
+    return isOneOf(stored, {0, 500, 1000, 2000}) ? stored : fallback;
 }
 
 bool SettingsWrapper::setFloodMode(qint32 milliseconds) {
@@ -194,8 +197,10 @@ bool SettingsWrapper::setFloodMode(qint32 milliseconds) {
 }
 
 qint32 SettingsWrapper::Transparency() const {
-    const qint32 stored = readDword(QStringLiteral("Transparency"), 100);
-    return isOneOf(stored, {20, 40, 60, 80, 100}) ? stored : 100;
+    static const qint32 fallback =
+        SettingsCatalogue::ProgramDefault(QStringLiteral("Transparency")).toInt();
+    const qint32 stored = readDword(QStringLiteral("Transparency"), fallback);
+    return isOneOf(stored, {20, 40, 60, 80, 100}) ? stored : fallback;
 }
 
 bool SettingsWrapper::setTransparency(qint32 percent) {
@@ -203,8 +208,8 @@ bool SettingsWrapper::setTransparency(qint32 percent) {
                       isOneOf(percent, {20, 40, 60, 80, 100}) ? percent : 100);
 }
 
-QString SettingsWrapper::readFont(const QString& valueName, const QString& defaultValue,
-                                  bool* fellBack) const {
+QString SettingsWrapper::readFont(const QString& valueName, bool* fellBack) const {
+    const QString defaultValue = SettingsCatalogue::ProgramDefault(valueName);
     const QString stored = readString(valueName, defaultValue);
     const bool installed = fonts_.isEmpty() || fonts_.contains(stored.toLower());
     if (fellBack) *fellBack = !installed;
@@ -213,7 +218,7 @@ QString SettingsWrapper::readFont(const QString& valueName, const QString& defau
 
 QString SettingsWrapper::ChatFont() const {
     bool fellBack = false;
-    const QString family = readFont(QStringLiteral("ChatFont"), QStringLiteral("Arial"), &fellBack);
+    const QString family = readFont(QStringLiteral("ChatFont"), &fellBack);
     // The views had the missing font: they get the default with its size again.
     if (fellBack) Q_EMIT settingChanged(QStringLiteral("ChatSize"));
     return family;
@@ -224,7 +229,7 @@ bool SettingsWrapper::setChatFont(const QString& family) {
 }
 
 QString SettingsWrapper::TextFont() const {
-    return readFont(QStringLiteral("TextFont"), QStringLiteral("Tahoma"));
+    return readFont(QStringLiteral("TextFont"));
 }
 
 bool SettingsWrapper::setTextFont(const QString& family) {
@@ -232,7 +237,7 @@ bool SettingsWrapper::setTextFont(const QString& family) {
 }
 
 QString SettingsWrapper::ListFont() const {
-    return readFont(QStringLiteral("ListFont"), QStringLiteral("Tahoma"));
+    return readFont(QStringLiteral("ListFont"));
 }
 
 bool SettingsWrapper::setListFont(const QString& family) {

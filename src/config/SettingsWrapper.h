@@ -1,5 +1,7 @@
 #pragma once
 
+#include "config/SettingsCatalogue.h"
+
 #include <QObject>
 #include <QSet>
 #include <QString>
@@ -47,91 +49,96 @@ public:
     // stored font name counts as installed.
     void setInstalledFonts(const QStringList& families);
 
-#define CORVANTIDE_BOOL_SETTING(Name, ValueName, Default)                                          \
+// Defaults come from the settings catalogue, looked up once per property.
+#define CORVANTIDE_BOOL_SETTING(Name, ValueName)                                                   \
     bool Name() const {                                                                            \
-        return readBool(QStringLiteral(ValueName), Default);                                       \
+        static const bool fallback =                                                               \
+            SettingsCatalogue::ProgramDefault(QStringLiteral(ValueName)) != u"0";                 \
+        return readBool(QStringLiteral(ValueName), fallback);                                      \
     }                                                                                              \
     bool set##Name(bool on) {                                                                      \
         return writeBool(QStringLiteral(ValueName), on, QStringLiteral(#Name));                    \
     }
-#define CORVANTIDE_DWORD_SETTING(Name, Default)                                                    \
+#define CORVANTIDE_DWORD_SETTING(Name)                                                             \
     qint32 Name() const {                                                                          \
-        return readDword(QStringLiteral(#Name), Default);                                          \
+        static const qint32 fallback = SettingsCatalogue::ProgramDefault(QStringLiteral(#Name)).toInt(); \
+        return readDword(QStringLiteral(#Name), fallback);                                         \
     }                                                                                              \
     bool set##Name(qint32 value) {                                                                 \
         return writeDword(QStringLiteral(#Name), value);                                           \
     }
-#define CORVANTIDE_STRING_SETTING(Name, Default)                                                   \
+#define CORVANTIDE_STRING_SETTING(Name)                                                            \
     QString Name() const {                                                                         \
-        return readString(QStringLiteral(#Name), QStringLiteral(Default));                         \
+        static const QString fallback = SettingsCatalogue::ProgramDefault(QStringLiteral(#Name));  \
+        return readString(QStringLiteral(#Name), fallback);                                        \
     }                                                                                              \
     bool set##Name(const QString& value) {                                                         \
         return writeString(QStringLiteral(#Name), value);                                          \
     }
 
     // Connection.
-    CORVANTIDE_BOOL_SETTING(RequestNews, "RequestNews", false)
-    CORVANTIDE_BOOL_SETTING(RequestKeys, "RequestKeys", true)
-    CORVANTIDE_BOOL_SETTING(ShowConnectTime, "ShowConnectTime", true)
-    CORVANTIDE_BOOL_SETTING(ShowAdvanced, "ShowAdvanced", false)
-    CORVANTIDE_BOOL_SETTING(LocalHashing, "LocalHashing", false)
-    CORVANTIDE_STRING_SETTING(PathD2DV, "")
-    CORVANTIDE_STRING_SETTING(PathD2XP, "")
-    CORVANTIDE_STRING_SETTING(PathWAR3, "")
-    CORVANTIDE_STRING_SETTING(PathSTAR, "")
+    CORVANTIDE_BOOL_SETTING(RequestNews, "RequestNews")
+    CORVANTIDE_BOOL_SETTING(RequestKeys, "RequestKeys")
+    CORVANTIDE_BOOL_SETTING(ShowConnectTime, "ShowConnectTime")
+    CORVANTIDE_BOOL_SETTING(ShowAdvanced, "ShowAdvanced")
+    CORVANTIDE_BOOL_SETTING(LocalHashing, "LocalHashing")
+    CORVANTIDE_STRING_SETTING(PathD2DV)
+    CORVANTIDE_STRING_SETTING(PathD2XP)
+    CORVANTIDE_STRING_SETTING(PathWAR3)
+    CORVANTIDE_STRING_SETTING(PathSTAR)
 
     // Chat display.
-    CORVANTIDE_BOOL_SETTING(HideBanUnban, "HideBanUnban", false)
-    CORVANTIDE_BOOL_SETTING(HideEmote, "HideEmote", false)
-    CORVANTIDE_BOOL_SETTING(HideJoinLeave, "HideJoinLeave", false)
-    CORVANTIDE_BOOL_SETTING(HidePresent, "HidePresent", false)
-    CORVANTIDE_BOOL_SETTING(HideOfflineFriends, "HideOfflineFriends", true)
-    CORVANTIDE_BOOL_SETTING(HideChars, "HideChars", true)
-    CORVANTIDE_BOOL_SETTING(VoidView, "VoidView", true)
-    CORVANTIDE_BOOL_SETTING(DecodeUTF8, "DecodeUTF8", true)
-    CORVANTIDE_BOOL_SETTING(Decryption, "Decryption", false)
-    CORVANTIDE_BOOL_SETTING(Encryption, "Encryption", false)
-    CORVANTIDE_BOOL_SETTING(RemoveProfanity, "RemoveProfanity", true)
-    CORVANTIDE_BOOL_SETTING(ImproveProfanity, "ImproveProfanity", false)
-    CORVANTIDE_BOOL_SETTING(AutoCQ, "AutoCQ", true)
-    CORVANTIDE_DWORD_SETTING(ColorDisp, 0)
-    CORVANTIDE_BOOL_SETTING(TimeStamp, "TimeStamp", true)
-    CORVANTIDE_BOOL_SETTING(Locked, "Locked", false)
-    CORVANTIDE_BOOL_SETTING(LockWindow, "Locked", false)
-    CORVANTIDE_BOOL_SETTING(WhisperPanel, "WhisperPanel", false)
-    CORVANTIDE_BOOL_SETTING(Logging, "Logging", false)
-    CORVANTIDE_BOOL_SETTING(HtmlLogging, "HtmlLogging", false)
-    CORVANTIDE_BOOL_SETTING(Tabbed, "Tabbed", true)
+    CORVANTIDE_BOOL_SETTING(HideBanUnban, "HideBanUnban")
+    CORVANTIDE_BOOL_SETTING(HideEmote, "HideEmote")
+    CORVANTIDE_BOOL_SETTING(HideJoinLeave, "HideJoinLeave")
+    CORVANTIDE_BOOL_SETTING(HidePresent, "HidePresent")
+    CORVANTIDE_BOOL_SETTING(HideOfflineFriends, "HideOfflineFriends")
+    CORVANTIDE_BOOL_SETTING(HideChars, "HideChars")
+    CORVANTIDE_BOOL_SETTING(VoidView, "VoidView")
+    CORVANTIDE_BOOL_SETTING(DecodeUTF8, "DecodeUTF8")
+    CORVANTIDE_BOOL_SETTING(Decryption, "Decryption")
+    CORVANTIDE_BOOL_SETTING(Encryption, "Encryption")
+    CORVANTIDE_BOOL_SETTING(RemoveProfanity, "RemoveProfanity")
+    CORVANTIDE_BOOL_SETTING(ImproveProfanity, "ImproveProfanity")
+    CORVANTIDE_BOOL_SETTING(AutoCQ, "AutoCQ")
+    CORVANTIDE_DWORD_SETTING(ColorDisp)
+    CORVANTIDE_BOOL_SETTING(TimeStamp, "TimeStamp")
+    CORVANTIDE_BOOL_SETTING(Locked, "Locked")
+    CORVANTIDE_BOOL_SETTING(LockWindow, "Locked")
+    CORVANTIDE_BOOL_SETTING(WhisperPanel, "WhisperPanel")
+    CORVANTIDE_BOOL_SETTING(Logging, "Logging")
+    CORVANTIDE_BOOL_SETTING(HtmlLogging, "HtmlLogging")
+    CORVANTIDE_BOOL_SETTING(Tabbed, "Tabbed")
 
     // Flood filter interval in milliseconds: 0, 500, 1000 or 2000.
     qint32 FloodMode() const;
     bool setFloodMode(qint32 milliseconds);
 
     // Icons.
-    CORVANTIDE_DWORD_SETTING(IconDisp, 1)
-    CORVANTIDE_BOOL_SETTING(IconDraw, "IconDraw", false)
+    CORVANTIDE_DWORD_SETTING(IconDisp)
+    CORVANTIDE_BOOL_SETTING(IconDraw, "IconDraw")
 
     // Fonts. A stored family the host lacks reads as the default.
     QString ChatFont() const;
     bool setChatFont(const QString& family);
-    CORVANTIDE_DWORD_SETTING(ChatSize, 8)
+    CORVANTIDE_DWORD_SETTING(ChatSize)
     QString TextFont() const;
     bool setTextFont(const QString& family);
-    CORVANTIDE_DWORD_SETTING(TextSize, 10)
+    CORVANTIDE_DWORD_SETTING(TextSize)
     QString ListFont() const;
     bool setListFont(const QString& family);
-    CORVANTIDE_DWORD_SETTING(ListSize, 8)
+    CORVANTIDE_DWORD_SETTING(ListSize)
 
     // Media.
-    CORVANTIDE_STRING_SETTING(MediaPlayer, "Winamp")
-    CORVANTIDE_STRING_SETTING(WinampDir, "")
-    CORVANTIDE_STRING_SETTING(WmpDir, "")
-    CORVANTIDE_STRING_SETTING(FoobarDir, "")
-    CORVANTIDE_STRING_SETTING(iTunesDir, "")
+    CORVANTIDE_STRING_SETTING(MediaPlayer)
+    CORVANTIDE_STRING_SETTING(WinampDir)
+    CORVANTIDE_STRING_SETTING(WmpDir)
+    CORVANTIDE_STRING_SETTING(FoobarDir)
+    CORVANTIDE_STRING_SETTING(iTunesDir)
 
     // Window.
-    CORVANTIDE_BOOL_SETTING(Tray, "Tray", true)
-    CORVANTIDE_BOOL_SETTING(Sidebar, "Sidebar", true)
+    CORVANTIDE_BOOL_SETTING(Tray, "Tray")
+    CORVANTIDE_BOOL_SETTING(Sidebar, "Sidebar")
     // Window opacity in percent: 20, 40, 60, 80 or 100.
     qint32 Transparency() const;
     bool setTransparency(qint32 percent);
@@ -139,28 +146,28 @@ public:
     // the store. Off removes the entry, so that none is made unasked.
     bool WindowsStartup() const;
     bool setWindowsStartup(bool on);
-    CORVANTIDE_STRING_SETTING(ThemeID, "Default.theme")
-    CORVANTIDE_STRING_SETTING(ThemeFile, "Default")
+    CORVANTIDE_STRING_SETTING(ThemeID)
+    CORVANTIDE_STRING_SETTING(ThemeFile)
 
     // Window flashing; Flash is the master switch.
-    CORVANTIDE_BOOL_SETTING(Flash, "FlashEnabled", false)
-    CORVANTIDE_BOOL_SETTING(FlashTalk, "FlashTalk", false)
-    CORVANTIDE_BOOL_SETTING(FlashEmote, "FlashEmote", false)
-    CORVANTIDE_BOOL_SETTING(FlashWhisper, "FlashWhisper", false)
-    CORVANTIDE_BOOL_SETTING(FlashBan, "FlashBan", false)
-    CORVANTIDE_BOOL_SETTING(FlashFriendOn, "FlashFriendOn", false)
-    CORVANTIDE_BOOL_SETTING(FlashFriendOff, "FlashFriendOff", false)
-    CORVANTIDE_BOOL_SETTING(FlashFriendGame, "FlashFriendGame", false)
+    CORVANTIDE_BOOL_SETTING(Flash, "FlashEnabled")
+    CORVANTIDE_BOOL_SETTING(FlashTalk, "FlashTalk")
+    CORVANTIDE_BOOL_SETTING(FlashEmote, "FlashEmote")
+    CORVANTIDE_BOOL_SETTING(FlashWhisper, "FlashWhisper")
+    CORVANTIDE_BOOL_SETTING(FlashBan, "FlashBan")
+    CORVANTIDE_BOOL_SETTING(FlashFriendOn, "FlashFriendOn")
+    CORVANTIDE_BOOL_SETTING(FlashFriendOff, "FlashFriendOff")
+    CORVANTIDE_BOOL_SETTING(FlashFriendGame, "FlashFriendGame")
 
     // Tray tips; Balloon is the master switch.
-    CORVANTIDE_BOOL_SETTING(Balloon, "BalloonEnabled", false)
-    CORVANTIDE_BOOL_SETTING(BalloonTalk, "BalloonTalk", false)
-    CORVANTIDE_BOOL_SETTING(BalloonEmote, "BalloonEmote", false)
-    CORVANTIDE_BOOL_SETTING(BalloonWhisper, "BalloonWhisper", false)
-    CORVANTIDE_BOOL_SETTING(BalloonBan, "BalloonBan", false)
-    CORVANTIDE_BOOL_SETTING(BalloonFriendOn, "BalloonFriendOn", false)
-    CORVANTIDE_BOOL_SETTING(BalloonFriendOff, "BalloonFriendOff", false)
-    CORVANTIDE_BOOL_SETTING(BalloonFriendGame, "BalloonFriendGame", false)
+    CORVANTIDE_BOOL_SETTING(Balloon, "BalloonEnabled")
+    CORVANTIDE_BOOL_SETTING(BalloonTalk, "BalloonTalk")
+    CORVANTIDE_BOOL_SETTING(BalloonEmote, "BalloonEmote")
+    CORVANTIDE_BOOL_SETTING(BalloonWhisper, "BalloonWhisper")
+    CORVANTIDE_BOOL_SETTING(BalloonBan, "BalloonBan")
+    CORVANTIDE_BOOL_SETTING(BalloonFriendOn, "BalloonFriendOn")
+    CORVANTIDE_BOOL_SETTING(BalloonFriendOff, "BalloonFriendOff")
+    CORVANTIDE_BOOL_SETTING(BalloonFriendGame, "BalloonFriendGame")
 
 #undef CORVANTIDE_BOOL_SETTING
 #undef CORVANTIDE_DWORD_SETTING
@@ -183,8 +190,7 @@ private:
     bool writeString(const QString& valueName, const QString& value, const QString& property = {});
     // Announces the set, and its failure when it did not reach the store.
     bool announce(const QString& property, bool saved, const QString& cause);
-    QString readFont(const QString& valueName, const QString& defaultValue,
-                     bool* fellBack = nullptr) const;
+    QString readFont(const QString& valueName, bool* fellBack = nullptr) const;
 
     RegistryWrapper& store_;
     QSet<QString> fonts_;

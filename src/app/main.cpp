@@ -8,6 +8,7 @@
 #include "control/ControlServer.h"
 #include "control/TerminalVerbs.h"
 #include "gui/frmBot.h"
+#include "media/SongWrapper.h"
 #include "platform/TerminationSignals.h"
 #include "presentation/ChatWriter.h"
 #include "session/ShutdownSequence.h"
@@ -271,6 +272,7 @@ int main(int argc, char** argv) {
     QCoreApplication::setApplicationVersion(QStringLiteral(CORVANTIDE_VERSION));
     QuitOnTermination(app);
     ClanPacket::install();
+    SongWrapper::install();
     const Options options = parseOptions(app);
     if (!options.home.isEmpty()) SetHomeFolder(options.home);
     if (!options.importReg.isEmpty() || !options.exportReg.isEmpty())

@@ -3,6 +3,7 @@
 #include "chat/BotElement.h"
 #include "chat/SendQueue.h"
 #include "config/SettingsWrapper.h"
+#include "platform/MediaControl.h"
 #include "platform/SocketControl.h"
 #include "platform/TickCount.h"
 #include "presentation/ChatWriter.h"
@@ -166,8 +167,9 @@ QString TimedEvents::ExpandIdleMessage(int Index, const QString& message) {
     text.replace(QLatin1String("$os"), Machine().OperatingSystem);
     text.replace(QLatin1String("$ch"), bot.Channel());
     text.replace(QLatin1String("$me"), bot.UniqueAccount);
-    // "$mp3" is the media player's current song; it stays as typed until a
-    // player is attached.
+    // Only a message that names the song wakes the watch on the player.
+    if (text.contains(QLatin1String("$mp3")))
+        text.replace(QLatin1String("$mp3"), MediaControl::instance().CurrentSong());
     return text;
 }
 

@@ -49,7 +49,11 @@ void SongWrapper::install() {
 SongWrapper::SongWrapper() {
     connect(&SettingsWrapper::instance(), &SettingsWrapper::settingChanged, this,
             [this](const QString& property) {
-                if (property == u"MediaPlayer" && m_players) songMayHaveChanged();
+                if (property != u"MediaPlayer") return;
+                if (m_players)
+                    songMayHaveChanged();
+                else
+                    Q_EMIT changed();
             });
 }
 

@@ -272,9 +272,10 @@ int main(int argc, char** argv) {
     QCoreApplication::setApplicationVersion(QStringLiteral(CORVANTIDE_VERSION));
     QuitOnTermination(app);
     ClanPacket::install();
-    SongWrapper::install();
     const Options options = parseOptions(app);
     if (!options.home.isEmpty()) SetHomeFolder(options.home);
+    // The player follows the settings of this home.
+    SongWrapper::install();
     if (!options.importReg.isEmpty() || !options.exportReg.isEmpty())
         return runSettingsCommand(options);
     if (!RegistryWrapper::instance().isOpen()) {

@@ -65,7 +65,10 @@ ControlPanelMedia::ControlPanelMedia(QWidget* parent)
     otherName->setAccessibleName(QStringLiteral("Another player's name"));
     otherName->setPlaceholderText(QStringLiteral("its MPRIS name, e.g. spotify"));
     const QList<QRadioButton*> options = addOptions(
-        {kPlayers[0].option, kPlayers[1].option, kPlayers[2].option, kPlayers[3].option,
+        {kPlayers[0].option,
+         kPlayers[1].option,
+         kPlayers[2].option,
+         kPlayers[3].option,
          {"h2cOother", "Another player:"}},
         [&settings] {
             const QString chosen = settings.MediaPlayer();
@@ -91,8 +94,8 @@ ControlPanelMedia::ControlPanelMedia(QWidget* parent)
         const Player& player = kPlayers[row];
         grid->addWidget(options[row], row, 0);
         auto* path = new QHBoxLayout;
-        QLineEdit* command = addPath(player.path, title,
-                                     u'/' + QLatin1String(player.program), path);
+        QLineEdit* command =
+            addPath(player.path, title, u'/' + QLatin1String(player.program), path);
         command->setPlaceholderText(QStringLiteral("the command that starts it"));
         // An empty box offers the desktop's player when it is installed; it
         // is stored only by a save.

@@ -146,7 +146,8 @@ frmBot::frmBot(QWidget* parent) : QMainWindow(parent) {
     });
     connect(m_panels, &FoldOutPanels::musicUsed, m_send, qOverload<>(&QWidget::setFocus));
     // The media page of the control panel.
-    connect(m_panels, &FoldOutPanels::mediaSettingsRequested, this, [this] { openControlPanel(7); });
+    connect(m_panels, &FoldOutPanels::mediaSettingsRequested, this,
+            [this] { openControlPanel(7); });
     ConnectSocialForms(this);
     connect(&table, &SlotTable::channelListChanged, this, [this](int index) {
         if (index == SlotTable::instance().CurrentIndex()) DisplayChannels();

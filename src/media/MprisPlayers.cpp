@@ -145,8 +145,7 @@ void MprisPlayers::apply(MprisPlayer& player, const QVariantMap& properties) {
     Q_EMIT changed();
 }
 
-void MprisPlayers::nameOwnerChanged(const QString& name, const QString&,
-                                    const QString& newOwner) {
+void MprisPlayers::nameOwnerChanged(const QString& name, const QString&, const QString& newOwner) {
     if (!name.startsWith(kPrefix)) return;
     if (!newOwner.isEmpty()) {
         appear(name, newOwner);

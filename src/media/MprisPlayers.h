@@ -12,9 +12,9 @@ class QDBusPendingCall;
 
 // One media player on the session bus, as its change signals last told it.
 struct MprisPlayer {
-    QString busName;  // org.mpris.MediaPlayer2.vlc.instance4242
-    QString owner;    // the connection that holds the name, ":1.42"
-    QString identity; // the player's own name for itself, "VLC media player"
+    QString busName;        // org.mpris.MediaPlayer2.vlc.instance4242
+    QString owner;          // the connection that holds the name, ":1.42"
+    QString identity;       // the player's own name for itself, "VLC media player"
     QString playbackStatus; // "Playing", "Paused", "Stopped"; empty until it answered
     QVariantMap metadata;
     quint64 lastChange = 0; // order of the last news from it; higher is newer

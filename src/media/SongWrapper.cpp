@@ -29,9 +29,7 @@ QString mediaName(const char* key, const char* defaultName) {
 
 // Playing before paused before the rest; then the one with the latest news.
 auto preference(const MprisPlayer& p) {
-    const int state = p.playbackStatus == u"Playing"  ? 2
-                      : p.playbackStatus == u"Paused" ? 1
-                                                      : 0;
+    const int state = p.playbackStatus == u"Playing" ? 2 : p.playbackStatus == u"Paused" ? 1 : 0;
     return std::make_tuple(state, p.lastChange);
 }
 
@@ -40,10 +38,6 @@ auto preference(const MprisPlayer& p) {
 SongWrapper& SongWrapper::instance() {
     static SongWrapper wrapper;
     return wrapper;
-}
-
-void SongWrapper::install() {
-    MediaControl::install(&instance());
 }
 
 SongWrapper::SongWrapper() {
@@ -59,16 +53,17 @@ SongWrapper::SongWrapper() {
 
 SongWrapper::~SongWrapper() = default;
 
-MprisPlayers* SongWrapper::players() {
-    if (m_tried) return m_players.get();
-    m_tried = true;
+void SongWrapper::install() {
+    MediaControl::install(&instance());
+    // Watching from the start has the song ready for the first question.
+    instance().watch();
+}
+
+void SongWrapper::watch() {
+    if (m_watching) return;
+    m_watching = true;
     const QDBusConnection bus = m_bus.value_or(QDBusConnection::sessionBus());
-    if (!bus.isConnected()) {
-        WriteChat(0, Status::Warning,
-                  QStringLiteral("There is no D-Bus session bus, so no media player can be seen "
-                                 "or driven; the media commands answer as if none were running."));
-        return nullptr;
-    }
+    if (!bus.isConnected()) return;
     m_players = std::make_unique<MprisPlayers>(bus);
     connect(m_players.get(), &MprisPlayers::changed, this, &SongWrapper::songMayHaveChanged);
     connect(m_players.get(), &MprisPlayers::callFailed, this,
@@ -79,6 +74,16 @@ MprisPlayers* SongWrapper::players() {
                               QStringLiteral(" did not take the command ") + member +
                               QStringLiteral(": ") + error + u'.');
             });
+}
+
+MprisPlayers* SongWrapper::players() {
+    watch();
+    if (!m_players && !m_toldNoBus) {
+        m_toldNoBus = true;
+        WriteChat(0, Status::Warning,
+                  QStringLiteral("There is no D-Bus session bus, so no media player can be seen "
+                                 "or driven; the media commands answer as if none were running."));
+    }
     return m_players.get();
 }
 
@@ -205,7 +210,8 @@ void SongWrapper::StopSong() {
 
 void SongWrapper::Terminate() {
     const QString value = mediaPlayer();
-    if (const MprisPlayer* player = selected()) players()->call(player->busName, QStringLiteral("Quit"));
+    if (const MprisPlayer* player = selected())
+        players()->call(player->busName, QStringLiteral("Quit"));
     PluginHost::instance().SendMediaEvent(QStringLiteral("ClosePlayer"), {value});
 }
 

@@ -20,7 +20,8 @@ class SongWrapper : public QObject, public MediaControl {
     Q_OBJECT
 public:
     static SongWrapper& instance();
-    // Makes this the player the rest of the program asks.
+    // Makes this the player the rest of the program asks, and starts
+    // watching the bus.
     static void install();
 
     // Watch the players of this bus instead of the session bus. Before the
@@ -61,6 +62,10 @@ Q_SIGNALS:
 private:
     SongWrapper();
     ~SongWrapper() override;
+    // Connects to the bus and follows its players, once.
+    void watch();
+    // The players, or null without a bus; the first time that is so the
+    // console says it.
     MprisPlayers* players();
     const MprisPlayer* selected();
     // The command to the chosen player, then the plug-ins' event of the
@@ -71,5 +76,6 @@ private:
 
     std::optional<QDBusConnection> m_bus;
     std::unique_ptr<MprisPlayers> m_players;
-    bool m_tried = false;
+    bool m_watching = false;
+    bool m_toldNoBus = false;
 };

@@ -280,9 +280,10 @@ void PluginHost::SendMediaEvent(const QString& member, const QVariantList& args)
         try {
             p.Object->call(member, callArgs);
         } catch (const PluginCallError& e) {
-            redLine(QStringLiteral("Error -> Plugin caused error on ") + member +
-                    QStringLiteral("() event, perhaps the plugin is missing this event handler? - ") +
-                    e.description());
+            redLine(
+                QStringLiteral("Error -> Plugin caused error on ") + member +
+                QStringLiteral("() event, perhaps the plugin is missing this event handler? - ") +
+                e.description());
             return;
         }
     }

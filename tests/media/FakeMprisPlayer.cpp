@@ -12,8 +12,8 @@ const QString kProperties = QStringLiteral("org.freedesktop.DBus.Properties");
 } // namespace
 
 FakeMprisPlayer::FakeMprisPlayer(const QString& address, const QString& name, Answers answers)
-    : m_bus(QDBusConnection::connectToBus(address, QStringLiteral("fake-") + name)),
-      m_name(name), m_answers(answers) {
+    : m_bus(QDBusConnection::connectToBus(address, QStringLiteral("fake-") + name)), m_name(name),
+      m_answers(answers) {
     m_bus.registerVirtualObject(kPath, this);
 }
 
@@ -38,8 +38,7 @@ void FakeMprisPlayer::play(const QString& artist, const QString& title) {
 }
 
 QVariantMap FakeMprisPlayer::playerProperties() const {
-    return {{QStringLiteral("PlaybackStatus"), m_status},
-            {QStringLiteral("Metadata"), m_metadata}};
+    return {{QStringLiteral("PlaybackStatus"), m_status}, {QStringLiteral("Metadata"), m_metadata}};
 }
 
 void FakeMprisPlayer::tell(const QVariantMap& changed) {
@@ -65,8 +64,11 @@ bool FakeMprisPlayer::handleMessage(const QDBusMessage& message,
         connection.send(message.createReply(properties));
         return true;
     }
-    if (message.member() == u"PlayPause") {
-        m_status = m_status == u"Playing" ? QStringLiteral("Paused") : QStringLiteral("Playing");
+    const QString& member = message.member();
+    if (member == u"PlayPause" || member == u"Play" || member == u"Stop") {
+        m_status = member == u"Stop"                                  ? QStringLiteral("Stopped")
+                   : member == u"PlayPause" && m_status == u"Playing" ? QStringLiteral("Paused")
+                                                                      : QStringLiteral("Playing");
         tell({{QStringLiteral("PlaybackStatus"), m_status}});
     }
     connection.send(message.createReply());

@@ -31,9 +31,8 @@ class MediaTest : public ChatFixture {
 protected:
     static void SetUpTestSuite() {
         if (!PrivateBus::instance().address.isEmpty())
-            SongWrapper::instance().useBus(
-                QDBusConnection::connectToBus(PrivateBus::instance().address,
-                                              QStringLiteral("bot")));
+            SongWrapper::instance().useBus(QDBusConnection::connectToBus(
+                PrivateBus::instance().address, QStringLiteral("bot")));
         SongWrapper::install();
     }
 
@@ -170,8 +169,11 @@ TEST_F(MediaTest, ARankedUserAsksTheBotForTheSongInTheChannel) {
         SlotTable::instance().ConnectBot(i);
     ASSERT_TRUE(waitFor([&] { return lvUsers(owner).count() == 2; }, 30000));
     Bots(owner).Queue << QStringLiteral(".mp3");
-    EXPECT_TRUE(waitFor([&] {
-        return rtbChat(owner).text().contains(QStringLiteral("[fakeplayer] Ostrelund - Night Tide"));
-    }, 15000));
+    EXPECT_TRUE(waitFor(
+        [&] {
+            return rtbChat(owner).text().contains(
+                QStringLiteral("[fakeplayer] Ostrelund - Night Tide"));
+        },
+        15000));
     TimedEvents::instance().stop();
 }

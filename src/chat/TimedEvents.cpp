@@ -56,9 +56,9 @@ TimedEvents& TimedEvents::instance() {
 }
 
 TimedEvents::TimedEvents() {
-    // The song to plug-ins (5, each second) and the count of users online from
-    // the web (9, each minute) join this table with the media player and the
-    // web services.
+    // The count of users online from the web (9, each minute) joins this
+    // table with the web services. The song reaches plug-ins when the player
+    // says it changed, not on a timer of its own (5).
     m_timers = {
         {1, 500, [this] { statusTick(); }},       // status line, caption, connect button
         {2, 100, &TimedEvents::sendTick},         // send queue, connection watchdog

@@ -27,9 +27,13 @@ QString mediaName(const char* key, const char* defaultName) {
     return found ? name : fallback;
 }
 
-// Playing before paused before the rest; then the one with the latest news.
+// Playing before paused before stopped before silent; then the one with the
+// latest news.
 auto preference(const MprisPlayer& p) {
-    const int state = p.playbackStatus == u"Playing" ? 2 : p.playbackStatus == u"Paused" ? 1 : 0;
+    const int state = p.playbackStatus == u"Playing"  ? 2
+                      : p.playbackStatus == u"Paused" ? 1
+                      : p.playbackStatus.isEmpty()    ? -1
+                                                      : 0;
     return std::make_tuple(state, p.lastChange);
 }
 
@@ -87,23 +91,23 @@ MprisPlayers* SongWrapper::players() {
     return m_players.get();
 }
 
-const MprisPlayer* SongWrapper::selected() {
+const MprisPlayer* SongWrapper::selected(bool orAnyPlayer) {
     const MprisPlayers* all = players();
     if (!all) return nullptr;
+    auto best = [all](auto fits) -> const MprisPlayer* {
+        const MprisPlayer* found = nullptr;
+        for (const MprisPlayer& p : all->players())
+            if (fits(p) && (!found || preference(p) > preference(*found))) found = &p;
+        return found;
+    };
     const QString value = mediaPlayer();
     const QString desktop = DesktopPlayerFor(value);
     const QString wanted = desktop.isEmpty() ? value : desktop;
-    const MprisPlayer* best = nullptr;
-    // The named player; for the four known names, any player when that one
-    // is not running.
-    for (bool anyPlayer : {false, true}) {
-        if (anyPlayer && (best || desktop.isEmpty())) break;
-        for (const MprisPlayer& p : all->players()) {
-            if (!anyPlayer && !p.isNamed(wanted)) continue;
-            if (!best || preference(p) > preference(*best)) best = &p;
-        }
-    }
-    return best;
+    if (const MprisPlayer* named = best([&](const MprisPlayer& p) { return p.isNamed(wanted); }))
+        return named;
+    // The four known names take any running player when their own is not.
+    if (desktop.isEmpty() || !orAnyPlayer) return nullptr;
+    return best([](const MprisPlayer&) { return true; });
 }
 
 QString SongWrapper::DesktopPlayerFor(const QString& mediaPlayer) {
@@ -210,8 +214,15 @@ void SongWrapper::StopSong() {
 
 void SongWrapper::Terminate() {
     const QString value = mediaPlayer();
-    if (const MprisPlayer* player = selected())
+    // A player that only stands in for the chosen one (a browser, say) is
+    // the user's to close.
+    if (const MprisPlayer* player = selected(false))
         players()->call(player->busName, QStringLiteral("Quit"));
+    else if (Opened())
+        WriteChat(SlotTable::instance().CurrentIndex(), Status::Warning,
+                  QStringLiteral("Only the chosen player is closed from here; ") + PlayerName() +
+                      QStringLiteral(" plays because ") + DisplayName(value) +
+                      QStringLiteral(" is not running."));
     PluginHost::instance().SendMediaEvent(QStringLiteral("ClosePlayer"), {value});
 }
 

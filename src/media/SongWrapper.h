@@ -67,7 +67,9 @@ private:
     // The players, or null without a bus; the first time that is so the
     // console says it.
     MprisPlayers* players();
-    const MprisPlayer* selected();
+    // The player of the chosen name; with `orAnyPlayer`, for the four known
+    // names, the best running player when that one is not running.
+    const MprisPlayer* selected(bool orAnyPlayer = true);
     // The command to the chosen player, then the plug-ins' event of the
     // same name.
     void send(const QString& member, const QString& pluginEvent);

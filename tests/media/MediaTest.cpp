@@ -83,6 +83,10 @@ TEST_F(MediaTest, CommandsShowTheSongAndReachThePlayer) {
     SettingsWrapper::instance().setMediaPlayer(QStringLiteral("Winamp"));
     EXPECT_EQ(SongWrapper::instance().MusicLabel(),
               QStringLiteral("Fake Player >> Ostrelund - Night Tide"));
+    typed(QStringLiteral("/unloadplayer"));
+    typed(QStringLiteral("/stop"));
+    ASSERT_TRUE(waitFor([&] { return player->commands.size() == 3; }));
+    EXPECT_EQ(player->commands.last(), QStringLiteral("Stop")) << "a stand-in is not closed";
     EXPECT_EQ(typed(QStringLiteral("/setplayer nosuchplayer")),
               QStringLiteral("Invalid media player, try foobar, iTunes, Winamp or WMP."));
     EXPECT_EQ(typed(QStringLiteral("/setplayer fakeplayer")),

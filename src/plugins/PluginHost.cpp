@@ -103,12 +103,15 @@ void PluginHost::RegisterPlugin(const QString& strName, quint32 lngFlags) {
     for (PluginRecord& record : m_plugins) {
         if (!strName.isEmpty() && record.Name == strName) record.Flags = lngFlags;
     }
-    // Asking for media events starts the watch on the player, and the song
-    // playing now is the first news, once the plug-in's Startup is over.
-    if (lngFlags & MediaEvents)
-        QTimer::singleShot(0, [] {
-            PluginHost::instance().DispatchSongChange(MediaControl::instance().CurrentSong());
-        });
+    // The song playing now is the first news of a plug-in that asks for
+    // media events, once its Startup is over.
+    if (!(lngFlags & MediaEvents)) return;
+    QTimer::singleShot(0, [strName] {
+        for (const PluginRecord& p : PluginHost::instance().plugins()) {
+            if (p.Name == strName && (p.Flags & MediaEvents))
+                tellSong(p, MediaControl::instance().CurrentSong());
+        }
+    });
 }
 
 QString PluginHost::GetBaseName(const QString& Path) {
@@ -261,16 +264,21 @@ void PluginHost::DispatchSongChange(const QString& song) {
     if (song == m_lastSong) return;
     m_lastSong = song;
     for (const PluginRecord& p : m_plugins) {
-        if (p.Name.isEmpty() || !(p.Flags & MediaEvents) || !p.Object) continue;
-        QVariantList args{song};
-        try {
-            p.Object->call(QStringLiteral("SongChange"), args);
-        } catch (const PluginCallError& e) {
-            redLine(QStringLiteral("Plugin [") + p.Name + QStringLiteral("] caused error: ") +
-                    e.description() + QStringLiteral(" on SongChange event."));
-            return;
-        }
+        if (!p.Name.isEmpty() && (p.Flags & MediaEvents) && !tellSong(p, song)) return;
     }
+}
+
+bool PluginHost::tellSong(const PluginRecord& p, const QString& song) {
+    if (!p.Object) return true;
+    QVariantList args{song};
+    try {
+        p.Object->call(QStringLiteral("SongChange"), args);
+    } catch (const PluginCallError& e) {
+        redLine(QStringLiteral("Plugin [") + p.Name + QStringLiteral("] caused error: ") +
+                e.description() + QStringLiteral(" on SongChange event."));
+        return false;
+    }
+    return true;
 }
 
 void PluginHost::SendMediaEvent(const QString& member, const QVariantList& args) {

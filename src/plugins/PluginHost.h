@@ -103,6 +103,8 @@ private:
     void sendChatEvent(int ID, const QString& member, const std::function<QVariantList()>& makeArgs,
                        const std::function<void(const QVariantList&)>& takeBack = {});
 
+    // SongChange to one plug-in; false, with the red line, when it failed.
+    static bool tellSong(const PluginRecord& p, const QString& song);
     // What Startup receives: the main form and the given objPlugin.
     static QVariantList startupArguments(objPlugin* plugin);
     // Shows a red console line and gives the stage of a failed start or stop.

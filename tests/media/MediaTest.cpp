@@ -95,7 +95,11 @@ TEST_F(MediaTest, CommandsShowTheSongAndReachThePlayer) {
 
 TEST_F(MediaTest, ASongChangeReachesTheLabelTheIdleMessageAndPluginsOnce) {
     auto plugin = std::make_shared<MediaPlugin>();
-    PluginHost::instance().add({QStringLiteral("listener"), PluginHost::MediaEvents, plugin});
+    PluginHost::instance().add({QStringLiteral("listener"), 0, plugin});
+    PluginHost::instance().RegisterPlugin(QStringLiteral("listener"), PluginHost::MediaEvents);
+    ASSERT_TRUE(waitFor([&] { return !plugin->heard.isEmpty(); }));
+    EXPECT_EQ(plugin->heard.first(), QStringLiteral("SongChange:Ostrelund - Night Tide"))
+        << "the song playing when it asked";
     player->play(QStringLiteral("Vell"), QStringLiteral("Harbour Lights"));
     ASSERT_TRUE(waitFor([] {
         return SongWrapper::instance().MusicLabel() ==

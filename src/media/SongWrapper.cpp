@@ -247,8 +247,13 @@ bool SongWrapper::Launch() {
         return false;
     }
     QStringList words = QProcess::splitCommand(command);
-    const QString program = words.isEmpty() ? QString() : words.takeFirst();
-    if (program.isEmpty() || !QProcess::startDetached(program, words)) {
+    QProcess launch;
+    launch.setProgram(words.isEmpty() ? QString() : words.takeFirst());
+    launch.setArguments(words);
+    // The player's own chatter stays off the bot's terminal.
+    launch.setStandardOutputFile(QProcess::nullDevice());
+    launch.setStandardErrorFile(QProcess::nullDevice());
+    if (launch.program().isEmpty() || !launch.startDetached()) {
         WriteChat(view, Status::Error,
                   QStringLiteral("Could not launch ") + value + QStringLiteral(": \"") + command +
                       QStringLiteral("\" could not be started."));

@@ -30,9 +30,10 @@ public:
 class MediaTest : public ChatFixture {
 protected:
     static void SetUpTestSuite() {
-        if (!PrivateBus::instance().address.isEmpty())
-            SongWrapper::instance().useBus(QDBusConnection::connectToBus(
-                PrivateBus::instance().address, QStringLiteral("bot")));
+        const QString address = PrivateBus::instance().address;
+        if (address.isEmpty()) return;
+        SongWrapper::instance().useBus(
+            QDBusConnection::connectToBus(address, QStringLiteral("bot")));
         SongWrapper::install();
     }
 

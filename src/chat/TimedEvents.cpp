@@ -167,7 +167,7 @@ QString TimedEvents::ExpandIdleMessage(int Index, const QString& message) {
     text.replace(QLatin1String("$os"), Machine().OperatingSystem);
     text.replace(QLatin1String("$ch"), bot.Channel());
     text.replace(QLatin1String("$me"), bot.UniqueAccount);
-    // Only a message that names the song wakes the watch on the player.
+    // The player is asked only when the message names its song.
     if (text.contains(QLatin1String("$mp3")))
         text.replace(QLatin1String("$mp3"), MediaControl::instance().CurrentSong());
     return text;

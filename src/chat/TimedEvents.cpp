@@ -14,6 +14,7 @@
 #include "session/PacketReader.h"
 #include "session/PacketWriter.h"
 #include "session/SlotTable.h"
+#include "shell/DesktopShell.h"
 #include "statistics/UserNames.h"
 
 namespace {
@@ -55,9 +56,8 @@ TimedEvents& TimedEvents::instance() {
 }
 
 TimedEvents::TimedEvents() {
-    // The song to plug-ins (5, each second) and the count of users online from
-    // the web (9, each minute) join this table with the media player and the
-    // web services.
+    // The song to plug-ins (5, each second) joins this table with the media
+    // player.
     m_timers = {
         {1, 500, [this] { statusTick(); }},       // status line, caption, connect button
         {2, 100, &TimedEvents::sendTick},         // send queue, connection watchdog
@@ -66,6 +66,7 @@ TimedEvents::TimedEvents() {
         {6, 12000, &TimedEvents::voidTick},       // "/unignore" of oneself in The Void
         {7, 10000, &TimedEvents::recolourTick},   // idle colours of the list on screen
         {8, 50, [this] { delayedEventsTick(); }}, // chat events held back by the flood delay
+        {9, 60000, [] { DesktopShell::instance().RefreshUsersOnline(); }}, // users online, from the web
     };
     m_heartbeat.setSingleShot(true);
     m_heartbeat.setTimerType(Qt::PreciseTimer);

@@ -89,8 +89,10 @@ void WebSite::RefreshUsersOnline() {
     QNetworkReply* reply = get(kUsersPath);
     if (!reply) return;
     m_usersRead = reply;
-    connect(reply, &QNetworkReply::finished, this,
-            [this, reply] { setUsersOnline(UsersOnlineLabel(answerOf(reply))); });
+    connect(reply, &QNetworkReply::finished, this, [this, reply] {
+        m_usersRead = nullptr;
+        setUsersOnline(UsersOnlineLabel(answerOf(reply)));
+    });
 }
 
 void WebSite::setUsersOnline(const QString& label) {

@@ -62,7 +62,7 @@ VerbResult Run(const QStringList& args) {
     if (verb == u"import") return import(args);
     if (verb == u"export") return exportKey(args);
     if (verb == u"commands") return {0, CommandsPage::Text(), {}};
-    return VerbResult::usage(QStringLiteral("profile|config|database|import|export ..."));
+    return VerbResult::usage(QStringLiteral("profile|config|database|import|export|commands ..."));
 }
 
 QString Help() {

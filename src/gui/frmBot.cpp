@@ -182,7 +182,7 @@ frmBot::frmBot(QWidget* parent) : QMainWindow(parent) {
     LoadFonts();
     applyLayout();
     refreshMenuMarks();
-    setWindowOpacity(SettingsWrapper::instance().Transparency() / 100.0);
+    m_desktop->fader()->SetOpacity(SettingsWrapper::instance().Transparency());
     DisplayProfiles();
     onSlotSelected(table.CurrentIndex());
     onStatusChanged();
@@ -899,7 +899,7 @@ void frmBot::onSettingChanged(const QString& property) {
     } else if (property == QLatin1String("WhisperPanel") || property == QLatin1String("Sidebar")) {
         applyLayout();
     } else if (property == QLatin1String("Transparency")) {
-        setWindowOpacity(SettingsWrapper::instance().Transparency() / 100.0);
+        m_desktop->fader()->SetOpacity(SettingsWrapper::instance().Transparency());
     }
     refreshMenuMarks();
 }

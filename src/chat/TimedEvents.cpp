@@ -66,7 +66,7 @@ TimedEvents::TimedEvents() {
         {6, 12000, &TimedEvents::voidTick},       // "/unignore" of oneself in The Void
         {7, 10000, &TimedEvents::recolourTick},   // idle colours of the list on screen
         {8, 50, [this] { delayedEventsTick(); }}, // chat events held back by the flood delay
-        {9, 60000, [] { DesktopShell::instance().RefreshUsersOnline(); }}, // users online, from the web
+        {9, 60000, [] { DesktopShell::instance().RefreshUsersOnline(); }}, // users online (web)
     };
     m_heartbeat.setSingleShot(true);
     m_heartbeat.setTimerType(Qt::PreciseTimer);

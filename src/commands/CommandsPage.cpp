@@ -24,9 +24,8 @@ std::vector<Row> rows() {
             for (QString& form : forms)
                 form += QStringLiteral(" ...");
         const Row row{command.level, forms.join(QStringLiteral(", "))};
-        const bool known = std::any_of(list.begin(), list.end(), [&](const Row& r) {
-            return r.usage == row.usage;
-        });
+        const bool known = std::any_of(list.begin(), list.end(),
+                                       [&](const Row& r) { return r.usage == row.usage; });
         if (!known) list.push_back(row);
     }
     std::stable_sort(list.begin(), list.end(), [](const Row& a, const Row& b) {
@@ -72,9 +71,9 @@ QString Text() {
 }
 
 QString Html() {
-    QString html = QStringLiteral(
-        "<!DOCTYPE html>\n<html><head><meta charset=\"utf-8\"><title>Corvantide "
-        "commands</title></head>\n<body>\n<h1>Corvantide commands</h1>\n<p>");
+    QString html =
+        QStringLiteral("<!DOCTYPE html>\n<html><head><meta charset=\"utf-8\"><title>Corvantide "
+                       "commands</title></head>\n<body>\n<h1>Corvantide commands</h1>\n<p>");
     html += kIntroduction.toHtmlEscaped() +
             QStringLiteral("</p>\n<table>\n<tr><th>Rank</th><th>Command</th></tr>\n");
     for (const Row& row : rows())

@@ -16,11 +16,8 @@ DesktopIntegration::DesktopIntegration(QWidget* window, const QIcon& icon, QMenu
 
 DesktopIntegration::DesktopIntegration(QWidget* window, const QIcon& icon, QMenu* trayMenu,
                                        bool trayAvailable)
-    : QObject(window),
-      m_window(window),
-      m_tray(new TrayIcon(icon, trayMenu, this)),
-      m_hotkey(new HideHotkey(this)),
-      m_fader(new WindowFader(window)),
+    : QObject(window), m_window(window), m_tray(new TrayIcon(icon, trayMenu, this)),
+      m_hotkey(new HideHotkey(this)), m_fader(new WindowFader(window)),
       m_trayAvailable(trayAvailable) {
     DesktopShell& shell = DesktopShell::instance();
     connect(&shell, &DesktopShell::trayIconRequested, this, [this](bool present) {
@@ -38,8 +35,8 @@ DesktopIntegration::DesktopIntegration(QWidget* window, const QIcon& icon, QMenu
     connect(&shell, &DesktopShell::flashRequested, this, &DesktopIntegration::FlashBotWindow);
     connect(&shell, &DesktopShell::balloonRequested, m_tray, &TrayIcon::ShowBalloon);
     // A command may ask inside a socket event: the window acts once it is over.
-    connect(&shell, &DesktopShell::windowVisibilityRequested, this,
-            &DesktopIntegration::setVisible, Qt::QueuedConnection);
+    connect(&shell, &DesktopShell::windowVisibilityRequested, this, &DesktopIntegration::setVisible,
+            Qt::QueuedConnection);
     connect(m_hotkey, &HideHotkey::activated, &shell, &DesktopShell::toggleWindow);
     connect(m_tray, &TrayIcon::restoreRequested, this, &DesktopIntegration::Restore);
     window->installEventFilter(this);

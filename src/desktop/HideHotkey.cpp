@@ -75,7 +75,8 @@ quint8 keycodeOfM(xcb_connection_t* connection) {
     quint8 keycode = 0;
     for (int key = 0; key < count && !keycode; ++key) {
         for (int column = 0; column < perKey; ++column) {
-            if (keysyms[key * perKey + column] == kKeysymM) keycode = quint8(setup->min_keycode + key);
+            if (keysyms[key * perKey + column] == kKeysymM)
+                keycode = quint8(setup->min_keycode + key);
         }
     }
     std::free(reply);
@@ -195,9 +196,8 @@ void HideHotkey::listenForResponse(const QString& token) {
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!m_pendingRequest.isEmpty())
         bus.disconnect(kPortalService, m_pendingRequest,
-                       QStringLiteral("org.freedesktop.portal.Request"),
-                       QStringLiteral("Response"), this,
-                       SLOT(onPortalResponse(uint, QVariantMap)));
+                       QStringLiteral("org.freedesktop.portal.Request"), QStringLiteral("Response"),
+                       this, SLOT(onPortalResponse(uint, QVariantMap)));
     QString sender = bus.baseService().mid(1);
     sender.replace(u'.', u'_');
     m_pendingRequest = kPortalPath + QStringLiteral("/request/") + sender + u'/' + token;
@@ -232,8 +232,8 @@ void HideHotkey::bindPortalShortcut() {
         {kShortcutId,
          {{QStringLiteral("description"), QStringLiteral("Hide or show Corvantide")},
           {QStringLiteral("preferred_trigger"), QStringLiteral("ALT+m")}}}};
-    call << QVariant::fromValue(QDBusObjectPath(m_portalSession))
-         << QVariant::fromValue(shortcuts) << QString()
+    call << QVariant::fromValue(QDBusObjectPath(m_portalSession)) << QVariant::fromValue(shortcuts)
+         << QString()
          << QVariantMap{{QStringLiteral("handle_token"), QStringLiteral("corvantide_bind")}};
     auto* watcher =
         new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);

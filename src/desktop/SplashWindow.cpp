@@ -5,9 +5,9 @@
 #include <QCoreApplication>
 #include <QFontDatabase>
 #include <QGuiApplication>
-#include <QScreen>
 #include <QIcon>
 #include <QLabel>
+#include <QScreen>
 #include <QVBoxLayout>
 
 SplashWindow::SplashWindow(const QIcon& icon, QWidget* parent)

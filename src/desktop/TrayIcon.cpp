@@ -62,7 +62,8 @@ void TrayIcon::notify(const QString& title, const QString& text) {
         QStringLiteral("org.freedesktop.Notifications"), QStringLiteral("Notify"));
     call << QStringLiteral("Corvantide") << 0u << QStringLiteral("corvantide") << title << text
          << QStringList() << QVariantMap() << kBalloonTime;
-    auto* watcher = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
+    auto* watcher =
+        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* w) {
         w->deleteLater();
         if (!w->isError() || m_notificationsFailed) return;

@@ -17,8 +17,7 @@ bool namesNewerBuild(const QString& value, const QString& ownVersion, int ownRev
 
 } // namespace
 
-VersionFile VersionFile::Read(const QByteArray& data, const QString& ownVersion,
-                              int ownRevision) {
+VersionFile VersionFile::Read(const QByteArray& data, const QString& ownVersion, int ownRevision) {
     VersionFile result;
     if (data.isEmpty() || data.front() != kMark) return result;
     // Lines end at LF alone: a CR stays in the value.

@@ -55,7 +55,8 @@ QNetworkReply* WebSite::get(const QString& path) {
 void WebSite::CheckForUpdates() {
     QNetworkReply* reply = get(kVersionPath);
     if (!reply) return;
-    connect(reply, &QNetworkReply::finished, this, [this, reply] { announceUpdate(answerOf(reply)); });
+    connect(reply, &QNetworkReply::finished, this,
+            [this, reply] { announceUpdate(answerOf(reply)); });
 }
 
 void WebSite::announceUpdate(const QByteArray& data) {

@@ -7,8 +7,8 @@
 #include "config/Folders.h"
 #include "config/SettingsWrapper.h"
 #include "desktop/DesktopIntegration.h"
-#include "desktop/WindowFader.h"
 #include "desktop/WebSite.h"
+#include "desktop/WindowFader.h"
 #include "gui/ChatView.h"
 #include "gui/FoldOutPanels.h"
 #include "gui/IconPainter.h"
@@ -415,7 +415,8 @@ QMenu* frmBot::buildHelpMenu() {
                 return;
             }
         }
-        WriteChat(0, Status::Error, QStringLiteral("The ReadMe is not installed beside the program."));
+        WriteChat(0, Status::Error,
+                  QStringLiteral("The ReadMe is not installed beside the program."));
     })->setObjectName(QStringLiteral("mnuReadMe"));
     m_mnuHelp = help;
     return help;
@@ -435,7 +436,8 @@ void frmBot::buildTrayMenu() {
         ->addAction(QStringLiteral("Restore"), this,
                     [] { DesktopShell::instance().showWindow(); })
         ->setObjectName(QStringLiteral("mnuRestore"));
-    m_mnuSysTray->addAction(QStringLiteral("Lookup profile"), this, [this] { LookupProfile(this); });
+    m_mnuSysTray->addAction(QStringLiteral("Lookup profile"), this,
+                            [this] { LookupProfile(this); });
     m_mnuSysTray
         ->addAction(QStringLiteral("Send message"), this,
                     [this] {

@@ -14,14 +14,14 @@ protected:
         SlotFixture::SetUp();
         SettingsWrapper& s = SettingsWrapper::instance();
         s.setFloodMode(0);
-        for (auto set : {&SettingsWrapper::setFlash, &SettingsWrapper::setFlashTalk,
-                         &SettingsWrapper::setFlashEmote, &SettingsWrapper::setFlashWhisper,
-                         &SettingsWrapper::setFlashBan, &SettingsWrapper::setFlashFriendOn,
-                         &SettingsWrapper::setFlashFriendOff, &SettingsWrapper::setBalloon,
-                         &SettingsWrapper::setBalloonTalk, &SettingsWrapper::setBalloonEmote,
-                         &SettingsWrapper::setBalloonWhisper, &SettingsWrapper::setBalloonBan,
-                         &SettingsWrapper::setBalloonFriendOn,
-                         &SettingsWrapper::setBalloonFriendOff})
+        for (auto set :
+             {&SettingsWrapper::setFlash, &SettingsWrapper::setFlashTalk,
+              &SettingsWrapper::setFlashEmote, &SettingsWrapper::setFlashWhisper,
+              &SettingsWrapper::setFlashBan, &SettingsWrapper::setFlashFriendOn,
+              &SettingsWrapper::setFlashFriendOff, &SettingsWrapper::setBalloon,
+              &SettingsWrapper::setBalloonTalk, &SettingsWrapper::setBalloonEmote,
+              &SettingsWrapper::setBalloonWhisper, &SettingsWrapper::setBalloonBan,
+              &SettingsWrapper::setBalloonFriendOn, &SettingsWrapper::setBalloonFriendOff})
             (s.*set)(false);
         DesktopShell::instance().setWindowInTray(false);
         slot = loadConnected(QStringLiteral("Watcher"));
@@ -37,10 +37,12 @@ protected:
     void emote() { event(23, QStringLiteral("alice"), QStringLiteral("waves")); }
     void whisper() { event(4, QStringLiteral("bob"), QStringLiteral("psst")); }
     void friendCame() {
-        event(4, QStringLiteral("carol"), QStringLiteral("Your friend carol has entered Battle.net."));
+        event(4, QStringLiteral("carol"),
+              QStringLiteral("Your friend carol has entered Battle.net."));
     }
     void friendLeft() {
-        event(4, QStringLiteral("carol"), QStringLiteral("Your friend carol has exited Battle.net."));
+        event(4, QStringLiteral("carol"),
+              QStringLiteral("Your friend carol has exited Battle.net."));
     }
     void kicked() { event(18, {}, QStringLiteral("dave kicked you out of the channel!")); }
 

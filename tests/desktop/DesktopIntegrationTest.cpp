@@ -1,6 +1,7 @@
+#include "desktop/DesktopIntegration.h"
+
 #include "common/SlotFixture.h"
 #include "config/SettingsWrapper.h"
-#include "desktop/DesktopIntegration.h"
 #include "desktop/HideHotkey.h"
 #include "desktop/SplashWindow.h"
 #include "desktop/WindowFader.h"

@@ -1,7 +1,8 @@
+#include "desktop/WebSite.h"
+
 #include "common/SlotFixture.h"
 #include "config/SettingsWrapper.h"
 #include "desktop/LocalSite.h"
-#include "desktop/WebSite.h"
 #include "platform/ChatDocument.h"
 #include "session/MachineFacts.h"
 
@@ -41,7 +42,8 @@ protected:
 } // namespace
 
 TEST_F(WebSiteTest, ANewerBuildIsAnnouncedWithTheSiteAndItsChanges) {
-    EXPECT_TRUE(checkWith("\xA4" "Corvantide\nchanges=Before the version\nVERSION=0.1.7\n"
+    EXPECT_TRUE(checkWith("\xA4"
+                          "Corvantide\nchanges=Before the version\nVERSION=0.1.7\n"
                           "changes=Faster chat=and more\nnot a key\nChanges=Tray tips\n"
                           "file=http://elsewhere/setup.exe\n"));
     const QString text = console();
@@ -52,7 +54,8 @@ TEST_F(WebSiteTest, ANewerBuildIsAnnouncedWithTheSiteAndItsChanges) {
     EXPECT_TRUE(text.contains(QStringLiteral("Your version of Corvantide is outdated!")));
     const qsizetype changes = text.indexOf(QStringLiteral("Changes made in this version:"));
     EXPECT_GT(text.indexOf(QStringLiteral("Faster chat")), changes);
-    EXPECT_GT(text.indexOf(QStringLiteral("Tray tips")), text.indexOf(QStringLiteral("Faster chat")));
+    EXPECT_GT(text.indexOf(QStringLiteral("Tray tips")),
+              text.indexOf(QStringLiteral("Faster chat")));
     EXPECT_FALSE(text.contains(QStringLiteral("and more")));
     EXPECT_FALSE(text.contains(QStringLiteral("Before the version")));
     EXPECT_FALSE(text.contains(QStringLiteral("setup.exe"))) << "nothing is downloaded";

@@ -9,7 +9,7 @@ PACKAGES=(
     libsqlite3-dev libssl-dev
     libgtest-dev libgmock-dev libbenchmark-dev
     clang libclang-rt-14-dev
-    libxkbcommon-dev
+    libxkbcommon-dev libxcb1-dev
     xvfb xauth dbus dbus-daemon x11-utils
     desktop-file-utils appstream man-db dpkg-dev file
 )

@@ -7,6 +7,10 @@
 #include "control/ControlClient.h"
 #include "control/ControlServer.h"
 #include "control/TerminalVerbs.h"
+#include "desktop/DesktopIntegration.h"
+#include "desktop/SplashWindow.h"
+#include "desktop/WebSite.h"
+#include "gui/IconPainter.h"
 #include "gui/frmBot.h"
 #include "media/SongWrapper.h"
 #include "platform/TerminationSignals.h"
@@ -21,6 +25,7 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
+#include <QLabel>
 #include <QMessageBox>
 #include <QTextStream>
 #include <QTimer>
@@ -198,6 +203,7 @@ int runHeadless(QCoreApplication& app, const Options& options) {
                          std::fprintf(stderr, "%s: %s\n", qPrintable(title), qPrintable(text));
                      });
     reportStoreTrouble();
+    WebSite site;
     StartupSequence startup;
     if (!startup.run()) {
         console.flush();
@@ -220,15 +226,31 @@ int runWindow(QCoreApplication& app, const Options& options) {
     // The window exists before the start-up so that it sees every slot and
     // every line from the first.
     frmBot window;
+    // Hidden in the tray the window is no longer open, yet the program runs
+    // on: it ends when the window is closed for good.
+    QApplication::setQuitOnLastWindowClosed(false);
+    QObject::connect(&window, &frmBot::closedForGood, &app, &QCoreApplication::quit,
+                     Qt::QueuedConnection);
+    WebSite site;
+    QObject::connect(&site, &WebSite::usersOnlineChanged, window.lblUsers(), &QLabel::setText);
     reportStoreTrouble();
+    SplashWindow splash(IconPainter::icon(IconPainter::Program));
+    splash.show();
+    splash.Status(QStringLiteral("Loading Corvantide ..."));
     StartupSequence startup;
+    QObject::connect(&startup, &StartupSequence::stepStarted, &splash, &SplashWindow::Status);
     if (!startup.run()) return 1;
     ControlServer control;
     openControlChannel(control);
     if (options.connect) QTimer::singleShot(0, &app, connectLoadedProfiles);
-    window.show();
+    window.desktop()->ShowWithFade();
+    splash.hide();
     const int code = app.exec();
-    ShutdownSequence().run();
+    ShutdownSequence shutdown;
+    QObject::connect(&shutdown, &ShutdownSequence::stepStarted, &splash, &SplashWindow::Status);
+    splash.ClearStatus();
+    splash.show();
+    shutdown.run();
     return code;
 }
 

@@ -15,6 +15,7 @@
 #include "session/PacketReader.h"
 #include "session/PacketWriter.h"
 #include "session/SlotTable.h"
+#include "shell/DesktopShell.h"
 #include "statistics/UserNames.h"
 
 namespace {
@@ -56,9 +57,8 @@ TimedEvents& TimedEvents::instance() {
 }
 
 TimedEvents::TimedEvents() {
-    // The count of users online from the web (9, each minute) joins this
-    // table with the web services. The song reaches plug-ins when the player
-    // says it changed, not on a timer of its own (5).
+    // The song reaches plug-ins when the player says it changed, not on a
+    // timer of its own (5).
     m_timers = {
         {1, 500, [this] { statusTick(); }},       // status line, caption, connect button
         {2, 100, &TimedEvents::sendTick},         // send queue, connection watchdog
@@ -67,6 +67,7 @@ TimedEvents::TimedEvents() {
         {6, 12000, &TimedEvents::voidTick},       // "/unignore" of oneself in The Void
         {7, 10000, &TimedEvents::recolourTick},   // idle colours of the list on screen
         {8, 50, [this] { delayedEventsTick(); }}, // chat events held back by the flood delay
+        {9, 60000, [] { DesktopShell::instance().RefreshUsersOnline(); }}, // users online (web)
     };
     m_heartbeat.setSingleShot(true);
     m_heartbeat.setTimerType(Qt::PreciseTimer);

@@ -145,6 +145,22 @@ bool CommandWrapper::RunArgumentCommand(int Index, const QString& Username, cons
     return runFromTable(kArgumentCommands, std::size(kArgumentCommands), word, context);
 }
 
+std::vector<CommandWrapper::Listing> CommandWrapper::Commands() {
+    std::vector<Listing> list;
+    const auto add = [&list](const CommandEntry* table, size_t rows, bool withArgument) {
+        for (size_t row = 0; row < rows; ++row) {
+            Listing entry{table[row].level, {}, withArgument};
+            for (const char* name : table[row].words)
+                if (name) entry.words.append(QString::fromLatin1(name));
+            list.push_back(entry);
+        }
+    };
+    add(kPlainCommands, std::size(kPlainCommands), false);
+    add(kArgumentCommands, std::size(kArgumentCommands), true);
+    add(kSettingCommands, std::size(kSettingCommands), true);
+    return list;
+}
+
 bool CommandWrapper::runFromTable(const CommandEntry* table, size_t rows, const QString& word,
                                   const CommandContext& context) {
     for (size_t row = 0; row < rows; ++row) {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
+#include <vector>
 
 struct CommandContext;
 struct CommandEntry;
@@ -21,6 +23,16 @@ public:
                          bool FromConsole);
     bool RunArgumentCommand(int Index, const QString& Username, const QString& Message, qint32 Rank,
                             bool FromConsole);
+
+    // Every command as the tables hold it, for the list the user reads: the
+    // least rank (100 asks for exactly 100), the words that name it, and
+    // whether it takes words behind it.
+    struct Listing {
+        qint32 level;
+        QStringList words;
+        bool withArgument;
+    };
+    static std::vector<Listing> Commands();
 
 private:
     static bool runFromTable(const CommandEntry* table, size_t rows, const QString& word,

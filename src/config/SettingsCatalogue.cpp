@@ -103,7 +103,8 @@ QList<Entry> programValues() {
             flag("BalloonBan", false),
             flag("BalloonFriendOn", false),
             flag("BalloonFriendOff", false),
-            flag("BalloonFriendGame", false)};
+            flag("BalloonFriendGame", false),
+            text("WebHost")};
 }
 
 // Keys whose values the catalogue knows by the shape of their path: the

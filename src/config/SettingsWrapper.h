@@ -169,6 +169,10 @@ public:
     CORVANTIDE_BOOL_SETTING(BalloonFriendOff, "BalloonFriendOff")
     CORVANTIDE_BOOL_SETTING(BalloonFriendGame, "BalloonFriendGame")
 
+    // The program's web site, "host" or "host:port": its version file and
+    // count of users online. Empty: no web reads at all.
+    CORVANTIDE_STRING_SETTING(WebHost)
+
 #undef CORVANTIDE_BOOL_SETTING
 #undef CORVANTIDE_DWORD_SETTING
 #undef CORVANTIDE_STRING_SETTING

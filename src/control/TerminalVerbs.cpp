@@ -1,5 +1,6 @@
 #include "control/TerminalVerbs.h"
 
+#include "commands/CommandsPage.h"
 #include "config/RegCommands.h"
 #include "config/RegistryWrapper.h"
 #include "config/SettingsWrapper.h"
@@ -46,7 +47,7 @@ VerbResult exportKey(const QStringList& args) {
 namespace TerminalVerbs {
 
 bool IsVerb(const QString& word) {
-    for (const char* verb : {"profile", "config", "database", "import", "export"}) {
+    for (const char* verb : {"profile", "config", "database", "import", "export", "commands"}) {
         if (word == QLatin1String(verb)) return true;
     }
     return false;
@@ -60,7 +61,8 @@ VerbResult Run(const QStringList& args) {
     if (verb == u"database") return RunDatabaseVerb(rest);
     if (verb == u"import") return import(args);
     if (verb == u"export") return exportKey(args);
-    return VerbResult::usage(QStringLiteral("profile|config|database|import|export ..."));
+    if (verb == u"commands") return {0, CommandsPage::Text(), {}};
+    return VerbResult::usage(QStringLiteral("profile|config|database|import|export|commands ..."));
 }
 
 QString Help() {
@@ -69,7 +71,9 @@ QString Help() {
            ProfileVerbsHelp() + ConfigVerbsHelp() + DatabaseVerbsHelp() +
            QStringLiteral("  import FILE                     import a REGEDIT4 file\n"
                           "  export KEY FILE                 export KEY and below to a new "
-                          "REGEDIT4 file\n");
+                          "REGEDIT4 file\n"
+                          "  commands                        list the bot's commands with the "
+                          "rank each needs\n");
 }
 
 } // namespace TerminalVerbs

@@ -3,8 +3,12 @@
 #include "chat/BotElement.h"
 #include "chat/TimedEvents.h"
 #include "commands/ChatInput.h"
+#include "commands/CommandsPage.h"
 #include "config/Folders.h"
 #include "config/SettingsWrapper.h"
+#include "desktop/DesktopIntegration.h"
+#include "desktop/WebSite.h"
+#include "desktop/WindowFader.h"
 #include "gui/ChatView.h"
 #include "gui/FoldOutPanels.h"
 #include "gui/IconPainter.h"
@@ -30,6 +34,7 @@
 #include <QClipboard>
 #include <QCloseEvent>
 #include <QDesktopServices>
+#include <QDir>
 #include <QFile>
 #include <QFontDatabase>
 #include <QHBoxLayout>
@@ -167,8 +172,7 @@ frmBot::frmBot(QWidget* parent) : QMainWindow(parent) {
         Qt::QueuedConnection);
     connect(&DesktopShell::instance(), &DesktopShell::clipboardTextOffered, this,
             [](const QString& text) { QApplication::clipboard()->setText(text); });
-    connect(&DesktopShell::instance(), &DesktopShell::windowVisibilityRequested, this,
-            &QWidget::setVisible, Qt::QueuedConnection);
+    m_desktop = new DesktopIntegration(this, IconPainter::icon(IconPainter::Program), m_mnuSysTray);
     connect(&TimedEvents::instance(), &TimedEvents::statusChanged, this, &frmBot::onStatusChanged);
     connect(&SettingsWrapper::instance(), &SettingsWrapper::settingChanged, this,
             &frmBot::onSettingChanged);
@@ -183,7 +187,7 @@ frmBot::frmBot(QWidget* parent) : QMainWindow(parent) {
     LoadFonts();
     applyLayout();
     refreshMenuMarks();
-    setWindowOpacity(SettingsWrapper::instance().Transparency() / 100.0);
+    m_desktop->fader()->SetOpacity(SettingsWrapper::instance().Transparency());
     DisplayProfiles();
     onSlotSelected(table.CurrentIndex());
     onStatusChanged();
@@ -211,6 +215,7 @@ void frmBot::buildMenus() {
         menuBar()->addAction(action);
     }
     buildProfileMenus();
+    buildTrayMenu();
 }
 
 QMenu* frmBot::buildBotMenu() {
@@ -369,10 +374,9 @@ QMenu* frmBot::buildWindowMenu() {
     m_mnuLocked->setCheckable(true);
     connect(m_mnuLocked, &QAction::triggered, this,
             [](bool on) { SettingsWrapper::instance().setLocked(on); });
-    // Without a tray to come back from, hiding folds the window away to the
-    // desktop's task bar.
     window->addAction(QStringLiteral("Hide/show"), this,
-                      [this] { isMinimized() ? showNormal() : showMinimized(); });
+                      [] { DesktopShell::instance().toggleWindow(); })
+        ->setObjectName(QStringLiteral("mnuHide"));
     return window;
 }
 
@@ -394,7 +398,98 @@ QMenu* frmBot::buildHelpMenu() {
         box->open();
     });
     help->setDefaultAction(about);
+    about->setObjectName(QStringLiteral("mnuAbout"));
+    help->addAction(QStringLiteral("Commands"), this, [this] {
+        QString cause;
+        const QString page = CommandsPage::WriteHtml(&cause);
+        if (page.isEmpty())
+            WriteChat(0, Status::Error,
+                      QStringLiteral("Could not write the list of commands: ") + cause + u'.');
+        else
+            openHelpPage(page);
+    })->setObjectName(QStringLiteral("mnuCommands"));
+    for (const auto& [caption, path] : {std::pair{"Homepage", "/"}, {"Support", "/support"}}) {
+        const QString where = QString::fromLatin1(path);
+        help->addAction(QString::fromLatin1(caption), this, [where] {
+            const QUrl address = WebSite::Address(where);
+            if (address.isEmpty())
+                WriteChat(0, Status::Error,
+                          QStringLiteral("No web site is set: the setting WebHost in Settings "
+                                         "names it."));
+            else
+                QDesktopServices::openUrl(address);
+        })->setObjectName(QStringLiteral("mnu") + QString::fromLatin1(caption));
+    }
+    help->addAction(QStringLiteral("ReadMe"), this, [this] {
+        // Installed beside the package's other documents; in a build, the
+        // checkout's own.
+        const QDir program(QCoreApplication::applicationDirPath());
+        for (const char* place : {"../share/doc/corvantide/README.md", "../README.md"}) {
+            if (program.exists(QString::fromLatin1(place))) {
+                openHelpPage(program.absoluteFilePath(QString::fromLatin1(place)));
+                return;
+            }
+        }
+        WriteChat(0, Status::Error,
+                  QStringLiteral("The ReadMe is not installed beside the program."));
+    })->setObjectName(QStringLiteral("mnuReadMe"));
+    m_mnuHelp = help;
     return help;
+}
+
+void frmBot::openHelpPage(const QString& path) {
+    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(path)))
+        WriteChat(0, Status::Error,
+                  QStringLiteral("No program of this desktop opens ") + path + u'.');
+}
+
+// The tray icon's menu. Its lines go out at once, past the queue.
+void frmBot::buildTrayMenu() {
+    m_mnuSysTray = new QMenu(this);
+    m_mnuSysTray->setObjectName(QStringLiteral("mnuSysTray"));
+    m_mnuSysTray
+        ->addAction(QStringLiteral("Restore"), this,
+                    [] { DesktopShell::instance().showWindow(); })
+        ->setObjectName(QStringLiteral("mnuRestore"));
+    m_mnuSysTray->addAction(QStringLiteral("Lookup profile"), this,
+                            [this] { LookupProfile(this); });
+    m_mnuSysTray
+        ->addAction(QStringLiteral("Send message"), this,
+                    [this] {
+                        const int slot = SlotTable::instance().CurrentIndex();
+                        if (slot == 0) {
+                            WriteChat(0, Status::Error,
+                                      QStringLiteral("There is no profile on screen to send to."));
+                            return;
+                        }
+                        askInTurn(this, QStringLiteral("Enter message..."),
+                                  {{QStringLiteral("Enter message to send for profile: ") +
+                                        Bots(slot).Profile(),
+                                    QString()}},
+                                  [slot](const QStringList& a) { SendChatLine(slot, a[0]); });
+                    })
+        ->setObjectName(QStringLiteral("mnuSendMessage"));
+    m_mnuSysTray
+        ->addAction(QStringLiteral("Send message for all"), this,
+                    [this] {
+                        askInTurn(this, QStringLiteral("Enter message..."),
+                                  {{QStringLiteral("Enter message to send for all profiles"),
+                                    QString()}},
+                                  [](const QStringList& a) {
+                                      SlotTable& table = SlotTable::instance();
+                                      for (int i = 1; i <= table.highestIndex(); ++i)
+                                          if (Bots(i).Online()) SendChatLine(i, a[0]);
+                                  });
+                    })
+        ->setObjectName(QStringLiteral("mnuSendMessage4All"));
+    m_mnuSysTray->addSeparator();
+    m_mnuSysTray
+        ->addAction(QStringLiteral("Exit"), this,
+                    [this] {
+                        DesktopShell::instance().showWindow();
+                        QTimer::singleShot(0, this, &QWidget::close);
+                    })
+        ->setObjectName(QStringLiteral("mnuExit"));
 }
 
 void frmBot::buildProfileMenus() {
@@ -640,6 +735,9 @@ void frmBot::buildStatusBar() {
     m_status = new QLabel;
     m_status->setObjectName(QStringLiteral("lblStatus"));
     statusBar()->addWidget(m_status, 1);
+    m_lblUsers = new QLabel;
+    m_lblUsers->setObjectName(QStringLiteral("lblUsers"));
+    statusBar()->addPermanentWidget(m_lblUsers);
     const char* const rows[] = {"Information", "Clan",    "Channels", "Music",
                                 "Plugins",     "Sidebar", "Lists"};
     for (int row = 0; row < 7; ++row) {
@@ -818,7 +916,7 @@ void frmBot::onSettingChanged(const QString& property) {
     } else if (property == QLatin1String("WhisperPanel") || property == QLatin1String("Sidebar")) {
         applyLayout();
     } else if (property == QLatin1String("Transparency")) {
-        setWindowOpacity(SettingsWrapper::instance().Transparency() / 100.0);
+        m_desktop->fader()->SetOpacity(SettingsWrapper::instance().Transparency());
     }
     refreshMenuMarks();
 }
@@ -855,5 +953,15 @@ void frmBot::closeEvent(QCloseEvent* event) {
         event->ignore();
         return;
     }
+    // The window fades out first, then closes for good.
+    if (isVisible() && !m_desktop->fader()->FadeDone()) {
+        event->ignore();
+        m_desktop->FadeOutThen([this] {
+            confirmClose = false;
+            close();
+        });
+        return;
+    }
     event->accept();
+    Q_EMIT closedForGood();
 }

@@ -6,6 +6,7 @@
 #include <vector>
 
 class ChatView;
+class DesktopIntegration;
 class FoldOutPanels;
 class ProfileTabBar;
 class QAction;
@@ -70,6 +71,10 @@ public:
     QAction* mnuDisconnect() const { return m_mnuDisconnect; }
     QAction* mnuClear() const { return m_mnuClear; }
     QWidget* sidebar() const { return m_sidebar; }
+    QLabel* lblUsers() const { return m_lblUsers; }
+    QMenu* mnuSysTray() const { return m_mnuSysTray; }
+    QMenu* mnuHelp() const { return m_mnuHelp; }
+    DesktopIntegration* desktop() const { return m_desktop; }
 
     // The profile form, on the profile of that slot when it has one.
     frmConfig* openConfiguration(int slot);
@@ -92,6 +97,8 @@ public:
 Q_SIGNALS:
     // The user list asks for the control panel, opened on that row.
     void controlPanelRequested(int row);
+    // The user agreed to close (or a command asked): the program ends.
+    void closedForGood();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -103,6 +110,8 @@ private:
     QMenu* buildViewMenu();
     QMenu* buildWindowMenu();
     QMenu* buildHelpMenu();
+    void buildTrayMenu();
+    void openHelpPage(const QString& path);
     void buildProfileMenus();
     QWidget* buildCentre();
     void buildStatusBar();
@@ -140,10 +149,14 @@ private:
     QWidget* m_listChooser = nullptr;
     FoldOutPanels* m_panels = nullptr;
     QLabel* m_status = nullptr;
+    QLabel* m_lblUsers = nullptr;
     QTimer* m_tmrUpdate = nullptr;
     bool m_applyingFonts = false;
 
     QMenu* m_mnuBot = nullptr;
+    QMenu* m_mnuHelp = nullptr;
+    QMenu* m_mnuSysTray = nullptr;
+    DesktopIntegration* m_desktop = nullptr;
     QMenu* m_mnuProfileClick = nullptr;
     QMenu* m_mnuProfileAdd = nullptr;
     QMenu* m_mnuProfiles = nullptr;

@@ -2,6 +2,7 @@
 // whispers, and what the server says itself.
 #include "chat/BotElement.h"
 #include "chat/ChannelView.h"
+#include "chat/EventNotices.h"
 #include "commands/AliasesAndGroups.h"
 #include "commands/BlocksAndFilters.h"
 #include "commands/BotMail.h"
@@ -327,9 +328,11 @@ void ConnectionWrapper::Handle_ChatEvent_Talk(int Index, const QString& Username
         }
         shown = !gated;
     }
-    if (shown)
+    if (shown) {
         ParseOutput(Index, rtbChat(Index), CurrentTheme().events.talk, EventUser::fromRaw(Username),
                     Text, {}, Ping, Flags);
+        NotifyEvent(Index, NoticeEvent::Talk, Username, Text);
+    }
     runScript(Index, "Event_UserTalk", {Username, Text, Flags, Ping});
 }
 
@@ -344,9 +347,11 @@ void ConnectionWrapper::Handle_ChatEvent_Emote(int Index, const QString& Usernam
         if (withinFloodDelay(u.Uptime)) return;
     }
     if (settings().DecodeUTF8()) Text = DecodeUTF8(Text);
-    if (!(IsBlocked(plain) || IsFiltered(Text)))
+    if (!(IsBlocked(plain) || IsFiltered(Text))) {
         ParseOutput(Index, rtbChat(Index), CurrentTheme().events.emote, EventUser::fromRaw(Username),
                     Text, {}, Ping, Flags);
+        NotifyEvent(Index, NoticeEvent::Emote, Username, Text);
+    }
     runScript(Index, "Event_UserEmote", {Username, Text, Flags, Ping}, "Event_Emote");
 }
 
@@ -370,10 +375,17 @@ void ConnectionWrapper::Handle_ChatEvent_WhisperFrom(int Index, const QString& U
         const QString trigger = bot.Config.Trigger();
         if (!Text.isEmpty() && !trigger.isEmpty() && Text[0] == trigger[0])
             CommandWrapper().SearchCommands(Index, Username, Text.mid(1), false);
+        NotifyEvent(Index, NoticeEvent::Whisper, Username, Text);
     }
     if (matchesPattern(Text, QStringLiteral("Your friend * has exited Battle.net.")) ||
-        matchesPattern(Text, QStringLiteral("Your friend * has entered Battle.net.")))
+        matchesPattern(Text, QStringLiteral("Your friend * has entered Battle.net."))) {
         Output_FriendsList(Index);
+        NotifyEvent(Index,
+                    Text.contains(QLatin1String("exited Battle.net."))
+                        ? NoticeEvent::FriendExited
+                        : NoticeEvent::FriendEntered,
+                    Username, Text);
+    }
     runScript(Index, "Event_WhisperFrom", {Username, Text, Flags, Ping});
 }
 
@@ -419,6 +431,7 @@ void ConnectionWrapper::Handle_ChatEvent_Information(int Index, const QString& T
     } else if (matchesPattern(Text, QStringLiteral("* kicked you out of the channel!"))) {
         bot.ClearQueue();
         bot.Queue.append(QStringLiteral("/join ") + bot.ChannelNonVoid());
+        NotifyEvent(Index, NoticeEvent::Kicked, {}, Text);
         WriteChat(Index, Status::Warning, line);
         WriteChat(Index, Status::Information, QStringLiteral("[BNET] Attempting to rejoin..."));
     } else {

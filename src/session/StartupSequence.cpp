@@ -16,6 +16,7 @@
 #include "presentation/Theme.h"
 #include "session/MachineFacts.h"
 #include "session/SlotTable.h"
+#include "shell/DesktopShell.h"
 
 #include <QDir>
 
@@ -186,6 +187,29 @@ bool startTimers() {
     return true;
 }
 
+// The desktop services take these; a run on the terminal has none, and the
+// steps pass by.
+bool createTrayIcon() {
+    DesktopShell::instance().AddTrayIcon();
+    return true;
+}
+
+bool registerHotkey() {
+    DesktopShell::instance().RegisterHideHotkey();
+    return true;
+}
+
+bool countOnlineUsers() {
+    DesktopShell::instance().RefreshUsersOnline();
+    return true;
+}
+
+// The answer comes later: the start never waits on the web site.
+bool checkForUpdates() {
+    DesktopShell::instance().CheckForUpdates();
+    return true;
+}
+
 bool finish() {
     SlotTable::instance().IsLoaded = true;
     WriteChat(0, {{CurrentTheme().status.Success,
@@ -199,8 +223,10 @@ StartupSequence::StartupSequence() {
     m_steps = {
         {QStringLiteral("Starting Corvantide.."), startSlots},
         {QStringLiteral("Grabbing cached variables.."), grabCachedVariables},
+        {QStringLiteral("Creating tray icon.."), createTrayIcon},
         {QStringLiteral("Importing script file.."), importScript},
         {QString(), openStore},
+        {QStringLiteral("Registering hide/show hotkey (Alt+M)..."), registerHotkey},
         {QStringLiteral("Printing welcome message..."), printWelcome},
         {QStringLiteral("Applying previous Theme.."), applyPreviousTheme},
         {QStringLiteral("Checking BNCSutil..."), checkLogonLibrary},
@@ -214,6 +240,8 @@ StartupSequence::StartupSequence() {
         {QStringLiteral("Importing Profiles.."), importProfiles},
         {QStringLiteral("Importing Themes.."), importThemes},
         {QStringLiteral("Initializing timers..."), startTimers},
+        {QStringLiteral("Checking for online users..."), countOnlineUsers},
+        {QStringLiteral("Checking for updates..."), checkForUpdates},
         {QString(), finish},
     };
 }

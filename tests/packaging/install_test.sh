@@ -18,7 +18,8 @@ for file in bin/corvantide bin/corvantide-sandbox \
     share/icons/hicolor/scalable/apps/corvantide.svg \
     share/icons/hicolor/48x48/apps/corvantide.png \
     share/man/man1/corvantide.1.gz share/man/man1/corvantide-sandbox.1.gz \
-    share/doc/corvantide/copyright lib/systemd/user/corvantide-headless@.service; do
+    share/doc/corvantide/copyright share/doc/corvantide/README.md \
+    lib/systemd/user/corvantide-headless@.service; do
     [ -f "$prefix/$file" ] || fail "cmake --install did not put $file in place"
 done
 

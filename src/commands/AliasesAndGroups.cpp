@@ -2,10 +2,13 @@
 
 #include "config/RegistryWrapper.h"
 #include "config/SettingsWrapper.h"
+#include "platform/Cp1252.h"
 #include "platform/ListModel.h"
 #include "presentation/UserColors.h"
 #include "session/SlotTable.h"
 #include "statistics/UserNames.h"
+
+#include <QHash>
 
 namespace {
 
@@ -33,13 +36,14 @@ public:
         return listKey(key(entry), names);
     }
 
+    // Every line on screen asks for its user's alias and group, so the tree's
+    // members are indexed once and the index holds until the store's next
+    // write.
     QString find(const QString& name) const {
-        QStringList entries;
-        list(entries);
-        for (const QString& entry : entries) {
-            if (!isMember(entry, name).isEmpty()) return entry;
-        }
-        return {};
+        if (name.isEmpty() || name.contains(u'\\')) return {};
+        RegistryWrapper& now = store();
+        if (m_index.store != &now || m_index.writes != now.writeCount()) rebuildIndex(now);
+        return m_index.firstEntry.value(lookupForm(name));
     }
 
     QString isMember(const QString& entry, const QString& name) const {
@@ -83,12 +87,45 @@ public:
     }
 
 private:
+    // As the store compares key names: in the code page's letters, without
+    // regard to case.
+    static QString lookupForm(const QString& name) {
+        bool ascii = true;
+        for (QChar c : name)
+            ascii = ascii && c.unicode() < 0x80;
+        return (ascii ? name : cp1252::decode(cp1252::encode(name))).toLower();
+    }
+
+    void rebuildIndex(RegistryWrapper& now) const {
+        m_index.firstEntry.clear();
+        QStringList entries;
+        list(entries);
+        for (const QString& entry : entries) {
+            QStringList names;
+            if (entry.isEmpty() || members(entry, names) < 0) continue;
+            for (const QString& member : names) {
+                // The first entry in the store's order that has the member.
+                const QString form = lookupForm(member);
+                if (!member.isEmpty() && !m_index.firstEntry.contains(form))
+                    m_index.firstEntry.insert(form, entry);
+            }
+        }
+        m_index.store = &now;
+        m_index.writes = now.writeCount();
+    }
+
     static int listKey(const QString& path, QStringList& names) {
         if (store().EnumKeys(path, names) < 0) return -1;
         return int(names.size()) - 1;
     }
 
     QString m_name;
+    struct Index {
+        const RegistryWrapper* store = nullptr;
+        quint64 writes = 0;
+        QHash<QString, QString> firstEntry; // member's lookup form -> entry
+    };
+    mutable Index m_index;
 };
 
 const Tree& aliases() {

@@ -105,7 +105,8 @@ LoadedList& filterList() {
 // that a hand edit counts from the next line on. A file that is gone keeps
 // the list as it is: the next load creates it empty.
 PatternList& current(LoadedList& loaded, const char* name, void (*load)()) {
-    const std::optional<FileStamp> now = FileStamp::of(SettingsFilePath(QLatin1String(name)));
+    const std::optional<FileStamp> now =
+        FileStamp::ofInBurst(SettingsFilePath(QLatin1String(name)));
     if (now && now != loaded.stamp) load();
     return loaded.list;
 }

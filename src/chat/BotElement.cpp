@@ -57,9 +57,9 @@ void BotElement::userDel(const QString& name) {
     const QString key = m_plainKeys[at];
     if (--m_givenNames[Users[at].Username().toLower()] == 0)
         m_givenNames.remove(Users[at].Username().toLower());
-    Users.erase(Users.begin() + qsizetype(at));
-    m_arrivals.erase(m_arrivals.begin() + qsizetype(at));
-    m_plainKeys.erase(m_plainKeys.begin() + qsizetype(at));
+    Users.erase(at);
+    m_arrivals.erase(at);
+    m_plainKeys.erase(at);
     // The user found is the first of the name; the next of it, if any, is
     // further on.
     NameEntry& entry = m_plainNames[key];
@@ -84,8 +84,7 @@ void BotElement::userClear() {
 }
 
 int BotElement::positionOf(quint64 arrival) const {
-    const auto it = std::lower_bound(m_arrivals.begin(), m_arrivals.end(), arrival);
-    return int(it - m_arrivals.begin()) + 1;
+    return int(m_arrivals.partitionPoint([arrival](quint64 a) { return a < arrival; })) + 1;
 }
 
 int BotElement::UserFind(const QString& name) const {

@@ -36,24 +36,17 @@ void InsertUserItem(int Index, const QString& username, qint32 flags, qint32 pin
 
 void RemoveUserItems(int Index, const QString& plainName) {
     ListModel& list = lvUsers(Index);
-    const QString key = keyOf(plainName);
-    for (int i = list.count(); i >= 1 && list.keyCount(key) > 0; --i) {
-        if (list.item(i).key == key) list.removeAt(i);
-    }
+    for (int row : list.rowsWithKey(keyOf(plainName)))
+        list.removeAt(row);
 }
 
 bool UpdateUserItems(int Index, const QString& username, qint32 flags, qint32 ping,
                      const QString& statstring) {
     ListModel& list = lvUsers(Index);
-    const QString key = keyOf(ConvertUsername(username, false, -1));
-    if (list.keyCount(key) == 0) return false;
-    bool found = false;
-    for (int i = list.count(); i >= 1; --i) {
-        if (list.item(i).key != key) continue;
-        list.setItem(i, userItem(Index, username, flags, ping, statstring));
-        found = true;
-    }
-    return found;
+    const std::vector<int> rows = list.rowsWithKey(keyOf(ConvertUsername(username, false, -1)));
+    for (int row : rows)
+        list.setItem(row, userItem(Index, username, flags, ping, statstring));
+    return !rows.empty();
 }
 
 void RefreshUserLists() {

@@ -89,6 +89,7 @@ private:
 struct LoadedList {
     PatternList list;
     std::optional<FileStamp> stamp;
+    quint64 lookedInBurst = 0;
 };
 
 LoadedList& blockList() {
@@ -105,8 +106,11 @@ LoadedList& filterList() {
 // that a hand edit counts from the next line on. A file that is gone keeps
 // the list as it is: the next load creates it empty.
 PatternList& current(LoadedList& loaded, const char* name, void (*load)()) {
-    const std::optional<FileStamp> now =
-        FileStamp::ofInBurst(SettingsFilePath(QLatin1String(name)));
+    // Within a burst the file is looked at once.
+    const quint64 burst = FileStamp::burst();
+    if (burst != 0 && loaded.lookedInBurst == burst) return loaded.list;
+    loaded.lookedInBurst = burst;
+    const std::optional<FileStamp> now = FileStamp::of(SettingsFilePath(QLatin1String(name)));
     if (now && now != loaded.stamp) load();
     return loaded.list;
 }

@@ -7,6 +7,7 @@
 namespace {
 
 int g_burstDepth = 0;
+quint64 g_burstNumber = 0;
 
 // The stamps looked at in the burst under way.
 QHash<QString, std::optional<FileStamp>>& seenInBurst() {
@@ -43,8 +44,12 @@ std::optional<FileStamp> FileStamp::ofInBurst(const QString& path, Kind kind) {
     return *seen.insert(path, look(path, kind));
 }
 
+quint64 FileStamp::burst() {
+    return g_burstDepth > 0 ? g_burstNumber : 0;
+}
+
 FileStamp::Burst::Burst() {
-    ++g_burstDepth;
+    if (g_burstDepth++ == 0) ++g_burstNumber;
 }
 
 FileStamp::Burst::~Burst() {

@@ -23,6 +23,9 @@ public:
     // after it. Outside a burst every call looks.
     static std::optional<FileStamp> ofInBurst(const QString& path, Kind kind = Kind::File);
 
+    // The number of the burst under way, a new one each time; 0 outside one.
+    static quint64 burst();
+
     // Marks a burst for as long as it lives; bursts may nest.
     class Burst {
     public:

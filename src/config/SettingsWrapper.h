@@ -3,6 +3,7 @@
 #include "config/SettingsCatalogue.h"
 
 #include <QObject>
+#include <QHash>
 #include <QSet>
 #include <QString>
 #include <QStringList>
@@ -193,5 +194,13 @@ private:
     QString readFont(const QString& valueName, bool* fellBack = nullptr) const;
 
     RegistryWrapper& store_;
+    // Dwords as read since the store's last write, by value name: every chat
+    // event asks for a few settings, and the store's next write forgets them.
+    struct DwordRead {
+        qint32 defaultValue;
+        qint32 value;
+    };
+    mutable QHash<QString, DwordRead> dwords_;
+    mutable quint64 dwordsWrites_ = ~quint64(0);
     QSet<QString> fonts_;
 };

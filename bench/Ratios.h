@@ -14,7 +14,7 @@ class RatioReporter : public benchmark::ConsoleReporter {
 public:
     struct Ratio {
         std::string label;
-        std::string numerator;   // function and arguments, e.g. "JoinAndLeave/users:10000"
+        std::string numerator; // function and arguments, e.g. "JoinAndLeave/users:10000"
         std::string denominator;
     };
 
@@ -29,7 +29,8 @@ public:
             if (value == run.counters.end()) continue;
             const auto& name = run.run_name;
             figures_[name.args.empty() ? name.function_name
-                                       : name.function_name + "/" + name.args] = value->second.value;
+                                       : name.function_name + "/" + name.args] =
+                value->second.value;
         }
         ConsoleReporter::ReportRuns(runs);
     }

@@ -105,7 +105,8 @@ Stream makeStream(int channel, Mix mix) {
 const Stream& stream(int channel, Mix mix = Mix::Chat) {
     static std::map<std::pair<int, Mix>, Stream> made;
     auto it = made.find({channel, mix});
-    if (it == made.end()) it = made.emplace(std::pair{channel, mix}, makeStream(channel, mix)).first;
+    if (it == made.end())
+        it = made.emplace(std::pair{channel, mix}, makeStream(channel, mix)).first;
     return it->second;
 }
 
@@ -157,17 +158,22 @@ void writeAliasesAndGroups(int entries) {
         store.EnumKeys(SettingsWrapper::RootKey() + QLatin1String(tree), names);
         for (const QString& name : names)
             if (!name.isEmpty())
-                tree == QLatin1String("Aliases") ? (void)DeleteAlias(name) : (void)DeleteGroup(name);
+                tree == QLatin1String("Aliases") ? (void)DeleteAlias(name)
+                                                 : (void)DeleteGroup(name);
     }
     QString reg = QStringLiteral("REGEDIT4\r\n\r\n");
     const QString root = QStringLiteral("[HKEY_CURRENT_USER\\Software\\Corvantide4\\");
     for (int e = 0; e < entries; ++e) {
-        reg += root + QStringLiteral("Groups\\Group%1]\r\n\"Color\"=dword:%2\r\n\"Prefix\"=\"G%1\"\r\n\r\n")
+        reg += root + QStringLiteral(
+                          "Groups\\Group%1]\r\n\"Color\"=dword:%2\r\n\"Prefix\"=\"G%1\"\r\n\r\n")
                           .arg(e)
                           .arg(0x102030 + e, 8, 16, QChar(u'0'));
         for (int m = 0; m < 5; ++m) {
-            reg += root + QStringLiteral("Groups\\Group%1\\%2]\r\n\r\n").arg(e).arg(nameOf(e * 7 + m * 3));
-            reg += root + QStringLiteral("Aliases\\Alias%1\\%2]\r\n\r\n").arg(e).arg(nameOf(e * 5 + m * 11 + 1));
+            reg += root +
+                   QStringLiteral("Groups\\Group%1\\%2]\r\n\r\n").arg(e).arg(nameOf(e * 7 + m * 3));
+            reg += root + QStringLiteral("Aliases\\Alias%1\\%2]\r\n\r\n")
+                              .arg(e)
+                              .arg(nameOf(e * 5 + m * 11 + 1));
         }
     }
     store.ImportRegText(reg.toLatin1());
@@ -210,7 +216,8 @@ void JoinAndLeave(benchmark::State& state) {
 
 // One look-up of each event's name, the channel as it was when the stream
 // began.
-template <typename Find> void lookUpEachEventsName(benchmark::State& state, int channel, Find find) {
+template <typename Find>
+void lookUpEachEventsName(benchmark::State& state, int channel, Find find) {
     const Stream& s = stream(channel);
     const int slot = enterChannel(s);
     const BotElement& bot = Bots(slot);
@@ -226,9 +233,9 @@ template <typename Find> void lookUpEachEventsName(benchmark::State& state, int 
 }
 
 void UserFindThroughTheIndex(benchmark::State& state) {
-    lookUpEachEventsName(state, int(state.range(0)), [](const BotElement& bot, const QString& name) {
-        return bot.UserFind(name);
-    });
+    lookUpEachEventsName(
+        state, int(state.range(0)),
+        [](const BotElement& bot, const QString& name) { return bot.UserFind(name); });
 }
 
 // Both names in their plain form, lower-cased, compared user by user.
@@ -248,16 +255,33 @@ void UserFindByWalkingTheChannel(benchmark::State& state) {
 BENCHMARK(ChatEventsThroughTheSlot)->Unit(benchmark::kMillisecond)->Iterations(3);
 BENCHMARK(ChatEventsWithAliasesAndGroups)
     ->ArgName("entries")
-    ->Arg(0)->Arg(10)->Arg(50)->Arg(100)->Arg(1000)
+    ->Arg(0)
+    ->Arg(10)
+    ->Arg(50)
+    ->Arg(100)
+    ->Arg(1000)
     ->Unit(benchmark::kMillisecond)
     ->Iterations(2);
 BENCHMARK(ChatEventsWithMailbox)
     ->ArgName("letters")
-    ->Arg(0)->Arg(10)->Arg(100)->Arg(1000)->Arg(10000)
+    ->Arg(0)
+    ->Arg(10)
+    ->Arg(100)
+    ->Arg(1000)
+    ->Arg(10000)
     ->Unit(benchmark::kMillisecond)
     ->Iterations(2);
-BENCHMARK(JoinAndLeave)->ArgName("users")->Arg(100)->Arg(10000)->Unit(benchmark::kMillisecond)->Iterations(2);
-BENCHMARK(UserFindThroughTheIndex)->ArgName("users")->Arg(100)->Arg(10000)->Unit(benchmark::kMillisecond);
+BENCHMARK(JoinAndLeave)
+    ->ArgName("users")
+    ->Arg(100)
+    ->Arg(10000)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(2);
+BENCHMARK(UserFindThroughTheIndex)
+    ->ArgName("users")
+    ->Arg(100)
+    ->Arg(10000)
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(UserFindByWalkingTheChannel)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char** argv) {
@@ -281,8 +305,10 @@ int main(int argc, char** argv) {
          {"aliases and groups 1000 / 0", "ChatEventsWithAliasesAndGroups/entries:1000",
           "ChatEventsWithAliasesAndGroups/entries:0"},
          {"mailbox 10 / 0", "ChatEventsWithMailbox/letters:10", "ChatEventsWithMailbox/letters:0"},
-         {"mailbox 100 / 0", "ChatEventsWithMailbox/letters:100", "ChatEventsWithMailbox/letters:0"},
-         {"mailbox 1000 / 0", "ChatEventsWithMailbox/letters:1000", "ChatEventsWithMailbox/letters:0"},
+         {"mailbox 100 / 0", "ChatEventsWithMailbox/letters:100",
+          "ChatEventsWithMailbox/letters:0"},
+         {"mailbox 1000 / 0", "ChatEventsWithMailbox/letters:1000",
+          "ChatEventsWithMailbox/letters:0"},
          {"mailbox 10000 / 0", "ChatEventsWithMailbox/letters:10000",
           "ChatEventsWithMailbox/letters:0"},
          {"join and leave at 10000 users / at 100", "JoinAndLeave/users:10000",

@@ -2,10 +2,10 @@
 // same files' 32-bit words. The check does a few register operations per word, so it should
 // run at a good fraction of the plain loop's speed; the ratios are printed at the end.
 
+#include "Ratios.h"
 #include "logon/BncsUtil.h"
 #include "logon/ChecksumFormula.h"
 #include "logon/PaddedFileReader.h"
-#include "Ratios.h"
 
 #include <benchmark/benchmark.h>
 #include <cstdlib>
@@ -128,8 +128,8 @@ int main(int argc, char** argv) {
     // The speed of each check as a share of its plain loop.
     RatioReporter reporter("bytes_per_second",
                            {{"VersionCheck / PlainWordSum", "VersionCheck", "PlainWordSum"},
-                            {"VersionCheckInMemory / PlainWordSumInMemory",
-                             "VersionCheckInMemory", "PlainWordSumInMemory"}});
+                            {"VersionCheckInMemory / PlainWordSumInMemory", "VersionCheckInMemory",
+                             "PlainWordSumInMemory"}});
     benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::Shutdown();
     return 0;

@@ -2,6 +2,7 @@
 
 #include "chat/BotElement.h"
 #include "platform/ListModel.h"
+#include "platform/LowerCase.h"
 #include "presentation/UserColors.h"
 #include "presentation/UserIcons.h"
 #include "session/SlotTable.h"
@@ -12,7 +13,7 @@ namespace {
 
 // Items are keyed by the lower-cased plain name of their user.
 QString keyOf(const QString& plainName) {
-    return plainName.toLower();
+    return LowerCase(plainName);
 }
 
 ListItem userItem(int Index, const QString& username, qint32 flags, qint32 ping,

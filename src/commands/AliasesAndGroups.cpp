@@ -4,6 +4,7 @@
 #include "config/SettingsWrapper.h"
 #include "platform/Cp1252.h"
 #include "platform/ListModel.h"
+#include "platform/LowerCase.h"
 #include "presentation/UserColors.h"
 #include "session/SlotTable.h"
 #include "statistics/UserNames.h"
@@ -93,7 +94,7 @@ private:
         bool ascii = true;
         for (QChar c : name)
             ascii = ascii && c.unicode() < 0x80;
-        return (ascii ? name : cp1252::decode(cp1252::encode(name))).toLower();
+        return LowerCase(ascii ? name : cp1252::decode(cp1252::encode(name)));
     }
 
     void rebuildIndex(RegistryWrapper& now) const {

@@ -3,6 +3,7 @@
 #include "config/FileStamp.h"
 #include "config/Folders.h"
 #include "config/TextListFile.h"
+#include "platform/LowerCase.h"
 #include "presentation/UserColors.h"
 
 #include <vector>
@@ -37,7 +38,7 @@ public:
         if (m_entries.isEmpty()) clear();
     }
     bool matches(const QString& text, bool skipEmpty) const {
-        const QString lowered = text.toLower();
+        const QString lowered = LowerCase(text);
         for (size_t i = 0; i < m_patterns.size(); ++i) {
             if (skipEmpty && m_entries[qsizetype(i)].isEmpty()) continue;
             if (matchPrepared(lowered, m_patterns[i])) return true;

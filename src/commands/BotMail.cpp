@@ -56,7 +56,8 @@ struct Mailbox {
 int waitingMail(int Index, const QString& user) {
     static QHash<QString, Mailbox> mailboxes;
     const QString folder = mailFolder();
-    const std::optional<FileStamp> folderNow = FileStamp::ofInBurst(folder, FileStamp::Kind::Folder);
+    const std::optional<FileStamp> folderNow =
+        FileStamp::ofInBurst(folder, FileStamp::Kind::Folder);
     if (!folderNow) return 0;
     if (mailboxes.size() > 64) mailboxes.clear();
     Mailbox& box = mailboxes[Bots(Index).Config.Account().toLower()];

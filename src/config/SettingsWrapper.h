@@ -2,8 +2,8 @@
 
 #include "config/SettingsCatalogue.h"
 
-#include <QObject>
 #include <QHash>
+#include <QObject>
 #include <QSet>
 #include <QString>
 #include <QStringList>
@@ -54,7 +54,7 @@ public:
 #define CORVANTIDE_BOOL_SETTING(Name, ValueName)                                                   \
     bool Name() const {                                                                            \
         static const bool fallback =                                                               \
-            SettingsCatalogue::ProgramDefault(QStringLiteral(ValueName)) != u"0";                 \
+            SettingsCatalogue::ProgramDefault(QStringLiteral(ValueName)) != u"0";                  \
         return readBool(QStringLiteral(ValueName), fallback);                                      \
     }                                                                                              \
     bool set##Name(bool on) {                                                                      \
@@ -62,7 +62,8 @@ public:
     }
 #define CORVANTIDE_DWORD_SETTING(Name)                                                             \
     qint32 Name() const {                                                                          \
-        static const qint32 fallback = SettingsCatalogue::ProgramDefault(QStringLiteral(#Name)).toInt(); \
+        static const qint32 fallback =                                                             \
+            SettingsCatalogue::ProgramDefault(QStringLiteral(#Name)).toInt();                      \
         return readDword(QStringLiteral(#Name), fallback);                                         \
     }                                                                                              \
     bool set##Name(qint32 value) {                                                                 \

@@ -28,7 +28,8 @@ public:
         using reference = std::conditional_t<Const, const T&, T&>;
 
         Iterator() = default;
-        Iterator(List* list, std::size_t run, std::size_t at) : m_list(list), m_run(run), m_at(at) {}
+        Iterator(List* list, std::size_t run, std::size_t at)
+            : m_list(list), m_run(run), m_at(at) {}
         reference operator*() const { return m_list->m_runs[m_run][m_at]; }
         pointer operator->() const { return &**this; }
         Iterator& operator++() {
@@ -83,8 +84,9 @@ public:
     // The index of the first item for which `before` is false, on items
     // partitioned by it (as std::partition_point); the size when none is.
     template <typename Before> std::size_t partitionPoint(Before before) const {
-        const auto run = std::partition_point(m_runs.begin(), m_runs.end(),
-                                              [&](const std::vector<T>& r) { return before(r.back()); });
+        const auto run =
+            std::partition_point(m_runs.begin(), m_runs.end(),
+                                 [&](const std::vector<T>& r) { return before(r.back()); });
         if (run == m_runs.end()) return m_size;
         const auto at = std::partition_point(run->begin(), run->end(), before);
         return m_starts[std::size_t(run - m_runs.begin())] + std::size_t(at - run->begin());

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "platform/ChunkedList.h"
+
 #include <QAbstractTableModel>
 #include <QHash>
 #include <QString>
-
-#include "platform/ChunkedList.h"
 #include <vector>
 
 // One row of a list view: the text, the key of its small icon, its colour, a

@@ -21,8 +21,8 @@ namespace {
 // only when a part asks for it.
 class TokenValues {
 public:
-    TokenValues(const EventUser& user, const QString& message, const QString& statstring, qint32 ping,
-                qint32 flags, const QString& channel, qint32 channelFlags)
+    TokenValues(const EventUser& user, const QString& message, const QString& statstring,
+                qint32 ping, qint32 flags, const QString& channel, qint32 channelFlags)
         : m_user(user), m_message(message), m_statstring(statstring), m_ping(ping), m_flags(flags),
           m_channel(channel), m_channelFlags(channelFlags) {}
 
@@ -81,17 +81,19 @@ private:
     };
 
     static constexpr QStringView kTokens[] = {
-        u"%sp",         u"%user",      u"%group",       u"%flags_display", u"%message",
-        u"%stats",      u"%client",    u"%ping_icon",   u"%ping_status",   u"%ping",
-        u"%flags",      u"%channel_flags", u"%channel"};
+        u"%sp",    u"%user",          u"%group",     u"%flags_display", u"%message",
+        u"%stats", u"%client",        u"%ping_icon", u"%ping_status",   u"%ping",
+        u"%flags", u"%channel_flags", u"%channel"};
 
     template <typename Value>
     void replace(QString& text, Token slot, QStringView token, Value value) {
-        if (m_replaced ? !text.contains(token) : !(m_present & (1u << slot))) return;
+        if (m_replaced ? !(m_percent && text.contains(token)) : !(m_present & (1u << slot))) return;
         std::optional<QString>& cached = m_cache[slot];
         if (!cached) cached = value();
         text.replace(token.data(), token.size(), cached->constData(), cached->size());
         m_replaced = true;
+        // Without a '%' left no later token can be in the text.
+        m_percent = text.contains(u'%');
     }
 
     // The group's prefix and a space, for a user in a group.
@@ -116,6 +118,7 @@ private:
     std::optional<QString> m_cache[TokenCount];
     quint32 m_present = 0;
     bool m_replaced = false;
+    bool m_percent = true;
 };
 
 // A template cut into its parts, each a colour mark and a text, with the

@@ -98,7 +98,8 @@ TEST_F(ChatPathCachesTest, AChangeOfZoneCountsAtOnce) {
     qputenv("TZ", "EAST-5");
     const QTime east = LocalClock::now();
     EXPECT_EQ((east.hour() - utc.hour() + 24) % 24, 5);
-    EXPECT_EQ(FormatTimestamp().mid(1, 2), QStringLiteral("%1").arg(east.hour(), 2, 10, QChar(u'0')))
+    EXPECT_EQ(FormatTimestamp().mid(1, 2),
+              QStringLiteral("%1").arg(east.hour(), 2, 10, QChar(u'0')))
         << FormatTimestamp().toStdString();
     if (hadZone)
         qputenv("TZ", before);

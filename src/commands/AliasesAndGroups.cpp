@@ -231,16 +231,45 @@ void RemoveGroupMember(const QString& Group, const QString& Name) {
         RewriteGroup(Group, members, GetGroupColor(Group), GetGroupPrefix(Group));
 }
 
-qint32 GetGroupColor(const QString& Group) {
+namespace {
+
+// A group's colour and prefix as the store holds them, asked for with every
+// line of a member; kept until the store's next write.
+struct GroupLooks {
+    qint32 color = -1;
+    QString prefix;
+};
+
+const GroupLooks& looksOf(const QString& Group) {
+    static const RegistryWrapper* seenStore = nullptr;
+    static quint64 seenWrites = 0;
+    static QHash<QString, GroupLooks> known;
+    RegistryWrapper& now = store();
+    if (seenStore != &now || seenWrites != now.writeCount()) {
+        known.clear();
+        seenStore = &now;
+        seenWrites = now.writeCount();
+    }
+    const auto found = known.constFind(Group);
+    if (found != known.cend()) return *found;
+    GroupLooks looks;
     const QString key = groups().key(Group);
-    if (!store().ValueExists(key, QStringLiteral("Color"))) return -1;
-    return store().ReadDWORD(key, QStringLiteral("Color"), -1);
+    if (now.ValueExists(key, QStringLiteral("Color")))
+        looks.color = now.ReadDWORD(key, QStringLiteral("Color"), -1);
+    looks.prefix = now.ValueExists(key, QStringLiteral("Prefix"))
+                       ? now.ReadSTRING(key, QStringLiteral("Prefix"))
+                       : Group;
+    return *known.insert(Group, looks);
+}
+
+} // namespace
+
+qint32 GetGroupColor(const QString& Group) {
+    return looksOf(Group).color;
 }
 
 QString GetGroupPrefix(const QString& Group) {
-    const QString key = groups().key(Group);
-    if (!store().ValueExists(key, QStringLiteral("Prefix"))) return Group;
-    return store().ReadSTRING(key, QStringLiteral("Prefix"));
+    return looksOf(Group).prefix;
 }
 
 void RefreshAliasesAndGroups(int Index) {

@@ -10,7 +10,7 @@ PACKAGES=(
     libgtest-dev libgmock-dev libbenchmark-dev
     clang libclang-rt-14-dev
     libxkbcommon-dev
-    xvfb xauth dbus x11-utils
+    xvfb xauth dbus dbus-daemon x11-utils
     desktop-file-utils appstream man-db dpkg-dev file
 )
 

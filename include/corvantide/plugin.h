@@ -3,9 +3,10 @@
  *
  * The bot looks up the plug-in's members by name, the same names a
  * JavaScript plug-in uses: Startup, Shutdown, Description, OptionClicked,
- * SocketConnect, SocketClose, SocketError, PacketArrival, SongChange and the
- * Event_... members (see docs/scripting.md for when each is called and with
- * which arguments). Every member has one shape:
+ * SocketConnect, SocketClose, SocketError, PacketArrival, the media members
+ * (SongChange, OpenPlayer, ClosePlayer, NextSong, PreviousSong, PlaySong,
+ * PauseSong, StopSong) and the Event_... members (see docs/scripting.md for
+ * when each is called and with which arguments). Every member has one shape:
  *
  *     CORVANTIDE_EXPORT int Event_UserTalk(corvantide_call* call);
  *

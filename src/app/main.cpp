@@ -8,6 +8,7 @@
 #include "control/ControlServer.h"
 #include "control/TerminalVerbs.h"
 #include "gui/frmBot.h"
+#include "media/SongWrapper.h"
 #include "platform/TerminationSignals.h"
 #include "presentation/ChatWriter.h"
 #include "session/ShutdownSequence.h"
@@ -273,6 +274,8 @@ int main(int argc, char** argv) {
     ClanPacket::install();
     const Options options = parseOptions(app);
     if (!options.home.isEmpty()) SetHomeFolder(options.home);
+    // The player follows the settings of this home.
+    SongWrapper::install();
     if (!options.importReg.isEmpty() || !options.exportReg.isEmpty())
         return runSettingsCommand(options);
     if (!RegistryWrapper::instance().isOpen()) {

@@ -4,6 +4,7 @@
 #include "chat/SendQueue.h"
 #include "config/FileStamp.h"
 #include "config/SettingsWrapper.h"
+#include "platform/MediaControl.h"
 #include "platform/SocketControl.h"
 #include "platform/TickCount.h"
 #include "presentation/ChatWriter.h"
@@ -56,9 +57,9 @@ TimedEvents& TimedEvents::instance() {
 }
 
 TimedEvents::TimedEvents() {
-    // The song to plug-ins (5, each second) and the count of users online from
-    // the web (9, each minute) join this table with the media player and the
-    // web services.
+    // The count of users online from the web (9, each minute) joins this
+    // table with the web services. The song reaches plug-ins when the player
+    // says it changed, not on a timer of its own (5).
     m_timers = {
         {1, 500, [this] { statusTick(); }},       // status line, caption, connect button
         {2, 100, &TimedEvents::sendTick},         // send queue, connection watchdog
@@ -167,8 +168,9 @@ QString TimedEvents::ExpandIdleMessage(int Index, const QString& message) {
     text.replace(QLatin1String("$os"), Machine().OperatingSystem);
     text.replace(QLatin1String("$ch"), bot.Channel());
     text.replace(QLatin1String("$me"), bot.UniqueAccount);
-    // "$mp3" is the media player's current song; it stays as typed until a
-    // player is attached.
+    // The player is asked only when the message names its song.
+    if (text.contains(QLatin1String("$mp3")))
+        text.replace(QLatin1String("$mp3"), MediaControl::instance().CurrentSong());
     return text;
 }
 

@@ -3,6 +3,7 @@
 #include "commands/CommandContext.h"
 #include "commands/DatabaseWrapper.h"
 #include "commands/InformationCommands.h"
+#include "commands/MediaCommands.h"
 #include "commands/ModerationCommands.h"
 #include "commands/SessionCommands.h"
 #include "commands/SettingCommands.h"
@@ -15,6 +16,7 @@
 namespace {
 
 using namespace informationcommands;
+using namespace mediacommands;
 using namespace moderationcommands;
 using namespace sessioncommands;
 using namespace settingcommands;
@@ -29,6 +31,13 @@ const CommandEntry kPlainCommands[] = {
     {100, {"RECONNECT", "RC", "CONNECT"}, Reconnect},
     {90, {"DND"}, Dnd},
     {90, {"SETIDLE"}, ClearIdle},
+    {90, {"NEXT"}, Next},
+    {90, {"PREV", "PREVIOUS"}, Previous},
+    {90, {"PLAY"}, Play},
+    {90, {"PAUSE", "UNPAUSE"}, Pause},
+    {90, {"STOP"}, Stop},
+    {90, {"LOADPLAYER"}, LoadPlayer},
+    {90, {"UNLOADPLAYER"}, UnloadPlayer},
     {80, {"HOME"}, Home},
     {80, {"REJOIN", "RJ"}, Rejoin},
     {80, {"RESIGN"}, Resign},
@@ -38,6 +47,7 @@ const CommandEntry kPlainCommands[] = {
     {30, {"RANDOMQUOTE"}, RandomQuote},
     {30, {"QUOTES"}, ListQuotes},
     {30, {"DEFS"}, ListDefinitions},
+    {30, {"MP3", "SONG", "TRACK"}, Song},
     {10, {"UPTIME"}, Uptime},
     {10, {"CQ", "CLEARQ", "SCQ"}, sessioncommands::ClearQueue},
     {10, {"TIME", "DATE"}, Time},
@@ -90,6 +100,7 @@ const CommandEntry kSettingCommands[] = {
     {90, {"SETCDKEYEX"}, SetCdkeyEx},
     {90, {"SETIDLETIME"}, SetIdleTime},
     {90, {"SETIDLE"}, SetIdle},
+    {90, {"SETPLAYER"}, mediacommands::SetPlayer},
 };
 
 bool reaches(qint32 rank, qint32 level) {

@@ -5,7 +5,9 @@
 #include <QDesktopServices>
 #include <QGridLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QRadioButton>
+#include <QStandardPaths>
 #include <QUrl>
 #include <QVBoxLayout>
 #include <iterator>
@@ -14,8 +16,8 @@ using S = SettingsWrapper;
 
 namespace {
 
-// One player: its option, its path box, what the find button appends to the
-// folder, and where its maker offers it.
+// One player: its option, the box of the command that starts it, the program
+// of this desktop that stands for it, and where its makers offer it.
 struct Player {
     SettingsPanelPage::Option option;
     SettingsPanelPage::Text path;
@@ -24,23 +26,25 @@ struct Player {
 };
 
 const Player kPlayers[] = {
-    {{"h2cOwinamp", "Winamp"},
+    {{"h2cOwinamp", "Winamp (Audacious)"},
      {"h2cWinamp", &S::WinampDir, &S::setWinampDir},
-     "/Winamp.exe",
-     "https://www.winamp.com/"},
-    {{"h2cOwmp", "Windows Media Player"},
+     "audacious",
+     "https://audacious-media-player.org/"},
+    {{"h2cOwmp", "Windows Media Player (VLC)"},
      {"h2cWmp", &S::WmpDir, &S::setWmpDir},
-     "/wmplayer.exe",
-     "https://www.microsoft.com/windows/windowsmedia/"},
-    {{"h2cOitunes", "iTunes"},
+     "vlc",
+     "https://www.videolan.org/vlc/"},
+    {{"h2cOitunes", "iTunes (Rhythmbox)"},
      {"h2ciTunes", &S::iTunesDir, &S::setiTunesDir},
-     "/iTunes.exe",
-     "https://www.apple.com/itunes/"},
-    {{"h2cOfoobar", "foobar2000"},
+     "rhythmbox",
+     "https://wiki.gnome.org/Apps/Rhythmbox"},
+    {{"h2cOfoobar", "foobar2000 (DeaDBeeF)"},
      {"h2cFoobar", &S::FoobarDir, &S::setFoobarDir},
-     "/foobar2000.exe",
-     "https://www.foobar2000.org/"},
+     "deadbeef",
+     "https://deadbeef.sourceforge.io/"},
 };
+
+const int kOther = int(std::size(kPlayers));
 
 } // namespace
 
@@ -55,19 +59,52 @@ ControlPanelMedia::ControlPanelMedia(QWidget* parent)
     auto* grid = new QGridLayout;
     body()->addLayout(grid);
     SettingsWrapper& settings = SettingsWrapper::instance();
+    // Any other player goes by its name on the session bus ("spotify"). The
+    // box is part of its option, not a stored value of its own.
+    auto* otherName = new QLineEdit;
+    otherName->setAccessibleName(QStringLiteral("Another player's name"));
+    otherName->setPlaceholderText(QStringLiteral("its MPRIS name, e.g. spotify"));
     const QList<QRadioButton*> options = addOptions(
-        {kPlayers[0].option, kPlayers[1].option, kPlayers[2].option, kPlayers[3].option},
-        [&settings] { return int(PlayerNames().indexOf(settings.MediaPlayer())); },
-        // Winamp unless one of the other three is chosen.
-        [&settings](int chosen) {
-            settings.setMediaPlayer(PlayerNames().value(chosen, PlayerNames().first()));
+        {kPlayers[0].option,
+         kPlayers[1].option,
+         kPlayers[2].option,
+         kPlayers[3].option,
+         {"h2cOother", "Another player:"}},
+        [&settings] {
+            const QString chosen = settings.MediaPlayer();
+            const int known = int(PlayerNames().indexOf(chosen));
+            return known >= 0 || chosen.isEmpty() ? known : kOther;
+        },
+        // Winamp unless another is chosen and named.
+        [&settings, otherName](int chosen) {
+            const QString other = otherName->text().trimmed();
+            if (chosen == kOther && !other.isEmpty())
+                settings.setMediaPlayer(other);
+            else
+                settings.setMediaPlayer(PlayerNames().value(chosen, PlayerNames().first()));
         });
-    const QString title = QStringLiteral("Select folder, exe will be appended");
-    for (int row = 0; row < int(std::size(kPlayers)); ++row) {
+    bind(
+        [&settings, otherName] {
+            const QString chosen = settings.MediaPlayer();
+            otherName->setText(PlayerNames().contains(chosen) ? QString() : chosen);
+        },
+        [] { return true; });
+    const QString title = QStringLiteral("Select folder, the program will be appended");
+    for (int row = 0; row < kOther; ++row) {
         const Player& player = kPlayers[row];
         grid->addWidget(options[row], row, 0);
         auto* path = new QHBoxLayout;
-        addPath(player.path, title, QLatin1String(player.program), path);
+        QLineEdit* command =
+            addPath(player.path, title, u'/' + QLatin1String(player.program), path);
+        command->setPlaceholderText(QStringLiteral("the command that starts it"));
+        // An empty box offers the desktop's player when it is installed; it
+        // is stored only by a save.
+        bind(
+            [command, program = QLatin1String(player.program)] {
+                if (command->text().isEmpty())
+                    command->setText(QStandardPaths::findExecutable(program));
+            },
+            [] { return true; });
         grid->addLayout(path, row, 1);
         auto* download = new QLabel(
             QStringLiteral("<a href=\"%1\">Download</a>").arg(QLatin1String(player.site)));
@@ -77,6 +114,10 @@ ControlPanelMedia::ControlPanelMedia(QWidget* parent)
                 [](const QString& site) { QDesktopServices::openUrl(QUrl(site)); });
         grid->addWidget(download, row, 2);
     }
+    grid->addWidget(options[kOther], kOther, 0);
+    grid->addWidget(otherName, kOther, 1);
     grid->setColumnStretch(1, 1);
+    addNote(QStringLiteral("Players are reached over the session bus (MPRIS). A known player "
+                           "that is not running gives way to any player that is."));
     body()->addStretch(1);
 }

@@ -4,6 +4,7 @@
 #include "config/Folders.h"
 #include "gui/ClanPanel.h"
 #include "gui/IconPainter.h"
+#include "gui/MusicPanel.h"
 #include "plugins/PluginHost.h"
 #include "session/MachineFacts.h"
 #include "session/SlotTable.h"
@@ -206,19 +207,10 @@ void FoldOutPanels::changeHome() {
 }
 
 QWidget* FoldOutPanels::makeMusic() {
-    auto* body = new QWidget;
-    auto* layout = new QVBoxLayout(body);
-    layout->setContentsMargins(0, 0, 0, 0);
-    // The player's controls wait for media player support; they show where
-    // they will be, switched off.
-    for (const char* caption :
-         {"Open/close media player", "Toggle play", "Stop", "Previous", "Next", "Settings"}) {
-        auto* label = new QLabel(QString::fromLatin1(caption));
-        label->setEnabled(false);
-        layout->addWidget(label);
-    }
-    body->setToolTip(QStringLiteral("No media player is attached."));
-    return framed(QStringLiteral("Music"), body, QStringLiteral("guiMusic"));
+    m_music = new MusicPanel;
+    connect(m_music, &MusicPanel::used, this, &FoldOutPanels::musicUsed);
+    connect(m_music, &MusicPanel::settingsRequested, this, &FoldOutPanels::mediaSettingsRequested);
+    return framed(QStringLiteral("Music"), m_music, QStringLiteral("guiMusic"));
 }
 
 QWidget* FoldOutPanels::makePlugins() {

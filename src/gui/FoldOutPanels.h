@@ -4,6 +4,7 @@
 #include <array>
 
 class ClanPanel;
+class MusicPanel;
 class QLabel;
 class QLineEdit;
 class QMenu;
@@ -32,6 +33,7 @@ public:
 
     QLineEdit* txtQuick(int row) const { return m_quick.at(size_t(row)); }
     QLabel* lblInformation() const { return m_information; }
+    MusicPanel* music() const { return m_music; }
     QToolButton* guiHome() const { return m_home; }
     // Joins the channel of a quick row, unless it is empty or "--".
     void imgQuickJoin(int row);
@@ -43,6 +45,10 @@ public:
 Q_SIGNALS:
     // The clan panel's "View/edit members".
     void clanMembersRequested();
+    // A button of the music panel did its work.
+    void musicUsed();
+    // The music panel's "Settings".
+    void mediaSettingsRequested();
 
 private:
     QWidget* makeInformation();
@@ -60,6 +66,7 @@ private:
     QMenu* m_channelsMenu;
     QLabel* m_information = nullptr;
     ClanPanel* m_clan = nullptr;
+    MusicPanel* m_music = nullptr;
     QToolButton* m_home = nullptr;
     QTreeWidget* m_plugins = nullptr;
     int m_slot = 0;

@@ -15,6 +15,7 @@
 #include "gui/frmConfig.h"
 #include "gui/frmConfigManageProfile.h"
 #include "gui/frmControlPanel.h"
+#include "media/SongWrapper.h"
 #include "platform/ChatDocument.h"
 #include "platform/ListModel.h"
 #include "presentation/ChatWriter.h"
@@ -143,6 +144,10 @@ frmBot::frmBot(QWidget* parent) : QMainWindow(parent) {
         SelectedList = QStringLiteral("Clan");
         SelectList();
     });
+    connect(m_panels, &FoldOutPanels::musicUsed, m_send, qOverload<>(&QWidget::setFocus));
+    // The media page of the control panel.
+    connect(m_panels, &FoldOutPanels::mediaSettingsRequested, this,
+            [this] { openControlPanel(7); });
     ConnectSocialForms(this);
     connect(&table, &SlotTable::channelListChanged, this, [this](int index) {
         if (index == SlotTable::instance().CurrentIndex()) DisplayChannels();
@@ -195,6 +200,16 @@ void frmBot::buildMenus() {
     menuBar()->addMenu(buildViewMenu());
     menuBar()->addMenu(buildWindowMenu());
     menuBar()->addMenu(buildHelpMenu());
+    // Rows 4 and 5 of the menu bar skip back and forth in the media player.
+    const std::pair<const char*, void (SongWrapper::*)()> songRows[] = {
+        {"Previous song", &SongWrapper::BackSong}, {"Next song", &SongWrapper::NextSong}};
+    for (int row = 0; row < 2; ++row) {
+        auto* action = new QAction(QLatin1String(songRows[row].first), this);
+        action->setObjectName(QStringLiteral("guiMenu%1").arg(row + 4));
+        connect(action, &QAction::triggered, this,
+                [command = songRows[row].second] { (SongWrapper::instance().*command)(); });
+        menuBar()->addAction(action);
+    }
     buildProfileMenus();
 }
 

@@ -3,12 +3,14 @@
 #include "config/FileHandler.h"
 #include "config/Folders.h"
 #include "platform/ListModel.h"
+#include "platform/MediaControl.h"
 #include "plugins/PluginMainForm.h"
 #include "plugins/objPlugin.h"
 #include "presentation/ChatWriter.h"
 
 #include <QDir>
 #include <QFileInfo>
+#include <QTimer>
 
 namespace {
 
@@ -101,6 +103,15 @@ void PluginHost::RegisterPlugin(const QString& strName, quint32 lngFlags) {
     for (PluginRecord& record : m_plugins) {
         if (!strName.isEmpty() && record.Name == strName) record.Flags = lngFlags;
     }
+    // The song playing now is the first news of a plug-in that asks for
+    // media events, once its Startup is over.
+    if (!(lngFlags & MediaEvents)) return;
+    QTimer::singleShot(0, [strName] {
+        for (const PluginRecord& p : PluginHost::instance().plugins()) {
+            if (p.Name == strName && (p.Flags & MediaEvents))
+                tellSong(p, MediaControl::instance().CurrentSong());
+        }
+    });
 }
 
 QString PluginHost::GetBaseName(const QString& Path) {
@@ -246,6 +257,43 @@ void PluginHost::RunScript(int /*Index*/, const QString& sub, QVariantList args,
     } catch (const PluginCallError& e) {
         redLine(QStringLiteral("Error -> Script sub ") + (lineName.isEmpty() ? sub : lineName) +
                 QStringLiteral(" raised error - ") + e.description());
+    }
+}
+
+void PluginHost::DispatchSongChange(const QString& song) {
+    if (song == m_lastSong) return;
+    m_lastSong = song;
+    for (const PluginRecord& p : m_plugins) {
+        if (!p.Name.isEmpty() && (p.Flags & MediaEvents) && !tellSong(p, song)) return;
+    }
+}
+
+bool PluginHost::tellSong(const PluginRecord& p, const QString& song) {
+    if (!p.Object) return true;
+    QVariantList args{song};
+    try {
+        p.Object->call(QStringLiteral("SongChange"), args);
+    } catch (const PluginCallError& e) {
+        redLine(QStringLiteral("Plugin [") + p.Name + QStringLiteral("] caused error: ") +
+                e.description() + QStringLiteral(" on SongChange event."));
+        return false;
+    }
+    return true;
+}
+
+void PluginHost::SendMediaEvent(const QString& member, const QVariantList& args) {
+    for (const PluginRecord& p : m_plugins) {
+        if (p.Name.isEmpty() || !(p.Flags & MediaEvents) || !p.Object) continue;
+        QVariantList callArgs = args;
+        try {
+            p.Object->call(member, callArgs);
+        } catch (const PluginCallError& e) {
+            redLine(
+                QStringLiteral("Error -> Plugin caused error on ") + member +
+                QStringLiteral("() event, perhaps the plugin is missing this event handler? - ") +
+                e.description());
+            return;
+        }
     }
 }
 

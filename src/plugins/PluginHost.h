@@ -79,6 +79,13 @@ public:
     // (the sub itself when empty); the caller's work goes on.
     void RunScript(int Index, const QString& sub, QVariantList args, const QString& lineName = {});
 
+    // The current song, told to the plug-ins that take media events when it
+    // differs from the last one told.
+    void DispatchSongChange(const QString& song);
+    // A media event (OpenPlayer, NextSong, ...) to the plug-ins that take
+    // them; the first that fails ends the round with a red console line.
+    void SendMediaEvent(const QString& member, const QVariantList& args);
+
     void DispatchChatEvent(int BotIndex, int ID, const QString& Message, const QString& Username,
                            qint32 Flags, qint32 Ping);
     // The line about to leave a slot, offered to every plug-in that takes chat
@@ -96,12 +103,15 @@ private:
     void sendChatEvent(int ID, const QString& member, const std::function<QVariantList()>& makeArgs,
                        const std::function<void(const QVariantList&)>& takeBack = {});
 
+    // SongChange to one plug-in; false, with the red line, when it failed.
+    static bool tellSong(const PluginRecord& p, const QString& song);
     // What Startup receives: the main form and the given objPlugin.
     static QVariantList startupArguments(objPlugin* plugin);
     // Shows a red console line and gives the stage of a failed start or stop.
     static int failed(int stage, const QString& line, const PluginCallError& error);
 
     std::vector<PluginRecord> m_plugins;
+    QString m_lastSong;
     std::shared_ptr<PluginObject> m_script;
     Factory m_factory;
     std::unique_ptr<ListModel> m_options;

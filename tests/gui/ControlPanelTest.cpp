@@ -210,12 +210,21 @@ TEST_F(ControlPanelTest, ControlsAreBoundToTheirStoredValues) {
     clickSave();
     EXPECT_EQ(settings.MediaPlayer(), QStringLiteral("iTunes"));
     EXPECT_EQ(settings.FoobarDir(), QStringLiteral("/opt/foobar2000.exe"));
-    settings.setMediaPlayer(QStringLiteral("audacious"));
+    settings.setMediaPlayer(QStringLiteral("spotify"));
     open(7);
     for (QRadioButton* option : shown()->findChildren<QRadioButton*>())
-        EXPECT_FALSE(option->isChecked()) << "a player of another name chooses no option";
+        EXPECT_EQ(option->isChecked(), option->objectName() == u"h2cOother")
+            << "a player of another name is shown by its name";
+    QLineEdit* otherName = nullptr;
+    for (QLineEdit* edit : shown()->findChildren<QLineEdit*>())
+        if (edit->accessibleName() == u"Another player's name") otherName = edit;
+    ASSERT_TRUE(otherName);
+    EXPECT_EQ(otherName->text(), QStringLiteral("spotify"));
     clickSave();
-    EXPECT_EQ(settings.MediaPlayer(), QStringLiteral("Winamp"));
+    EXPECT_EQ(settings.MediaPlayer(), QStringLiteral("spotify"));
+    otherName->clear();
+    clickSave();
+    EXPECT_EQ(settings.MediaPlayer(), QStringLiteral("Winamp")) << "no player named is Winamp";
 }
 
 TEST_F(ControlPanelTest, MasterBoxesDisableTheirCompanionsAndLeaveTheirTicks) {

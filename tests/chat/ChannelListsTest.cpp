@@ -1,6 +1,7 @@
 #include "platform/ChunkedList.h"
 #include "platform/ListModel.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <random>
 #include <vector>
@@ -30,11 +31,27 @@ TEST(ChannelListsTest, RunsHoldTheSameSequenceAsAVector) {
     }
     EXPECT_TRUE(std::equal(runs.begin(), runs.end(), plain.begin(), plain.end()));
 
+    // Kept in order, as arrivals are: the search finds what a search of the
+    // vector finds.
     ChunkedList<int> sorted;
-    for (int i = 0; i < 1000; ++i)
-        sorted.push_back(2 * i);
-    EXPECT_EQ(sorted.partitionPoint([](int v) { return v < 777; }), 389u);
-    EXPECT_EQ(sorted.partitionPoint([](int v) { return v < 5000; }), 1000u);
+    std::vector<int> order;
+    for (int step = 0; step < 100000; ++step) {
+        const int value = int(rng() % 5000);
+        if (rng() % 3 != 0 || order.empty()) {
+            const size_t at =
+                size_t(std::lower_bound(order.begin(), order.end(), value) - order.begin());
+            sorted.insert(at, value);
+            order.insert(order.begin() + std::ptrdiff_t(at), value);
+        } else {
+            const size_t at = rng() % order.size();
+            sorted.erase(at);
+            order.erase(order.begin() + std::ptrdiff_t(at));
+        }
+        const auto before = [value](int v) { return v < value; };
+        ASSERT_EQ(sorted.partitionPoint(before),
+                  size_t(std::partition_point(order.begin(), order.end(), before) - order.begin()))
+            << "step " << step;
+    }
 }
 
 // Rows found by key stay right as items go in at the top, in one spot in the

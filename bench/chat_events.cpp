@@ -1,12 +1,19 @@
-// One slot in a channel of 1,000 users receives 100,000 chat events (talk,
-// joins, leaves and flag changes) as frames on its socket: decoding, the
-// handlers, the user list and the chat view, all of it, in events a second.
-// Beside it, a look-up of each event's name in the same channel: through the
-// slot's name index, and by the walk from the first user that the index
-// replaced, as the baseline. The handlers make two or three look-ups an event.
+// One slot in a channel receives 100,000 chat events (talk, joins, leaves and
+// flag changes) as frames on its socket: decoding, the handlers, the user
+// list and the chat view, all of it, in events a second, with the default
+// theme and time stamps on.
+//
+// The same stream again beside a growing userbase of aliases and groups and
+// a growing mailbox, and joins, leaves and name look-ups in channels of 100
+// and 10,000 users: the ratios printed at the end say whether the cost of an
+// event grows with any of them. The walk from the first user that the name
+// index replaced is the look-up's baseline.
 #include "ChatTraffic.h"
+#include "Ratios.h"
 #include "chat/BotElement.h"
+#include "commands/AliasesAndGroups.h"
 #include "config/Folders.h"
+#include "config/RegistryWrapper.h"
 #include "config/SettingsWrapper.h"
 #include "platform/ChatDocument.h"
 #include "platform/ListModel.h"
@@ -16,14 +23,16 @@
 #include "statistics/UserNames.h"
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QFile>
 #include <QTemporaryDir>
 #include <benchmark/benchmark.h>
+#include <map>
 #include <random>
 #include <vector>
 
 namespace {
 
-constexpr int kChannel = 1000;
 constexpr int kEvents = 100'000;
 // Frames arrive in reads of this many events, as from a busy socket.
 constexpr int kPerRead = 32;
@@ -34,69 +43,75 @@ QString nameOf(int n) {
 }
 
 // The channel as it stands at the start, and the stream of events that keeps
-// it at 1,000 users: leaves and joins take turns, a leave taking someone
-// present and a join bringing someone back; talk and flags come from those
-// present.
+// it at its size: leaves and joins take turns, a leave taking someone present
+// and a join bringing someone back; talk and flags come from those present.
 struct Stream {
     QByteArray arrival;            // event 7 and the users already there
     std::vector<QByteArray> reads; // the events, kPerRead to a read
     std::vector<QString> lookups;  // for each event, the name it names
 };
 
-const Stream& stream() {
-    static const Stream s = [] {
-        Stream out;
-        std::mt19937 rng(7);
-        std::vector<int> present;
-        std::vector<int> absent;
-        out.arrival += chatEvent(7, 0, {}, QStringLiteral("Crowd"));
-        for (int n = 0; n < kChannel; ++n) {
-            present.push_back(n);
-            out.arrival += chatEvent(1, n % 50 == 0 ? 0x02 : 0x10, nameOf(n), sampleStatstring(n));
-        }
-        for (int n = kChannel; n < kChannel + 200; ++n)
+enum class Mix { Chat, Presence };
+
+Stream makeStream(int channel, Mix mix) {
+    Stream out;
+    std::mt19937 rng(7);
+    std::vector<int> present;
+    std::vector<int> absent;
+    out.arrival += chatEvent(7, 0, {}, QStringLiteral("Crowd"));
+    for (int n = 0; n < channel; ++n) {
+        present.push_back(n);
+        out.arrival += chatEvent(1, n % 50 == 0 ? 0x02 : 0x10, nameOf(n), sampleStatstring(n));
+    }
+    for (int n = channel; n < channel + 200; ++n)
+        absent.push_back(n);
+    const auto take = [&](std::vector<int>& from) {
+        const size_t at = rng() % from.size();
+        const int n = from[at];
+        from[at] = from.back();
+        from.pop_back();
+        return n;
+    };
+    QByteArray read;
+    for (int e = 0; e < kEvents; ++e) {
+        const int roll = mix == Mix::Presence ? 0 : int(rng() % 100);
+        int n;
+        if (roll < 20 && present.size() >= size_t(channel)) {
+            n = take(present);
             absent.push_back(n);
-        const auto take = [&](std::vector<int>& from) {
-            const size_t at = rng() % from.size();
-            const int n = from[at];
-            from[at] = from.back();
-            from.pop_back();
-            return n;
-        };
-        QByteArray read;
-        for (int e = 0; e < kEvents; ++e) {
-            const int roll = int(rng() % 100);
-            int n;
-            if (roll < 20 && present.size() >= size_t(kChannel)) {
-                n = take(present);
-                absent.push_back(n);
-                read += chatEvent(3, 0x10, nameOf(n), {});
-            } else if (roll < 20) {
-                n = take(absent);
-                present.push_back(n);
-                read += chatEvent(2, 0x10, nameOf(n), sampleStatstring(n));
-            } else if (roll < 30) {
-                n = present[rng() % present.size()];
-                read += chatEvent(9, roll < 22 ? 0x12 : 0x10, nameOf(n), sampleStatstring(n));
-            } else {
-                n = present[rng() % present.size()];
-                read += chatEvent(5, 0x10, nameOf(n),
-                                  QStringLiteral("message number %1 from the crowd").arg(e));
-            }
-            out.lookups.push_back(nameOf(n));
-            if ((e + 1) % kPerRead == 0) {
-                out.reads.push_back(read);
-                read.clear();
-            }
+            read += chatEvent(3, 0x10, nameOf(n), {});
+        } else if (roll < 20) {
+            n = take(absent);
+            present.push_back(n);
+            read += chatEvent(2, 0x10, nameOf(n), sampleStatstring(n));
+        } else if (roll < 30) {
+            n = present[rng() % present.size()];
+            read += chatEvent(9, roll < 22 ? 0x12 : 0x10, nameOf(n), sampleStatstring(n));
+        } else {
+            n = present[rng() % present.size()];
+            read += chatEvent(5, 0x10, nameOf(n),
+                              QStringLiteral("message number %1 from the crowd").arg(e));
         }
-        if (!read.isEmpty()) out.reads.push_back(read);
-        return out;
-    }();
-    return s;
+        out.lookups.push_back(nameOf(n));
+        if ((e + 1) % kPerRead == 0) {
+            out.reads.push_back(read);
+            read.clear();
+        }
+    }
+    if (!read.isEmpty()) out.reads.push_back(read);
+    return out;
 }
 
-// A fresh slot on screen, online, in the channel of 1,000.
-int enterChannel() {
+const Stream& stream(int channel, Mix mix = Mix::Chat) {
+    static std::map<std::pair<int, Mix>, Stream> made;
+    auto it = made.find({channel, mix});
+    if (it == made.end())
+        it = made.emplace(std::pair{channel, mix}, makeStream(channel, mix)).first;
+    return it->second;
+}
+
+// A fresh slot on screen, online, in the channel.
+int enterChannel(const Stream& s) {
     SlotTable::reset();
     SlotTable::instance().IsLoaded = true;
     const int slot = SlotTable::instance().LoadProfile(QStringLiteral("Busy"));
@@ -104,34 +119,107 @@ int enterChannel() {
     wsBNLS(slot).simulateQuietConnection();
     Bots(slot).setOnline(true);
     Bots(slot).UniqueAccount = QStringLiteral("Busy");
+    Bots(slot).Config.setAccount(QStringLiteral("Busy"));
     SlotTable::instance().SelectBot(slot);
-    wsBNET(slot).simulateData(stream().arrival);
+    wsBNET(slot).simulateData(s.arrival);
     return slot;
 }
 
-void ChatEventsThroughTheSlot(benchmark::State& state) {
-    const Stream& s = stream();
+void countEvents(benchmark::State& state, int slot) {
+    const double events = double(kEvents) * double(state.iterations());
+    state.counters["users_at_end"] = double(lvUsers(slot).count());
+    state.counters["events/s"] = benchmark::Counter(events, benchmark::Counter::kIsRate);
+    state.counters["us_each"] =
+        benchmark::Counter(events, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
+void feed(benchmark::State& state, const Stream& s) {
     int slot = 0;
     for (auto _ : state) {
         state.PauseTiming();
-        slot = enterChannel();
+        slot = enterChannel(s);
         state.ResumeTiming();
         for (const QByteArray& read : s.reads)
             wsBNET(slot).simulateData(read);
     }
-    state.counters["users_at_end"] = double(lvUsers(slot).count());
-    state.counters["events/s"] = benchmark::Counter(double(kEvents) * double(state.iterations()),
-                                                    benchmark::Counter::kIsRate);
-    state.counters["us/event"] =
-        benchmark::Counter(double(kEvents) * double(state.iterations()),
-                           benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    countEvents(state, slot);
 }
 
-// One look-up of each event's name in a channel of 1,000, the people in it
-// as they were when the stream began.
-template <typename Find> void lookUpEachEventsName(benchmark::State& state, Find find) {
-    const Stream& s = stream();
-    const int slot = enterChannel();
+void ChatEventsThroughTheSlot(benchmark::State& state) {
+    feed(state, stream(1000));
+}
+
+// The userbase's aliases and groups, written in one import: `entries` of
+// each, five members each, from the names of the channel and from outside it.
+void writeAliasesAndGroups(int entries) {
+    RegistryWrapper& store = RegistryWrapper::instance();
+    for (const char* tree : {"Aliases", "Groups"}) {
+        QStringList names;
+        store.EnumKeys(SettingsWrapper::RootKey() + QLatin1String(tree), names);
+        for (const QString& name : names)
+            if (!name.isEmpty())
+                tree == QLatin1String("Aliases") ? (void)DeleteAlias(name)
+                                                 : (void)DeleteGroup(name);
+    }
+    QString reg = QStringLiteral("REGEDIT4\r\n\r\n");
+    const QString root = QStringLiteral("[HKEY_CURRENT_USER\\Software\\Corvantide4\\");
+    for (int e = 0; e < entries; ++e) {
+        reg += root + QStringLiteral(
+                          "Groups\\Group%1]\r\n\"Color\"=dword:%2\r\n\"Prefix\"=\"G%1\"\r\n\r\n")
+                          .arg(e)
+                          .arg(0x102030 + e, 8, 16, QChar(u'0'));
+        for (int m = 0; m < 5; ++m) {
+            reg += root +
+                   QStringLiteral("Groups\\Group%1\\%2]\r\n\r\n").arg(e).arg(nameOf(e * 7 + m * 3));
+            reg += root + QStringLiteral("Aliases\\Alias%1\\%2]\r\n\r\n")
+                              .arg(e)
+                              .arg(nameOf(e * 5 + m * 11 + 1));
+        }
+    }
+    store.ImportRegText(reg.toLatin1());
+}
+
+void ChatEventsWithAliasesAndGroups(benchmark::State& state) {
+    writeAliasesAndGroups(int(state.range(0)));
+    feed(state, stream(1000));
+    writeAliasesAndGroups(0);
+}
+
+// The profile's mailbox with `letters` mails, to names in the channel and
+// names that never come.
+void writeMailbox(int letters) {
+    const QString folder = GetProgramFolder() + QStringLiteral("/Mail");
+    QDir().mkpath(folder);
+    QFile file(folder + QStringLiteral("/Busy.ini"));
+    if (letters == 0) {
+        file.remove();
+        return;
+    }
+    if (!file.open(QIODevice::WriteOnly)) return;
+    for (int i = 0; i < letters; ++i)
+        file.write(QStringLiteral("%1\tSender%2\t12:00:00|01/01/2026\tletter %2\r\n")
+                       .arg(nameOf(i * 13 % 5000))
+                       .arg(i)
+                       .toLatin1());
+}
+
+void ChatEventsWithMailbox(benchmark::State& state) {
+    writeMailbox(int(state.range(0)));
+    feed(state, stream(1000));
+    writeMailbox(0);
+}
+
+// Only joins and leaves, taking turns, in a channel of `users`.
+void JoinAndLeave(benchmark::State& state) {
+    feed(state, stream(int(state.range(0)), Mix::Presence));
+}
+
+// One look-up of each event's name, the channel as it was when the stream
+// began.
+template <typename Find>
+void lookUpEachEventsName(benchmark::State& state, int channel, Find find) {
+    const Stream& s = stream(channel);
+    const int slot = enterChannel(s);
     const BotElement& bot = Bots(slot);
     for (auto _ : state) {
         int found = 0;
@@ -139,19 +227,20 @@ template <typename Find> void lookUpEachEventsName(benchmark::State& state, Find
             found += find(bot, name) > 0;
         benchmark::DoNotOptimize(found);
     }
-    state.counters["us/lookup"] =
+    state.counters["us_each"] =
         benchmark::Counter(double(kEvents) * double(state.iterations()),
                            benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
 void UserFindThroughTheIndex(benchmark::State& state) {
     lookUpEachEventsName(
-        state, [](const BotElement& bot, const QString& name) { return bot.UserFind(name); });
+        state, int(state.range(0)),
+        [](const BotElement& bot, const QString& name) { return bot.UserFind(name); });
 }
 
 // Both names in their plain form, lower-cased, compared user by user.
 void UserFindByWalkingTheChannel(benchmark::State& state) {
-    lookUpEachEventsName(state, [](const BotElement& bot, const QString& name) {
+    lookUpEachEventsName(state, 1000, [](const BotElement& bot, const QString& name) {
         const QString wanted = ConvertUsername(name, false, -1).toLower();
         for (size_t i = 0; i < bot.Users.size(); ++i) {
             if (bot.Users[i].UsernameFixed.compare(wanted, Qt::CaseInsensitive) == 0)
@@ -164,7 +253,35 @@ void UserFindByWalkingTheChannel(benchmark::State& state) {
 } // namespace
 
 BENCHMARK(ChatEventsThroughTheSlot)->Unit(benchmark::kMillisecond)->Iterations(3);
-BENCHMARK(UserFindThroughTheIndex)->Unit(benchmark::kMillisecond);
+BENCHMARK(ChatEventsWithAliasesAndGroups)
+    ->ArgName("entries")
+    ->Arg(0)
+    ->Arg(10)
+    ->Arg(50)
+    ->Arg(100)
+    ->Arg(1000)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(2);
+BENCHMARK(ChatEventsWithMailbox)
+    ->ArgName("letters")
+    ->Arg(0)
+    ->Arg(10)
+    ->Arg(100)
+    ->Arg(1000)
+    ->Arg(10000)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(2);
+BENCHMARK(JoinAndLeave)
+    ->ArgName("users")
+    ->Arg(100)
+    ->Arg(10000)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(2);
+BENCHMARK(UserFindThroughTheIndex)
+    ->ArgName("users")
+    ->Arg(100)
+    ->Arg(10000)
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(UserFindByWalkingTheChannel)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char** argv) {
@@ -174,9 +291,31 @@ int main(int argc, char** argv) {
     SettingsWrapper& settings = SettingsWrapper::instance();
     settings.setFloodMode(0); // every event straight to its handler
     settings.setTimeStamp(true);
-    stream();
     benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
+    // Each figure against the same stream with nothing in the userbase, or
+    // against the channel of 100: near 1 means the cost does not grow.
+    RatioReporter reporter(
+        "us_each",
+        {{"aliases and groups 10 / 0", "ChatEventsWithAliasesAndGroups/entries:10",
+          "ChatEventsWithAliasesAndGroups/entries:0"},
+         {"aliases and groups 50 / 0", "ChatEventsWithAliasesAndGroups/entries:50",
+          "ChatEventsWithAliasesAndGroups/entries:0"},
+         {"aliases and groups 100 / 0", "ChatEventsWithAliasesAndGroups/entries:100",
+          "ChatEventsWithAliasesAndGroups/entries:0"},
+         {"aliases and groups 1000 / 0", "ChatEventsWithAliasesAndGroups/entries:1000",
+          "ChatEventsWithAliasesAndGroups/entries:0"},
+         {"mailbox 10 / 0", "ChatEventsWithMailbox/letters:10", "ChatEventsWithMailbox/letters:0"},
+         {"mailbox 100 / 0", "ChatEventsWithMailbox/letters:100",
+          "ChatEventsWithMailbox/letters:0"},
+         {"mailbox 1000 / 0", "ChatEventsWithMailbox/letters:1000",
+          "ChatEventsWithMailbox/letters:0"},
+         {"mailbox 10000 / 0", "ChatEventsWithMailbox/letters:10000",
+          "ChatEventsWithMailbox/letters:0"},
+         {"join and leave at 10000 users / at 100", "JoinAndLeave/users:10000",
+          "JoinAndLeave/users:100"},
+         {"user look-up at 10000 users / at 100", "UserFindThroughTheIndex/users:10000",
+          "UserFindThroughTheIndex/users:100"}});
+    benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::Shutdown();
     return 0;
 }

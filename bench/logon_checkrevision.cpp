@@ -2,6 +2,7 @@
 // same files' 32-bit words. The check does a few register operations per word, so it should
 // run at a good fraction of the plain loop's speed; the ratios are printed at the end.
 
+#include "Ratios.h"
 #include "logon/BncsUtil.h"
 #include "logon/ChecksumFormula.h"
 #include "logon/PaddedFileReader.h"
@@ -11,8 +12,6 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <iostream>
-#include <map>
 #include <string>
 #include <vector>
 
@@ -120,39 +119,17 @@ BENCHMARK(PlainWordSum)->Unit(benchmark::kMillisecond)->MinTime(2);
 BENCHMARK(VersionCheckInMemory)->Unit(benchmark::kMillisecond)->MinTime(2);
 BENCHMARK(PlainWordSumInMemory)->Unit(benchmark::kMillisecond)->MinTime(2);
 
-// Console output as usual, plus the speed of each check as a share of its plain loop.
-class RatioReporter : public benchmark::ConsoleReporter {
-public:
-    RatioReporter() : ConsoleReporter(OO_Tabular) {}
-
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& run : runs) {
-            const auto rate = run.counters.find("bytes_per_second");
-            if (rate != run.counters.end()) rates_[run.run_name.function_name] = rate->second.value;
-        }
-        ConsoleReporter::ReportRuns(runs);
-    }
-    void Finalize() override {
-        ConsoleReporter::Finalize();
-        ratio("VersionCheck", "PlainWordSum");
-        ratio("VersionCheckInMemory", "PlainWordSumInMemory");
-    }
-
-private:
-    void ratio(const std::string& check, const std::string& plain) {
-        if (rates_.count(check) && rates_.count(plain) && rates_[plain] > 0)
-            std::cout << check << " / " << plain << ": " << rates_[check] / rates_[plain] << "\n";
-    }
-    std::map<std::string, double> rates_;
-};
-
 } // namespace
 
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
     GameFiles generated;
     files = &generated;
-    RatioReporter reporter;
+    // The speed of each check as a share of its plain loop.
+    RatioReporter reporter("bytes_per_second",
+                           {{"VersionCheck / PlainWordSum", "VersionCheck", "PlainWordSum"},
+                            {"VersionCheckInMemory / PlainWordSumInMemory", "VersionCheckInMemory",
+                             "PlainWordSumInMemory"}});
     benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::Shutdown();
     return 0;

@@ -4,6 +4,7 @@
 #include "config/SettingsWrapper.h"
 #include "platform/ChatDocument.h"
 #include "platform/ListModel.h"
+#include "platform/LowerCase.h"
 #include "platform/SocketControl.h"
 #include "platform/TickCount.h"
 #include "presentation/ChatWriter.h"
@@ -22,7 +23,7 @@
 namespace {
 
 QString plainLower(const QString& name) {
-    return ConvertUsername(name, false, -1).toLower();
+    return LowerCase(ConvertUsername(name, false, -1));
 }
 
 } // namespace
@@ -31,7 +32,7 @@ void BotElement::userAdd(const QString& strName, qint32 flags, qint32 ping,
                          const QString& statstring, quint32 uptime) {
     // The collection is keyed by the name as given; a second add of the same
     // key keeps the first user.
-    const QString given = strName.toLower();
+    const QString given = LowerCase(strName);
     if (m_givenNames.contains(given)) return;
     UserElement user;
     user.Flags = flags;
@@ -40,7 +41,7 @@ void BotElement::userAdd(const QString& strName, qint32 flags, qint32 ping,
     user.Uptime = uptime;
     user.setUsername(strName);
     user.LastAction = GetTickCount();
-    const QString key = user.UsernameFixed.toLower();
+    const QString key = LowerCase(user.UsernameFixed);
     const quint64 arrival = m_nextArrival++;
     NameEntry& entry = m_plainNames[key];
     if (entry.count++ == 0) entry.first = arrival;
@@ -55,11 +56,11 @@ void BotElement::userDel(const QString& name) {
     if (position == 0) return;
     const size_t at = size_t(position - 1);
     const QString key = m_plainKeys[at];
-    if (--m_givenNames[Users[at].Username().toLower()] == 0)
-        m_givenNames.remove(Users[at].Username().toLower());
-    Users.erase(Users.begin() + qsizetype(at));
-    m_arrivals.erase(m_arrivals.begin() + qsizetype(at));
-    m_plainKeys.erase(m_plainKeys.begin() + qsizetype(at));
+    const QString given = LowerCase(Users[at].Username());
+    if (--m_givenNames[given] == 0) m_givenNames.remove(given);
+    Users.erase(at);
+    m_arrivals.erase(at);
+    m_plainKeys.erase(at);
     // The user found is the first of the name; the next of it, if any, is
     // further on.
     NameEntry& entry = m_plainNames[key];
@@ -84,8 +85,7 @@ void BotElement::userClear() {
 }
 
 int BotElement::positionOf(quint64 arrival) const {
-    const auto it = std::lower_bound(m_arrivals.begin(), m_arrivals.end(), arrival);
-    return int(it - m_arrivals.begin()) + 1;
+    return int(m_arrivals.partitionPoint([arrival](quint64 a) { return a < arrival; })) + 1;
 }
 
 int BotElement::UserFind(const QString& name) const {

@@ -3,6 +3,7 @@
 #include "chat/DelayedEvent.h"
 #include "chat/UserElement.h"
 #include "config/ConfigWrapper.h"
+#include "platform/ChunkedList.h"
 #include "session/ConnectionWrapper.h"
 #include "session/ReconnectPlan.h"
 #include "session/StreamBuffer.h"
@@ -64,7 +65,7 @@ public:
     QStringList Channels;
     // In order of arrival; changed only through userAdd, userDel and userClear,
     // which keep the index below in step.
-    std::vector<UserElement> Users;
+    ChunkedList<UserElement> Users;
 
     // Users, 1-based positions as the rest of the program counts them.
     void userAdd(const QString& strName, qint32 flags, qint32 ping, const QString& statstring,
@@ -130,8 +131,8 @@ private:
     };
     QHash<QString, NameEntry> m_plainNames; // by lower-cased plain name
     QHash<QString, int> m_givenNames;       // users by lower-cased name as given
-    std::vector<quint64> m_arrivals;        // beside Users
-    std::vector<QString> m_plainKeys;       // beside Users
+    ChunkedList<quint64> m_arrivals;        // beside Users
+    ChunkedList<QString> m_plainKeys;       // beside Users
     quint64 m_nextArrival = 0;
 
     void giveBackEventMemory();

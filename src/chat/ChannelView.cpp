@@ -2,6 +2,7 @@
 
 #include "chat/BotElement.h"
 #include "platform/ListModel.h"
+#include "platform/LowerCase.h"
 #include "presentation/UserColors.h"
 #include "presentation/UserIcons.h"
 #include "session/SlotTable.h"
@@ -12,7 +13,7 @@ namespace {
 
 // Items are keyed by the lower-cased plain name of their user.
 QString keyOf(const QString& plainName) {
-    return plainName.toLower();
+    return LowerCase(plainName);
 }
 
 ListItem userItem(int Index, const QString& username, qint32 flags, qint32 ping,
@@ -36,24 +37,17 @@ void InsertUserItem(int Index, const QString& username, qint32 flags, qint32 pin
 
 void RemoveUserItems(int Index, const QString& plainName) {
     ListModel& list = lvUsers(Index);
-    const QString key = keyOf(plainName);
-    for (int i = list.count(); i >= 1 && list.keyCount(key) > 0; --i) {
-        if (list.item(i).key == key) list.removeAt(i);
-    }
+    for (int row : list.rowsWithKey(keyOf(plainName)))
+        list.removeAt(row);
 }
 
 bool UpdateUserItems(int Index, const QString& username, qint32 flags, qint32 ping,
                      const QString& statstring) {
     ListModel& list = lvUsers(Index);
-    const QString key = keyOf(ConvertUsername(username, false, -1));
-    if (list.keyCount(key) == 0) return false;
-    bool found = false;
-    for (int i = list.count(); i >= 1; --i) {
-        if (list.item(i).key != key) continue;
-        list.setItem(i, userItem(Index, username, flags, ping, statstring));
-        found = true;
-    }
-    return found;
+    const std::vector<int> rows = list.rowsWithKey(keyOf(ConvertUsername(username, false, -1)));
+    for (int row : rows)
+        list.setItem(row, userItem(Index, username, flags, ping, statstring));
+    return !rows.empty();
 }
 
 void RefreshUserLists() {

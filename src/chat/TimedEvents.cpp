@@ -2,6 +2,7 @@
 
 #include "chat/BotElement.h"
 #include "chat/SendQueue.h"
+#include "config/FileStamp.h"
 #include "config/SettingsWrapper.h"
 #include "platform/MediaControl.h"
 #include "platform/SocketControl.h"
@@ -230,6 +231,7 @@ void TimedEvents::recolourTick() {
 }
 
 void TimedEvents::delayedEventsTick() {
+    const FileStamp::Burst burst;
     SlotTable& table = SlotTable::instance();
     for (int i = 1; i <= table.highestIndex(); ++i) {
         if (!m_pendingError.isEmpty()) {

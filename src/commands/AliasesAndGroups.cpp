@@ -2,10 +2,14 @@
 
 #include "config/RegistryWrapper.h"
 #include "config/SettingsWrapper.h"
+#include "platform/Cp1252.h"
 #include "platform/ListModel.h"
+#include "platform/LowerCase.h"
 #include "presentation/UserColors.h"
 #include "session/SlotTable.h"
 #include "statistics/UserNames.h"
+
+#include <QHash>
 
 namespace {
 
@@ -33,13 +37,14 @@ public:
         return listKey(key(entry), names);
     }
 
+    // Every line on screen asks for its user's alias and group, so the tree's
+    // members are indexed once and the index holds until the store's next
+    // write.
     QString find(const QString& name) const {
-        QStringList entries;
-        list(entries);
-        for (const QString& entry : entries) {
-            if (!isMember(entry, name).isEmpty()) return entry;
-        }
-        return {};
+        if (name.isEmpty() || name.contains(u'\\')) return {};
+        RegistryWrapper& now = store();
+        if (m_index.store != &now || m_index.writes != now.writeCount()) rebuildIndex(now);
+        return m_index.firstEntry.value(lookupForm(name));
     }
 
     QString isMember(const QString& entry, const QString& name) const {
@@ -83,12 +88,45 @@ public:
     }
 
 private:
+    // As the store compares key names: in the code page's letters, without
+    // regard to case.
+    static QString lookupForm(const QString& name) {
+        bool ascii = true;
+        for (QChar c : name)
+            ascii = ascii && c.unicode() < 0x80;
+        return LowerCase(ascii ? name : cp1252::decode(cp1252::encode(name)));
+    }
+
+    void rebuildIndex(RegistryWrapper& now) const {
+        m_index.firstEntry.clear();
+        QStringList entries;
+        list(entries);
+        for (const QString& entry : entries) {
+            QStringList names;
+            if (entry.isEmpty() || members(entry, names) < 0) continue;
+            for (const QString& member : names) {
+                // The first entry in the store's order that has the member.
+                const QString form = lookupForm(member);
+                if (!member.isEmpty() && !m_index.firstEntry.contains(form))
+                    m_index.firstEntry.insert(form, entry);
+            }
+        }
+        m_index.store = &now;
+        m_index.writes = now.writeCount();
+    }
+
     static int listKey(const QString& path, QStringList& names) {
         if (store().EnumKeys(path, names) < 0) return -1;
         return int(names.size()) - 1;
     }
 
     QString m_name;
+    struct Index {
+        const RegistryWrapper* store = nullptr;
+        quint64 writes = 0;
+        QHash<QString, QString> firstEntry; // member's lookup form -> entry
+    };
+    mutable Index m_index;
 };
 
 const Tree& aliases() {
@@ -193,16 +231,45 @@ void RemoveGroupMember(const QString& Group, const QString& Name) {
         RewriteGroup(Group, members, GetGroupColor(Group), GetGroupPrefix(Group));
 }
 
-qint32 GetGroupColor(const QString& Group) {
+namespace {
+
+// A group's colour and prefix as the store holds them, asked for with every
+// line of a member; kept until the store's next write.
+struct GroupLooks {
+    qint32 color = -1;
+    QString prefix;
+};
+
+const GroupLooks& looksOf(const QString& Group) {
+    static const RegistryWrapper* seenStore = nullptr;
+    static quint64 seenWrites = 0;
+    static QHash<QString, GroupLooks> known;
+    RegistryWrapper& now = store();
+    if (seenStore != &now || seenWrites != now.writeCount()) {
+        known.clear();
+        seenStore = &now;
+        seenWrites = now.writeCount();
+    }
+    const auto found = known.constFind(Group);
+    if (found != known.cend()) return *found;
+    GroupLooks looks;
     const QString key = groups().key(Group);
-    if (!store().ValueExists(key, QStringLiteral("Color"))) return -1;
-    return store().ReadDWORD(key, QStringLiteral("Color"), -1);
+    if (now.ValueExists(key, QStringLiteral("Color")))
+        looks.color = now.ReadDWORD(key, QStringLiteral("Color"), -1);
+    looks.prefix = now.ValueExists(key, QStringLiteral("Prefix"))
+                       ? now.ReadSTRING(key, QStringLiteral("Prefix"))
+                       : Group;
+    return *known.insert(Group, looks);
+}
+
+} // namespace
+
+qint32 GetGroupColor(const QString& Group) {
+    return looksOf(Group).color;
 }
 
 QString GetGroupPrefix(const QString& Group) {
-    const QString key = groups().key(Group);
-    if (!store().ValueExists(key, QStringLiteral("Prefix"))) return Group;
-    return store().ReadSTRING(key, QStringLiteral("Prefix"));
+    return looksOf(Group).prefix;
 }
 
 void RefreshAliasesAndGroups(int Index) {

@@ -8,8 +8,8 @@
 // Aliases\<alias>\<member> and Groups\<group>\<member>, each member an empty
 // key named by the plain form of an account name. A group also holds its
 // colour (Color, -1 for none) and the prefix its members get (Prefix).
-// Nothing is cached: every look-up reads the store again, so a change shows
-// in the next chat line.
+// FindAlias and FindGroup answer from an index of the members that the
+// store's next write throws away, so a change shows in the next chat line.
 //
 // A name list is as the store enumerates it: indexed from 0, and with one
 // empty slot when there is nothing to list. The List functions return its

@@ -3,6 +3,7 @@
 #include "config/FileStamp.h"
 #include "config/Folders.h"
 #include "config/TextListFile.h"
+#include "platform/LowerCase.h"
 #include "presentation/UserColors.h"
 
 #include <vector>
@@ -37,7 +38,7 @@ public:
         if (m_entries.isEmpty()) clear();
     }
     bool matches(const QString& text, bool skipEmpty) const {
-        const QString lowered = text.toLower();
+        const QString lowered = LowerCase(text);
         for (size_t i = 0; i < m_patterns.size(); ++i) {
             if (skipEmpty && m_entries[qsizetype(i)].isEmpty()) continue;
             if (matchPrepared(lowered, m_patterns[i])) return true;
@@ -89,6 +90,7 @@ private:
 struct LoadedList {
     PatternList list;
     std::optional<FileStamp> stamp;
+    quint64 lookedInBurst = 0;
 };
 
 LoadedList& blockList() {
@@ -105,6 +107,10 @@ LoadedList& filterList() {
 // that a hand edit counts from the next line on. A file that is gone keeps
 // the list as it is: the next load creates it empty.
 PatternList& current(LoadedList& loaded, const char* name, void (*load)()) {
+    // Within a burst the file is looked at once.
+    const quint64 burst = FileStamp::burst();
+    if (burst != 0 && loaded.lookedInBurst == burst) return loaded.list;
+    loaded.lookedInBurst = burst;
     const std::optional<FileStamp> now = FileStamp::of(SettingsFilePath(QLatin1String(name)));
     if (now && now != loaded.stamp) load();
     return loaded.list;

@@ -2,6 +2,7 @@
 
 #include "chat/BotElement.h"
 #include "config/FileHandler.h"
+#include "config/FileStamp.h"
 #include "config/FileWrites.h"
 #include "config/Folders.h"
 #include "config/TextListFile.h"
@@ -14,6 +15,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QHash>
 #include <QLocale>
 #include <limits>
 
@@ -35,10 +37,52 @@ QString mailFolder() {
 }
 
 // The lines of a file that may hold mail; none for a missing or tiny file.
-QStringList mailLines(int Index) {
-    const QString path = MailFile(Index);
+QStringList mailLines(const QString& path) {
     if (QFileInfo(path).size() < kEmptyFileSize) return {};
     return ReadTextLines(path);
+}
+
+// Joins are many and mail is rare: a mailbox is read again only when its
+// file, or the folder it is found in, changed since the last read, and what
+// a join asks for is the number of mails waiting for someone.
+struct Mailbox {
+    std::optional<FileStamp> folder;
+    std::optional<FileStamp> file;
+    QString path;
+    bool read = false;
+    QHash<QString, int> waiting; // by recipient, lower-cased
+};
+
+int waitingMail(int Index, const QString& user) {
+    static QHash<QString, Mailbox> mailboxes;
+    const QString folder = mailFolder();
+    const std::optional<FileStamp> folderNow =
+        FileStamp::ofInBurst(folder, FileStamp::Kind::Folder);
+    if (!folderNow) return 0;
+    if (mailboxes.size() > 64) mailboxes.clear();
+    Mailbox& box = mailboxes[Bots(Index).Config.Account().toLower()];
+    if (box.folder != folderNow || box.path.isEmpty()) {
+        box = Mailbox{};
+        box.folder = folderNow;
+        box.path = MailFile(Index);
+    }
+    const std::optional<FileStamp> fileNow = FileStamp::ofInBurst(box.path);
+    if (!box.read || box.file != fileNow) {
+        box.waiting.clear();
+        for (const QString& line : mailLines(box.path)) {
+            const QStringList fields = line.split(u'\t');
+            if (fields.size() == kFieldCount) ++box.waiting[fields[0].toLower()];
+        }
+        box.file = fileNow;
+        box.read = true;
+    }
+    return box.waiting.value(user.toLower());
+}
+
+// After the program's own write, what the disk holds now counts at once.
+void noteWritten(int Index) {
+    FileStamp::of(mailFolder(), FileStamp::Kind::Folder);
+    FileStamp::of(MailFile(Index));
 }
 
 bool isFor(const QStringList& fields, const QString& user) {
@@ -127,12 +171,15 @@ bool AddMail(int Index, const QString& To, const QString& Message, QString* caus
         MailTimeText(QTime::currentTime()) + u'|' + MailDateText(QDate::currentDate());
     const QString line = field(To) + u'\t' + field(Bots(Index).UniqueAccount) + u'\t' + date +
                          u'\t' + field(Message);
-    return AppendToFile(MailFile(Index), cp1252::encode(line) + "\r\n", cause, FileAccess::Private);
+    const bool stored =
+        AppendToFile(MailFile(Index), cp1252::encode(line) + "\r\n", cause, FileAccess::Private);
+    noteWritten(Index);
+    return stored;
 }
 
 bool ReadMail(int Index, const QString& User, QList<MailRecord>& Mails) {
     Mails.clear();
-    for (const QString& line : mailLines(Index)) {
+    for (const QString& line : mailLines(MailFile(Index))) {
         const QStringList fields = line.split(u'\t');
         if (fields.size() != kFieldCount || !isFor(fields, User)) continue;
         Mails.append({fields[0], fields[1], fields[3], fields[2], qint32(Mails.size() + 1)});
@@ -142,7 +189,7 @@ bool ReadMail(int Index, const QString& User, QList<MailRecord>& Mails) {
 
 bool HasMail(int Index, const QString& User) {
     const QString wanted = User.toLower();
-    for (const QString& line : mailLines(Index)) {
+    for (const QString& line : mailLines(MailFile(Index))) {
         if (line.left(wanted.size()).toLower() == wanted) return true;
     }
     return false;
@@ -152,7 +199,7 @@ bool DeleteMail(int Index, const QString& User, int Number, QString* cause) {
     QStringList kept;
     bool dropped = false;
     int count = 0;
-    for (const QString& line : mailLines(Index)) {
+    for (const QString& line : mailLines(MailFile(Index))) {
         const QStringList fields = line.split(u'\t');
         if (fields.size() != kFieldCount) continue;
         if (isFor(fields, User)) {
@@ -164,15 +211,17 @@ bool DeleteMail(int Index, const QString& User, int Number, QString* cause) {
         }
         kept.append(line);
     }
-    return dropped && WriteTextLines(MailFile(Index), kept, cause, FileAccess::Private);
+    if (!dropped) return false;
+    const bool written = WriteTextLines(MailFile(Index), kept, cause, FileAccess::Private);
+    noteWritten(Index);
+    return written;
 }
 
 void NotifyMailOnJoin(int Index, const QString& Username) {
-    const QString user = ConvertUsername(Username, false, -1);
-    QList<MailRecord> mails;
-    if (!HasMail(Index, user) || !ReadMail(Index, user, mails)) return;
+    const int waiting = waitingMail(Index, ConvertUsername(Username, false, -1));
+    if (waiting == 0) return;
     Bots(Index).Queue.append(QStringLiteral("/w ") + whisperName(Index, Username) +
-                             QStringLiteral(" You have ") + QString::number(mails.size()) +
+                             QStringLiteral(" You have ") + QString::number(waiting) +
                              QStringLiteral(" new mail message(s). Type !read 1 for one message, "
                                             "or !readall for all messages."));
 }

@@ -31,7 +31,7 @@ QHash<QString, Cached>& cache() {
 
 // The parsed file, or nothing when the file does not exist.
 const IniFile* loadIni(const QString& path) {
-    const std::optional<FileStamp> stamp = FileStamp::of(path);
+    const std::optional<FileStamp> stamp = FileStamp::ofInBurst(path);
     if (!stamp) {
         cache().remove(path);
         return nullptr;
@@ -90,6 +90,7 @@ bool WriteIni(const QString& file, const QString& section, const QString& key,
     out.write(ini.toBytes());
     const bool written = out.commit();
     cache().remove(file);
+    FileStamp::of(file); // the rest of a burst reads what was written
     return written;
 }
 

@@ -9,13 +9,37 @@
 // run, and editors that save through a new file change the inode.
 class FileStamp {
 public:
-    // The stamp of the regular file at that path now; nothing when there is
-    // no such file.
-    static std::optional<FileStamp> of(const QString& path);
+    // A folder's stamp changes when a file in it is made, removed or renamed.
+    enum class Kind { File, Folder };
+
+    // The stamp of the regular file (or the folder) at that path now;
+    // nothing when there is no such file.
+    static std::optional<FileStamp> of(const QString& path, Kind kind = Kind::File);
+
+    // The same, looked at once in a burst: the events of one read from a
+    // socket are handled in a few microseconds each, and a look at the disk
+    // for every one of them would cost more than the rest of the work. A hand
+    // edit made during a burst counts from the next one, as if made just
+    // after it. Outside a burst every call looks.
+    static std::optional<FileStamp> ofInBurst(const QString& path, Kind kind = Kind::File);
+
+    // The number of the burst under way, a new one each time; 0 outside one.
+    static quint64 burst();
+
+    // Marks a burst for as long as it lives; bursts may nest.
+    class Burst {
+    public:
+        Burst();
+        ~Burst();
+        Burst(const Burst&) = delete;
+        Burst& operator=(const Burst&) = delete;
+    };
 
     bool operator==(const FileStamp& other) const = default;
 
 private:
+    static std::optional<FileStamp> look(const QString& path, Kind kind);
+
     ino_t m_inode = 0;
     off_t m_size = 0;
     qint64 m_seconds = 0;

@@ -1,5 +1,7 @@
 #include "config/Folders.h"
 
+#include "config/FileStamp.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -93,7 +95,11 @@ QString SettingsFilePath(const QString& name) {
 
 QString GetProgramFolder() {
     const QString folder = dataHome() + QStringLiteral("/Corvantide");
-    QDir().mkpath(folder);
+    // Asked for on every join; a look within a burst is cheaper than a make.
+    if (!FileStamp::ofInBurst(folder, FileStamp::Kind::Folder)) {
+        QDir().mkpath(folder);
+        FileStamp::of(folder, FileStamp::Kind::Folder);
+    }
     return folder;
 }
 

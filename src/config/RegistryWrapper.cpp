@@ -712,6 +712,7 @@ bool RegistryWrapper::cachedRead(const QString& path, const QString& name, Value
 }
 
 void RegistryWrapper::forgetReads() {
+    ++writeCount_;
     if (cache_) cache_->values.clear();
 }
 

@@ -56,6 +56,10 @@ public:
     // full"); callers ask after a write gave 0 or false.
     QString lastError() const { return lastError_; }
 
+    // Moves on with every write (and every attempt at one): what a caller
+    // worked out from the store holds as long as this number stays the same.
+    quint64 writeCount() const { return writeCount_; }
+
     bool CreateKeyIfDoesntExists() const { return createKeyIfDoesntExists_; }
     void setCreateKeyIfDoesntExists(bool on) { createKeyIfDoesntExists_ = on; }
 
@@ -168,6 +172,7 @@ private:
     int transactionDepth_ = 0;
     bool transactionFailed_ = false;
     bool createKeyIfDoesntExists_ = true;
+    quint64 writeCount_ = 0;
     struct ReadCache;
     std::unique_ptr<ReadCache> cache_;
 

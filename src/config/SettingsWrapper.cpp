@@ -151,7 +151,7 @@ void SettingsWrapper::setInstalledFonts(const QStringList& families) {
 }
 
 bool SettingsWrapper::readBool(const QString& valueName, bool defaultValue) const {
-    return store_.ReadDWORD(SettingsKey(), valueName, defaultValue ? 1 : 0) != 0;
+    return readDword(valueName, defaultValue ? 1 : 0) != 0;
 }
 
 bool SettingsWrapper::announce(const QString& property, bool saved, const QString& cause) {
@@ -166,7 +166,15 @@ bool SettingsWrapper::writeBool(const QString& valueName, bool on, const QString
 }
 
 qint32 SettingsWrapper::readDword(const QString& valueName, qint32 defaultValue) const {
-    return store_.ReadDWORD(SettingsKey(), valueName, defaultValue);
+    if (dwordsWrites_ != store_.writeCount()) {
+        dwords_.clear();
+        dwordsWrites_ = store_.writeCount();
+    }
+    const auto known = dwords_.constFind(valueName);
+    if (known != dwords_.cend() && known->defaultValue == defaultValue) return known->value;
+    const qint32 value = store_.ReadDWORD(SettingsKey(), valueName, defaultValue);
+    dwords_.insert(valueName, {defaultValue, value});
+    return value;
 }
 
 bool SettingsWrapper::writeDword(const QString& valueName, qint32 value, const QString& property) {

@@ -2,6 +2,7 @@
 
 #include "config/SettingsCatalogue.h"
 
+#include <QHash>
 #include <QObject>
 #include <QSet>
 #include <QString>
@@ -53,7 +54,7 @@ public:
 #define CORVANTIDE_BOOL_SETTING(Name, ValueName)                                                   \
     bool Name() const {                                                                            \
         static const bool fallback =                                                               \
-            SettingsCatalogue::ProgramDefault(QStringLiteral(ValueName)) != u"0";                 \
+            SettingsCatalogue::ProgramDefault(QStringLiteral(ValueName)) != u"0";                  \
         return readBool(QStringLiteral(ValueName), fallback);                                      \
     }                                                                                              \
     bool set##Name(bool on) {                                                                      \
@@ -61,7 +62,8 @@ public:
     }
 #define CORVANTIDE_DWORD_SETTING(Name)                                                             \
     qint32 Name() const {                                                                          \
-        static const qint32 fallback = SettingsCatalogue::ProgramDefault(QStringLiteral(#Name)).toInt(); \
+        static const qint32 fallback =                                                             \
+            SettingsCatalogue::ProgramDefault(QStringLiteral(#Name)).toInt();                      \
         return readDword(QStringLiteral(#Name), fallback);                                         \
     }                                                                                              \
     bool set##Name(qint32 value) {                                                                 \
@@ -197,5 +199,13 @@ private:
     QString readFont(const QString& valueName, bool* fellBack = nullptr) const;
 
     RegistryWrapper& store_;
+    // Dwords as read since the store's last write, by value name: every chat
+    // event asks for a few settings, and the store's next write forgets them.
+    struct DwordRead {
+        qint32 defaultValue;
+        qint32 value;
+    };
+    mutable QHash<QString, DwordRead> dwords_;
+    mutable quint64 dwordsWrites_ = ~quint64(0);
     QSet<QString> fonts_;
 };

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/ChunkedList.h"
+
 #include <QAbstractTableModel>
 #include <QHash>
 #include <QString>
@@ -41,11 +43,16 @@ public:
     int add(const ListItem& item, int at = 0);
     void removeAt(int index);
     void clear();
-    const ListItem& item(int index) const { return m_items.at(size_t(index - 1)); }
+    const ListItem& item(int index) const { return m_items.at(size_t(index - 1)).item; }
     void setItem(int index, const ListItem& item);
     // 1-based index of the first item whose text matches, ignoring case; 0 if none.
     int find(const QString& text) const;
-    int keyCount(const QString& key) const { return m_keys.value(key); }
+    int keyCount(const QString& key) const {
+        const auto labels = m_keys.constFind(key);
+        return labels == m_keys.cend() ? 0 : int(labels->size());
+    }
+    // 1-based rows of the items with the key, the last row first.
+    std::vector<int> rowsWithKey(const QString& key) const;
 
     QString Tag;
 
@@ -54,8 +61,17 @@ public:
     QVariant data(const QModelIndex& index, int role) const override;
 
 private:
-    void countKey(const QString& key, int change);
+    // Each row carries a label that rises down the list, so that the row of
+    // an item with a key is found by a search rather than a walk.
+    struct Row {
+        ListItem item;
+        qint64 label = 0;
+    };
+    qint64 labelFor(int row);
+    void relabel();
+    int rowOf(qint64 label) const;
+    void countKey(const QString& key, qint64 label, bool add);
 
-    std::vector<ListItem> m_items;
-    QHash<QString, int> m_keys;
+    ChunkedList<Row> m_items;
+    QHash<QString, std::vector<qint64>> m_keys; // labels of the items with each key
 };

@@ -2,6 +2,7 @@
 
 #include "config/SettingsWrapper.h"
 #include "platform/ChatDocument.h"
+#include "platform/LocalClock.h"
 #include "presentation/Theme.h"
 #include "session/MachineFacts.h"
 #include "session/SlotTable.h"
@@ -244,11 +245,21 @@ QString FormatLongTime(const QTime& time) {
 }
 
 QString FormatTimestamp() {
-    QString text = CurrentTheme().time;
+    // Every line of a second gets the same stamp: it is made once a second.
+    struct Made {
+        QString pattern;
+        QTime at;
+        QString text;
+    };
+    static Made made;
+    const QString& pattern = CurrentTheme().time;
+    const QTime now = LocalClock::now();
+    const QTime second(now.hour(), now.minute(), now.second());
+    if (second == made.at && pattern == made.pattern) return made.text;
+    QString text = pattern;
     // The template may start with a colour mark like the event templates; the
     // timestamp has one colour of its own, so the mark is dropped.
     if (text.startsWith(u'#')) text.remove(0, 2);
-    const QTime now = QTime::currentTime();
     const auto two = [](int value) { return QStringLiteral("%1").arg(value, 2, 10, QChar(u'0')); };
     text.replace(QLatin1String("%hh"), two(now.hour()));
     text.replace(QLatin1String("%nn"), two(now.minute()));
@@ -256,6 +267,7 @@ QString FormatTimestamp() {
     if (text.contains(QLatin1String("%time")))
         text.replace(QLatin1String("%time"), FormatLongTime(now));
     text.replace(QLatin1String("%sp"), QLatin1String(" "));
+    made = {pattern, second, text};
     return text;
 }
 

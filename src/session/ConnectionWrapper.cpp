@@ -1,6 +1,7 @@
 #include "session/ConnectionWrapper.h"
 
 #include "chat/BotElement.h"
+#include "config/FileStamp.h"
 #include "config/RegistryWrapper.h"
 #include "config/SettingsWrapper.h"
 #include "platform/SocketControl.h"
@@ -155,6 +156,7 @@ void ConnectionWrapper::wsBNET_Connect(int Index) {
 void ConnectionWrapper::wsBNET_DataArrival(int Index) {
     BotElement& bot = Bots(Index);
     bot.InBNCS.append(wsBNET(Index).GetData());
+    const FileStamp::Burst burst;
     streamcutter::CutBNCS(
         bot.InBNCS,
         {[this, Index](PacketReader& reader, quint8 id) { dispatch(Index, reader, id); },

@@ -59,6 +59,7 @@ void BotElement::userDel(const QString& name) {
     const QString given = LowerCase(Users[at].Username());
     if (--m_givenNames[given] == 0) m_givenNames.remove(given);
     Users.erase(at);
+    ++m_leaves;
     m_arrivals.erase(at);
     m_plainKeys.erase(at);
     // The user found is the first of the name; the next of it, if any, is
@@ -78,6 +79,7 @@ void BotElement::userDel(const QString& name) {
 
 void BotElement::userClear() {
     Users.clear();
+    ++m_leaves;
     m_plainNames.clear();
     m_givenNames.clear();
     m_arrivals.clear();
@@ -90,7 +92,13 @@ int BotElement::positionOf(quint64 arrival) const {
 
 int BotElement::UserFind(const QString& name) const {
     const auto entry = m_plainNames.constFind(plainLower(name));
-    return entry == m_plainNames.cend() ? 0 : positionOf(entry->first);
+    if (entry == m_plainNames.cend()) return 0;
+    // Talk far outnumbers leaves, so most look-ups skip the search.
+    if (entry->positionLeaves != m_leaves) {
+        entry->position = positionOf(entry->first);
+        entry->positionLeaves = m_leaves;
+    }
+    return entry->position;
 }
 
 void BotElement::ClearChannels() {

@@ -128,12 +128,17 @@ private:
     struct NameEntry {
         quint64 first = 0; // arrival number of the first user of the name
         int count = 0;     // users of the name
+        // Its position as last found; good while no user has left since,
+        // because arrivals only add at the end.
+        mutable int position = 0;
+        mutable quint64 positionLeaves = ~quint64(0);
     };
     QHash<QString, NameEntry> m_plainNames; // by lower-cased plain name
     QHash<QString, int> m_givenNames;       // users by lower-cased name as given
     ChunkedList<quint64> m_arrivals;        // beside Users
     ChunkedList<QString> m_plainKeys;       // beside Users
     quint64 m_nextArrival = 0;
+    quint64 m_leaves = 0; // users taken out so far, for NameEntry::position
 
     void giveBackEventMemory();
 

@@ -33,7 +33,7 @@ WebSite::WebSite(QObject* parent) : QObject(parent), m_network(new QNetworkAcces
 WebSite::~WebSite() = default;
 
 QUrl WebSite::Address(const QString& path) {
-    const QString host = SettingsWrapper::instance().WebHost().trimmed();
+    const QString host = HostName();
     if (host.isEmpty()) return {};
     return QUrl(QStringLiteral("http://") + host + path);
 }

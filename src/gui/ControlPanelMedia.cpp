@@ -1,6 +1,7 @@
 #include "gui/ControlPanelMedia.h"
 
 #include "config/SettingsWrapper.h"
+#include "media/SongWrapper.h"
 
 #include <QDesktopServices>
 #include <QGridLayout>
@@ -16,31 +17,27 @@ using S = SettingsWrapper;
 
 namespace {
 
-// One player: its option, the box of the command that starts it, the program
-// of this desktop that stands for it, and where its makers offer it.
+// One player, in the order of PlayerNames: its option, the box of the
+// command that starts it, and where the makers of the desktop player that
+// stands for it offer that.
 struct Player {
     SettingsPanelPage::Option option;
     SettingsPanelPage::Text path;
-    const char* program;
     const char* site;
 };
 
 const Player kPlayers[] = {
     {{"h2cOwinamp", "Winamp (Audacious)"},
      {"h2cWinamp", &S::WinampDir, &S::setWinampDir},
-     "audacious",
      "https://audacious-media-player.org/"},
     {{"h2cOwmp", "Windows Media Player (VLC)"},
      {"h2cWmp", &S::WmpDir, &S::setWmpDir},
-     "vlc",
      "https://www.videolan.org/vlc/"},
     {{"h2cOitunes", "iTunes (Rhythmbox)"},
      {"h2ciTunes", &S::iTunesDir, &S::setiTunesDir},
-     "rhythmbox",
      "https://wiki.gnome.org/Apps/Rhythmbox"},
     {{"h2cOfoobar", "foobar2000 (DeaDBeeF)"},
      {"h2cFoobar", &S::FoobarDir, &S::setFoobarDir},
-     "deadbeef",
      "https://deadbeef.sourceforge.io/"},
 };
 
@@ -94,13 +91,13 @@ ControlPanelMedia::ControlPanelMedia(QWidget* parent)
         const Player& player = kPlayers[row];
         grid->addWidget(options[row], row, 0);
         auto* path = new QHBoxLayout;
-        QLineEdit* command =
-            addPath(player.path, title, u'/' + QLatin1String(player.program), path);
+        const QString program = SongWrapper::DesktopPlayerFor(PlayerNames()[row]);
+        QLineEdit* command = addPath(player.path, title, u'/' + program, path);
         command->setPlaceholderText(QStringLiteral("the command that starts it"));
         // An empty box offers the desktop's player when it is installed; it
         // is stored only by a save.
         bind(
-            [command, program = QLatin1String(player.program)] {
+            [command, program] {
                 if (command->text().isEmpty())
                     command->setText(QStandardPaths::findExecutable(program));
             },

@@ -1,12 +1,11 @@
 #include "media/SongWrapper.h"
 
-#include "config/FileHandler.h"
-#include "config/Folders.h"
 #include "config/SettingsWrapper.h"
 #include "media/MprisPlayers.h"
 #include "plugins/PluginHost.h"
 #include "presentation/ChatWriter.h"
 #include "session/SlotTable.h"
+#include "statistics/FlagNames.h"
 
 #include <QProcess>
 #include <QStandardPaths>
@@ -18,13 +17,28 @@ QString mediaPlayer() {
     return SettingsWrapper::instance().MediaPlayer();
 }
 
-// A name of the Media section of Overrides.ini, or its default.
-QString mediaName(const char* key, const char* defaultName) {
-    bool found = false;
-    const QString fallback = QLatin1String(defaultName);
-    const QString name = ReadIni(SettingsFilePath(QStringLiteral("Overrides.ini")),
-                                 QStringLiteral("Media"), QLatin1String(key), fallback, &found);
-    return found ? name : fallback;
+// The four values MediaPlayer has always known: the desktop player each
+// stands for, its name in the Media section of Overrides.ini with the
+// default, and the setting that holds the command to launch it.
+struct KnownPlayer {
+    const char* value;
+    const char* desktopPlayer;
+    const char* overrideKey;
+    const char* defaultName;
+    QString (SettingsWrapper::*launchCommand)() const;
+};
+
+constexpr KnownPlayer kKnownPlayers[] = {
+    {"Winamp", "audacious", "Winamp", "Winamp", &SettingsWrapper::WinampDir},
+    {"WMP", "vlc", "WindowsMediaPlayer", "WMP", &SettingsWrapper::WmpDir},
+    {"iTunes", "rhythmbox", "iTunes", "iTunes", &SettingsWrapper::iTunesDir},
+    {"foobar", "deadbeef", "foobar2000", "foobar2k", &SettingsWrapper::FoobarDir},
+};
+
+const KnownPlayer* knownPlayer(const QString& value) {
+    for (const KnownPlayer& known : kKnownPlayers)
+        if (value == QLatin1String(known.value)) return &known;
+    return nullptr;
 }
 
 // Playing before paused before stopped before silent; then the one with the
@@ -111,35 +125,15 @@ const MprisPlayer* SongWrapper::selected(bool orAnyPlayer) {
 }
 
 QString SongWrapper::DesktopPlayerFor(const QString& mediaPlayer) {
-    if (mediaPlayer == u"Winamp") return QStringLiteral("audacious");
-    if (mediaPlayer == u"WMP") return QStringLiteral("vlc");
-    if (mediaPlayer == u"iTunes") return QStringLiteral("rhythmbox");
-    if (mediaPlayer == u"foobar") return QStringLiteral("deadbeef");
-    return {};
-}
-
-QString SongWrapper::winampName() {
-    return mediaName("Winamp", "Winamp");
-}
-
-QString SongWrapper::wmpName() {
-    return mediaName("WindowsMediaPlayer", "WMP");
-}
-
-QString SongWrapper::itunesName() {
-    return mediaName("iTunes", "iTunes");
-}
-
-QString SongWrapper::foobarName() {
-    return mediaName("foobar2000", "foobar2k");
+    const KnownPlayer* known = knownPlayer(mediaPlayer);
+    return known ? QLatin1String(known->desktopPlayer) : QString();
 }
 
 QString SongWrapper::DisplayName(const QString& player) {
-    if (player == u"iTunes") return itunesName();
-    if (player == u"WMP") return wmpName();
-    if (player == u"foobar") return foobarName();
-    if (player == u"Winamp") return winampName();
-    return player;
+    const KnownPlayer* known = knownPlayer(player);
+    if (!known) return player;
+    return ReadOverride(QStringLiteral("Media"), QLatin1String(known->overrideKey),
+                        QLatin1String(known->defaultName));
 }
 
 QString SongWrapper::PlayerName() {
@@ -227,11 +221,8 @@ void SongWrapper::Terminate() {
 }
 
 QString SongWrapper::launchCommand(const QString& value) const {
-    SettingsWrapper& s = SettingsWrapper::instance();
-    if (value == u"Winamp") return s.WinampDir();
-    if (value == u"WMP") return s.WmpDir();
-    if (value == u"iTunes") return s.iTunesDir();
-    if (value == u"foobar") return s.FoobarDir();
+    if (const KnownPlayer* known = knownPlayer(value))
+        return (SettingsWrapper::instance().*known->launchCommand)();
     // A player chosen by its bus name is mostly started by that name.
     return QStandardPaths::findExecutable(value).isEmpty() ? QString() : value;
 }

@@ -45,12 +45,6 @@ public:
     QString MusicLabel();
     bool Playing();
 
-    // The display names of the four known players, from the Media section of
-    // Overrides.ini.
-    static QString winampName();
-    static QString wmpName();
-    static QString itunesName();
-    static QString foobarName();
     // The bus name of the desktop player that a known MediaPlayer value
     // stands for; empty for any other value.
     static QString DesktopPlayerFor(const QString& mediaPlayer);

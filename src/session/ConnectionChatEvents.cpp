@@ -377,13 +377,12 @@ void ConnectionWrapper::Handle_ChatEvent_WhisperFrom(int Index, const QString& U
             CommandWrapper().SearchCommands(Index, Username, Text.mid(1), false);
         NotifyEvent(Index, NoticeEvent::Whisper, Username, Text);
     }
-    if (matchesPattern(Text, QStringLiteral("Your friend * has exited Battle.net.")) ||
+    const bool friendExited =
+        matchesPattern(Text, QStringLiteral("Your friend * has exited Battle.net."));
+    if (friendExited ||
         matchesPattern(Text, QStringLiteral("Your friend * has entered Battle.net."))) {
         Output_FriendsList(Index);
-        NotifyEvent(Index,
-                    Text.contains(QLatin1String("exited Battle.net."))
-                        ? NoticeEvent::FriendExited
-                        : NoticeEvent::FriendEntered,
+        NotifyEvent(Index, friendExited ? NoticeEvent::FriendExited : NoticeEvent::FriendEntered,
                     Username, Text);
     }
     runScript(Index, "Event_WhisperFrom", {Username, Text, Flags, Ping});

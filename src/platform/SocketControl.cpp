@@ -2,6 +2,9 @@
 
 #include <QTcpSocket>
 
+#include <cerrno>
+#include <sys/socket.h>
+
 SocketControl::SocketControl(QObject* parent) : QObject(parent) {}
 
 SocketControl::~SocketControl() {
@@ -42,7 +45,25 @@ void SocketControl::SendData(const QByteArray& data) {
         sent.append(data);
         return;
     }
-    m_socket->write(data);
+    const qsizetype taken = sendDirect(data);
+    if (taken < data.size()) m_socket->write(data.constData() + taken, data.size() - taken);
+}
+
+// Hands the bytes straight to the kernel while Qt holds none queued, so the
+// order on the wire stays the order sent. Queuing them in Qt instead turns a
+// write notifier on and off for every frame, and the event loop's cost of
+// that grows with the number of open sockets: with a thousand profiles
+// logging on it was a tenth of the bot's work. What the kernel does not take
+// (a full send window, an error) goes through Qt, which waits or reports.
+qsizetype SocketControl::sendDirect(const QByteArray& data) {
+    if (m_socket->bytesToWrite() > 0) return 0;
+    const int fd = int(m_socket->socketDescriptor());
+    if (fd < 0) return 0;
+    ssize_t taken;
+    do {
+        taken = ::send(fd, data.constData(), size_t(data.size()), MSG_NOSIGNAL);
+    } while (taken < 0 && errno == EINTR);
+    return taken < 0 ? 0 : qsizetype(taken);
 }
 
 QByteArray SocketControl::GetData() {

@@ -71,6 +71,7 @@ private:
     void onDisconnected();
     void onError(QAbstractSocket::SocketError socketError);
     void dropSocket();
+    qsizetype sendDirect(const QByteArray& data);
 
     QTcpSocket* m_socket = nullptr;
     int m_state = Closed;

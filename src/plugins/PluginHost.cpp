@@ -234,6 +234,15 @@ void PluginHost::clear() {
     m_plugins.emplace_back();
 }
 
+// Every frame and chat event asks this first, so that with no plug-in
+// listening nothing is built for them.
+bool PluginHost::anyPluginTakes(Flag kind) const {
+    for (const PluginRecord& p : m_plugins) {
+        if (!p.Name.isEmpty() && (p.Flags & kind) && p.Object) return true;
+    }
+    return false;
+}
+
 void PluginHost::sendSocketEvent(const QString& member, QVariantList args) {
     if (m_plugins.size() <= 1) return;
     for (const PluginRecord& p : m_plugins) {
@@ -311,6 +320,7 @@ void PluginHost::SocketError(int Index, int Number, const QString& Description) 
 }
 
 void PluginHost::PacketArrival(int Index, const QByteArray& Data) {
+    if (!anyPluginTakes(SocketEvents)) return;
     sendSocketEvent(QStringLiteral("PacketArrival"), {Index, Data});
 }
 
@@ -369,7 +379,7 @@ void PluginHost::DispatchChatEvent(int BotIndex, int ID, const QString& Message,
     for (const ChatEventMember& e : kChatEventMembers) {
         if (e.id == ID) event = &e;
     }
-    if (!event) return;
+    if (!event || !anyPluginTakes(ChatEvents)) return;
     sendChatEvent(ID, QString::fromLatin1(event->member), [&] {
         return chatEventArgs(event->shape, BotIndex, Message, Username, Flags, Ping);
     });

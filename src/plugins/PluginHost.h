@@ -95,6 +95,7 @@ public:
 private:
     PluginHost();
     ~PluginHost();
+    bool anyPluginTakes(Flag kind) const;
     // Calls `member` on every plug-in with `flag`, writing the error line of
     // the first that raises and stopping there.
     void sendSocketEvent(const QString& member, QVariantList args);

@@ -63,19 +63,25 @@ quint32 PacketReader::ReadDWORD(qint16 fromPos) {
     return readLittleEndian(4, fromPos);
 }
 
-QByteArray PacketReader::ReadSTRINGBytes(qint16 fromPos) {
+QByteArrayView PacketReader::stringAt(qint16 fromPos) {
     const int start = startOf(fromPos);
     const qsizetype nul = start < m_buffer.size() ? m_buffer.indexOf('\0', start) : -1;
     if (nul < 0)
         return {};
-    QByteArray text = m_buffer.mid(start, nul - start);
+    const QByteArrayView text = QByteArrayView(m_buffer).sliced(start, nul - start);
     if (fromPos < 1)
         advance(int(text.size()) + 1);
     return text;
 }
 
+QByteArray PacketReader::ReadSTRINGBytes(qint16 fromPos) {
+    return stringAt(fromPos).toByteArray();
+}
+
+// Decoded from the frame in place: names and texts are most of what a
+// channel sends.
 QString PacketReader::ReadSTRING(qint16 fromPos) {
-    return cp1252::decode(ReadSTRINGBytes(fromPos));
+    return cp1252::decode(stringAt(fromPos));
 }
 
 QByteArray PacketReader::ReadVOID(int length, qint16 fromPos) {

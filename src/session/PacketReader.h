@@ -41,6 +41,7 @@ private:
     // 0-based start of a read and whether it is at the cursor.
     int startOf(qint16 fromPos) const;
     void advance(int bytes);
+    QByteArrayView stringAt(qint16 fromPos);
     quint32 readLittleEndian(int width, qint16 fromPos);
 
     QByteArray m_buffer;

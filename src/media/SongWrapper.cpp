@@ -77,6 +77,13 @@ void SongWrapper::install() {
     instance().watch();
 }
 
+void SongWrapper::useBus(const QDBusConnection& bus) {
+    m_bus = bus;
+    m_players.reset();
+    m_watching = false;
+    m_toldNoBus = false;
+}
+
 void SongWrapper::watch() {
     if (m_watching) return;
     m_watching = true;

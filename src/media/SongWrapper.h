@@ -24,9 +24,9 @@ public:
     // watching the bus.
     static void install();
 
-    // Watch the players of this bus instead of the session bus. Before the
-    // first use only.
-    void useBus(const QDBusConnection& bus) { m_bus = bus; }
+    // Watch the players of this bus instead of the session bus; what was
+    // watched before is let go.
+    void useBus(const QDBusConnection& bus);
 
     QString PlayerName() override;
     QString DisplayName(const QString& player) override;

@@ -24,6 +24,12 @@ double ownCpuSeconds() {
            double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
 }
 
+long ownPageFaults() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_minflt + usage.ru_majflt;
+}
+
 double processCpuSeconds(qint64 pid) {
     QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
     if (!stat.open(QIODevice::ReadOnly)) return 0;
@@ -78,6 +84,7 @@ void LogOnManySlots(benchmark::State& state) {
             c.setChannel(QStringLiteral("Bench"));
         }
         const double botCpuBefore = ownCpuSeconds();
+        const long faultsBefore = ownPageFaults();
         const double sandboxCpuBefore = processCpuSeconds(sandbox.processId());
         QElapsedTimer clock;
         clock.start();
@@ -100,6 +107,7 @@ void LogOnManySlots(benchmark::State& state) {
         state.SetIterationTime(seconds);
         state.counters["online"] = online;
         state.counters["bot_cpu_s"] = botCpu;
+        state.counters["bot_page_faults"] = double(ownPageFaults() - faultsBefore);
         state.counters["sandbox_cpu_s"] = sandboxCpu;
         state.counters["bot_per_sandbox_cpu"] = sandboxCpu > 0 ? botCpu / sandboxCpu : 0;
         sandbox.kill();

@@ -101,8 +101,10 @@ void ConnectionWrapper::Handle_ChatEvent(int Index, PacketReader& Reader) {
     const qint32 flags = qint32(Reader.ReadDWORD());
     const qint32 ping = qint32(Reader.ReadDWORD());
     Reader.Skip(12);
-    const QString username = Reader.ReadSTRING();
-    const QString text = Reader.ReadSTRING();
+    const QString username = Reader.ReadSharedSTRING();
+    // A user shown, joining or changing flags comes with a statstring.
+    const bool statstring = id == 1 || id == 2 || id == 9;
+    const QString text = statstring ? Reader.ReadSharedSTRING() : Reader.ReadSTRING();
     if (settings().FloodMode() != 0)
         Bots(Index).AddEvent(Index, username, text, ping, flags, GetTickCount(),
                              QString::number(id));

@@ -1,6 +1,7 @@
 #include "session/PacketReader.h"
 
 #include "platform/Cp1252.h"
+#include "platform/RecentTexts.h"
 
 #include <limits>
 
@@ -82,6 +83,10 @@ QByteArray PacketReader::ReadSTRINGBytes(qint16 fromPos) {
 // channel sends.
 QString PacketReader::ReadSTRING(qint16 fromPos) {
     return cp1252::decode(stringAt(fromPos));
+}
+
+QString PacketReader::ReadSharedSTRING() {
+    return RecentTexts::decode(stringAt(0));
 }
 
 QByteArray PacketReader::ReadVOID(int length, qint16 fromPos) {

@@ -32,6 +32,9 @@ public:
     quint32 ReadDWORD(qint16 fromPos = 0);
     // Text up to the next NUL, Windows-1252; empty, cursor kept, if none follows.
     QString ReadSTRING(qint16 fromPos = 0);
+    // The same, for a name or statstring that many slots hear again: it
+    // shares the text with the last read of the same bytes.
+    QString ReadSharedSTRING();
     // The same as raw bytes.
     QByteArray ReadSTRINGBytes(qint16 fromPos = 0);
     // `length` bytes or what is left; at the cursor it moves by `length` anyway.

@@ -1,5 +1,9 @@
 #include "session/PacketReader.h"
 
+#include "platform/Cp1252.h"
+
+#include <QList>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -56,6 +60,23 @@ TEST(PacketReader, StringAtANulIsEmptyAndMovesOneByte) {
 TEST(PacketReader, StringsAreWindows1252) {
     PacketReader r = readerOf(QByteArray("\x80\xe9\xff" "c\0", 5));
     EXPECT_EQ(r.ReadSTRING(), QString::fromUtf8("\u20ac\u00e9\u00ff" "c"));
+}
+
+// Texts read again share what was decoded before; each must still be the
+// decoding of its own bytes, whatever was read in between.
+TEST(PacketReader, RepeatedStringsShareTheirTextAndEachStaysItsOwn) {
+    QList<QByteArray> names;
+    for (int i = 0; i < 20000; ++i)
+        names << QByteArray("user") + QByteArray::number(i) + (i % 3 ? "" : "\x80\x9f");
+    for (int round = 0; round < 2; ++round) {
+        for (int i = round; i < names.size(); i += 7) {
+            PacketReader r = readerOf(names[i] + '\0');
+            ASSERT_EQ(r.ReadSharedSTRING(), cp1252::decode(names[i])) << names[i].constData();
+        }
+    }
+    PacketReader first = readerOf(QByteArray("RATS 0 0 0 0 0 0 0 0 RATS\0", 27));
+    PacketReader second = readerOf(QByteArray("RATS 0 0 0 0 0 0 0 0 RATS\0", 27));
+    EXPECT_TRUE(first.ReadSharedSTRING().isSharedWith(second.ReadSharedSTRING()));
 }
 
 TEST(PacketReader, VoidReturnsWhatIsLeftButMovesTheFullLength) {

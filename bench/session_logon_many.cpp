@@ -17,17 +17,18 @@
 
 namespace {
 
-double ownCpuSeconds() {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return double(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
-           double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
-}
+// What this process has spent so far.
+struct OwnUsage {
+    double cpuSeconds = 0;
+    long pageFaults = 0;
+};
 
-long ownPageFaults() {
+OwnUsage ownUsage() {
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
-    return usage.ru_minflt + usage.ru_majflt;
+    return {double(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
+                double(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6,
+            usage.ru_minflt + usage.ru_majflt};
 }
 
 double processCpuSeconds(qint64 pid) {
@@ -83,8 +84,7 @@ void LogOnManySlots(benchmark::State& state) {
             c.setServerBNLS(QStringLiteral("127.0.0.1:%1").arg(bnls));
             c.setChannel(QStringLiteral("Bench"));
         }
-        const double botCpuBefore = ownCpuSeconds();
-        const long faultsBefore = ownPageFaults();
+        const OwnUsage botBefore = ownUsage();
         const double sandboxCpuBefore = processCpuSeconds(sandbox.processId());
         QElapsedTimer clock;
         clock.start();
@@ -102,12 +102,13 @@ void LogOnManySlots(benchmark::State& state) {
                 online += Bots(i).Online() ? 1 : 0;
         }
         const double seconds = double(clock.nsecsElapsed()) / 1e9;
-        const double botCpu = ownCpuSeconds() - botCpuBefore;
+        const OwnUsage botAfter = ownUsage();
+        const double botCpu = botAfter.cpuSeconds - botBefore.cpuSeconds;
         const double sandboxCpu = processCpuSeconds(sandbox.processId()) - sandboxCpuBefore;
         state.SetIterationTime(seconds);
         state.counters["online"] = online;
         state.counters["bot_cpu_s"] = botCpu;
-        state.counters["bot_page_faults"] = double(ownPageFaults() - faultsBefore);
+        state.counters["bot_page_faults"] = double(botAfter.pageFaults - botBefore.pageFaults);
         state.counters["sandbox_cpu_s"] = sandboxCpu;
         state.counters["bot_per_sandbox_cpu"] = sandboxCpu > 0 ? botCpu / sandboxCpu : 0;
         sandbox.kill();

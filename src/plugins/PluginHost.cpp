@@ -26,6 +26,13 @@ QString pluginsIni() {
 
 const QString kAutoLoad = QStringLiteral("AutoLoad");
 
+// A loaded plug-in that registered for this kind of event. The senders build
+// an event's arguments only for such a plug-in: frames and chat events come
+// by the thousand, and mostly nobody listens.
+bool takes(const PluginRecord& p, PluginHost::Flag kind) {
+    return !p.Name.isEmpty() && (p.Flags & kind) && p.Object;
+}
+
 } // namespace
 
 PluginHost& PluginHost::instance() {
@@ -234,20 +241,11 @@ void PluginHost::clear() {
     m_plugins.emplace_back();
 }
 
-// Every frame and chat event asks this first, so that with no plug-in
-// listening nothing is built for them.
-bool PluginHost::anyPluginTakes(Flag kind) const {
+void PluginHost::sendSocketEvent(const QString& member,
+                                 const std::function<QVariantList()>& makeArgs) {
     for (const PluginRecord& p : m_plugins) {
-        if (!p.Name.isEmpty() && (p.Flags & kind) && p.Object) return true;
-    }
-    return false;
-}
-
-void PluginHost::sendSocketEvent(const QString& member, QVariantList args) {
-    if (m_plugins.size() <= 1) return;
-    for (const PluginRecord& p : m_plugins) {
-        if (p.Name.isEmpty() || !(p.Flags & SocketEvents) || !p.Object) continue;
-        QVariantList callArgs = args;
+        if (!takes(p, SocketEvents)) continue;
+        QVariantList callArgs = makeArgs();
         try {
             p.Object->call(member, callArgs);
         } catch (const PluginCallError& e) {
@@ -273,12 +271,11 @@ void PluginHost::DispatchSongChange(const QString& song) {
     if (song == m_lastSong) return;
     m_lastSong = song;
     for (const PluginRecord& p : m_plugins) {
-        if (!p.Name.isEmpty() && (p.Flags & MediaEvents) && !tellSong(p, song)) return;
+        if (takes(p, MediaEvents) && !tellSong(p, song)) return;
     }
 }
 
 bool PluginHost::tellSong(const PluginRecord& p, const QString& song) {
-    if (!p.Object) return true;
     QVariantList args{song};
     try {
         p.Object->call(QStringLiteral("SongChange"), args);
@@ -292,7 +289,7 @@ bool PluginHost::tellSong(const PluginRecord& p, const QString& song) {
 
 void PluginHost::SendMediaEvent(const QString& member, const QVariantList& args) {
     for (const PluginRecord& p : m_plugins) {
-        if (p.Name.isEmpty() || !(p.Flags & MediaEvents) || !p.Object) continue;
+        if (!takes(p, MediaEvents)) continue;
         QVariantList callArgs = args;
         try {
             p.Object->call(member, callArgs);
@@ -307,21 +304,21 @@ void PluginHost::SendMediaEvent(const QString& member, const QVariantList& args)
 }
 
 void PluginHost::SocketConnect(int Index) {
-    sendSocketEvent(QStringLiteral("SocketConnect"), {Index});
+    sendSocketEvent(QStringLiteral("SocketConnect"), [&] { return QVariantList{Index}; });
 }
 
 void PluginHost::SocketClose(int Index) {
-    sendSocketEvent(QStringLiteral("SocketClose"), {Index});
+    sendSocketEvent(QStringLiteral("SocketClose"), [&] { return QVariantList{Index}; });
 }
 
 void PluginHost::SocketError(int Index, int Number, const QString& Description) {
-    sendSocketEvent(QStringLiteral("SocketError"),
-                    {Index, Number, Description, 0, QString(), QString(), 0, false});
+    sendSocketEvent(QStringLiteral("SocketError"), [&] {
+        return QVariantList{Index, Number, Description, 0, QString(), QString(), 0, false};
+    });
 }
 
 void PluginHost::PacketArrival(int Index, const QByteArray& Data) {
-    if (!anyPluginTakes(SocketEvents)) return;
-    sendSocketEvent(QStringLiteral("PacketArrival"), {Index, Data});
+    sendSocketEvent(QStringLiteral("PacketArrival"), [&] { return QVariantList{Index, Data}; });
 }
 
 namespace {
@@ -379,29 +376,29 @@ void PluginHost::DispatchChatEvent(int BotIndex, int ID, const QString& Message,
     for (const ChatEventMember& e : kChatEventMembers) {
         if (e.id == ID) event = &e;
     }
-    if (!event || !anyPluginTakes(ChatEvents)) return;
-    sendChatEvent(ID, QString::fromLatin1(event->member), [&] {
+    if (!event) return;
+    sendChatEvent(ID, QLatin1StringView(event->member), [&] {
         return chatEventArgs(event->shape, BotIndex, Message, Username, Flags, Ping);
     });
 }
 
 void PluginHost::PressedEnter(int BotIndex, QString& Message) {
     sendChatEvent(
-        254, QStringLiteral("Event_PressedEnter"),
+        254, QLatin1StringView("Event_PressedEnter"),
         [&] {
             return QVariantList{BotIndex, Message};
         },
         [&](const QVariantList& args) { Message = args.value(1).toString(); });
 }
 
-void PluginHost::sendChatEvent(int ID, const QString& member,
+void PluginHost::sendChatEvent(int ID, QLatin1StringView member,
                                const std::function<QVariantList()>& makeArgs,
                                const std::function<void(const QVariantList&)>& takeBack) {
     for (const PluginRecord& p : m_plugins) {
-        if (p.Name.isEmpty() || !(p.Flags & ChatEvents) || !p.Object) continue;
+        if (!takes(p, ChatEvents)) continue;
         QVariantList args = makeArgs();
         try {
-            p.Object->call(member, args);
+            p.Object->call(QString(member), args);
         } catch (const PluginCallError& e) {
             WriteChat(0, {{0xFF, QStringLiteral("Error -> Plugin caused error for ") + p.Name +
                                      QStringLiteral(" ChatEvent(") + QString::number(ID) +

@@ -95,13 +95,14 @@ public:
 private:
     PluginHost();
     ~PluginHost();
-    bool anyPluginTakes(Flag kind) const;
-    // Calls `member` on every plug-in with `flag`, writing the error line of
-    // the first that raises and stopping there.
-    void sendSocketEvent(const QString& member, QVariantList args);
+    // Calls `member` on every plug-in with the socket-event flag, each with
+    // fresh arguments from `makeArgs`, writing the error line of the first
+    // that raises and stopping there.
+    void sendSocketEvent(const QString& member, const std::function<QVariantList()>& makeArgs);
     // Calls `member` on every plug-in with the chat-event flag, each with fresh
     // arguments from `makeArgs`; `takeBack` sees what a plug-in left in them.
-    void sendChatEvent(int ID, const QString& member, const std::function<QVariantList()>& makeArgs,
+    void sendChatEvent(int ID, QLatin1StringView member,
+                       const std::function<QVariantList()>& makeArgs,
                        const std::function<void(const QVariantList&)>& takeBack = {});
 
     // SongChange to one plug-in; false, with the red line, when it failed.

@@ -40,26 +40,18 @@ TEST(PacketReader, AbsolutePositionsReadThereAndLeaveTheCursor) {
     EXPECT_EQ(r.GetPosition(), 2);
 }
 
-TEST(PacketReader, StringWithoutTerminatorIsEmptyAndKeepsTheCursor) {
-    PacketReader r = readerOf(QByteArray("ab\0cd", 5));
-    EXPECT_EQ(r.ReadSTRING(), QStringLiteral("ab"));
-    EXPECT_EQ(r.GetPosition(), 4);
-    EXPECT_EQ(r.ReadSTRING(), QString());
-    EXPECT_EQ(r.GetPosition(), 4);
-    EXPECT_EQ(r.ReadSTRING(), QString());
-    EXPECT_EQ(r.GetPosition(), 4);
-}
-
-TEST(PacketReader, StringAtANulIsEmptyAndMovesOneByte) {
-    PacketReader r = readerOf(QByteArray("\0x\0", 3));
+// A string ends at its NUL, past which the cursor moves; one without a NUL
+// is empty and leaves the cursor where it was.
+TEST(PacketReader, StringsAreWindows1252UpToTheirNul) {
+    PacketReader r = readerOf(QByteArray("\0\x80\xe9\xff" "c\0cd", 8));
     EXPECT_EQ(r.ReadSTRING(), QString());
     EXPECT_EQ(r.GetPosition(), 2);
-    EXPECT_EQ(r.ReadSTRING(), QStringLiteral("x"));
-}
-
-TEST(PacketReader, StringsAreWindows1252) {
-    PacketReader r = readerOf(QByteArray("\x80\xe9\xff" "c\0", 5));
     EXPECT_EQ(r.ReadSTRING(), QString::fromUtf8("\u20ac\u00e9\u00ff" "c"));
+    EXPECT_EQ(r.GetPosition(), 7);
+    EXPECT_EQ(r.ReadSTRING(), QString());
+    EXPECT_EQ(r.GetPosition(), 7);
+    EXPECT_EQ(r.ReadSharedSTRING(), QString());
+    EXPECT_EQ(r.GetPosition(), 7);
 }
 
 // Texts read again share what was decoded before; each must still be the
@@ -79,11 +71,17 @@ TEST(PacketReader, RepeatedStringsShareTheirTextAndEachStaysItsOwn) {
     EXPECT_TRUE(first.ReadSharedSTRING().isSharedWith(second.ReadSharedSTRING()));
 }
 
-TEST(PacketReader, VoidReturnsWhatIsLeftButMovesTheFullLength) {
+// A read cut short by the end still moves the cursor by its full width.
+TEST(PacketReader, ShortReadsMoveTheCursorByTheirFullWidth) {
     PacketReader r = readerOf(QByteArray(14, 'x'));
     r.Skip(4);
     EXPECT_EQ(r.ReadVOID(32).size(), 10);
     EXPECT_EQ(r.GetPosition(), 5 + 32);
+
+    PacketReader word = readerOf(QByteArray("\x01\x02\x03", 3));
+    word.Skip(2);
+    word.ReadDWORD();
+    EXPECT_EQ(word.GetPosition(), 7);
 }
 
 TEST(PacketReader, ReadsPastTheEndOrAtCursorZeroAreErrors) {
@@ -96,13 +94,6 @@ TEST(PacketReader, ReadsPastTheEndOrAtCursorZeroAreErrors) {
     EXPECT_EQ(r.GetPosition(), 0);
     EXPECT_THROW(r.ReadBYTE(), PacketReadError);
     EXPECT_THROW(r.ReadSTRING(), PacketReadError);
-}
-
-TEST(PacketReader, AWordCutShortStillMovesTheCursorByItsWidth) {
-    PacketReader r = readerOf(QByteArray("\x01\x02\x03", 3));
-    r.Skip(2);
-    r.ReadDWORD();
-    EXPECT_EQ(r.GetPosition(), 7);
 }
 
 TEST(PacketReader, TheCursorIsSixteenBitsWide) {

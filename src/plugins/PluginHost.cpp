@@ -241,8 +241,8 @@ void PluginHost::clear() {
     m_plugins.emplace_back();
 }
 
-void PluginHost::sendSocketEvent(const QString& member,
-                                 const std::function<QVariantList()>& makeArgs) {
+template <typename MakeArgs>
+void PluginHost::sendSocketEvent(const QString& member, const MakeArgs& makeArgs) {
     for (const PluginRecord& p : m_plugins) {
         if (!takes(p, SocketEvents)) continue;
         QVariantList callArgs = makeArgs();
@@ -391,8 +391,8 @@ void PluginHost::PressedEnter(int BotIndex, QString& Message) {
         [&](const QVariantList& args) { Message = args.value(1).toString(); });
 }
 
-void PluginHost::sendChatEvent(int ID, QLatin1StringView member,
-                               const std::function<QVariantList()>& makeArgs,
+template <typename MakeArgs>
+void PluginHost::sendChatEvent(int ID, QLatin1StringView member, const MakeArgs& makeArgs,
                                const std::function<void(const QVariantList&)>& takeBack) {
     for (const PluginRecord& p : m_plugins) {
         if (!takes(p, ChatEvents)) continue;

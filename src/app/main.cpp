@@ -119,9 +119,10 @@ int runVerb(const QStringList& words) {
         if (!store.movedAsideNotice().isEmpty())
             std::fprintf(stderr, "%s\n", qPrintable(store.movedAsideNotice()));
         if (!store.isOpen()) {
-            std::fprintf(stderr, "%s No Corvantide running on this home answered%s.\n",
-                         qPrintable(store.openError()),
-                         qPrintable(whyNoBot.isEmpty() ? QString() : QStringLiteral(": ") + whyNoBot));
+            std::fprintf(
+                stderr, "%s No Corvantide running on this home answered%s.\n",
+                qPrintable(store.openError()),
+                qPrintable(whyNoBot.isEmpty() ? QString() : QStringLiteral(": ") + whyNoBot));
             return 1;
         }
         store.setCreateKeyIfDoesntExists(true);
@@ -141,7 +142,7 @@ void openControlChannel(ControlServer& server) {
     if (!server.listen(&error))
         WriteChat(0, Status::Error,
                   QStringLiteral("Settings commands from the terminal cannot reach this bot: ") +
-                      error);
+                      error + u'.');
 }
 
 // The settings file options are the import and export verbs.

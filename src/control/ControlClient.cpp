@@ -81,8 +81,7 @@ bool SendToRunningBot(const QStringList& args, VerbResult& result, QString* whyN
             return true;
         }
         if (deadline.hasExpired() || !socket->waitForReadyRead(int(deadline.remainingTime()))) {
-            if (socket->canReadLine() || socket->state() != QLocalSocket::ConnectedState)
-                continue;
+            if (socket->canReadLine() || socket->state() != QLocalSocket::ConnectedState) continue;
             result = VerbResult::refused(
                 QStringLiteral("The Corvantide running on this home did not answer within %1 s.")
                     .arg(kAnswerMs / 1000));

@@ -138,8 +138,8 @@ void ControlServer::waitForDescriptors(int code) {
     m_notifier->setEnabled(false);
     if (!m_starved)
         Q_EMIT notice(QStringLiteral("Terminal connections must wait: the bot has no file "
-                                   "descriptors left (%1). It tries again every second.")
-                        .arg(osError(code)));
+                                     "descriptors left (%1). It tries again every second.")
+                          .arg(osError(code)));
     m_starved = true;
     QTimer::singleShot(kRetryMs, this, [this] {
         m_notifier->setEnabled(true);
@@ -186,8 +186,8 @@ bool ControlServer::isOwnUser(int descriptor) {
     const QString who = peer ? QStringLiteral("the user ") + LocalUser::Name(*peer)
                              : QStringLiteral("a process whose user is unknown");
     Q_EMIT notice(QStringLiteral("Refused a terminal connection from %1: the bot takes settings "
-                               "commands only from its own user.")
-                    .arg(who));
+                                 "commands only from its own user.")
+                      .arg(who));
     return false;
 }
 
@@ -205,8 +205,8 @@ void ControlServer::turnAway(int descriptor) {
     ::close(descriptor);
     if (!m_full)
         Q_EMIT notice(QStringLiteral("%1 terminal connections are open at once; the bot turns "
-                                   "more away until some close.")
-                        .arg(kMostConnections));
+                                     "more away until some close.")
+                          .arg(kMostConnections));
     m_full = true;
 }
 

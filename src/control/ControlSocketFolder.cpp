@@ -30,10 +30,11 @@ QString whyNotPrivate(const QString& folder, bool followLink) {
     if ((followLink ? stat(path.constData(), &facts) : lstat(path.constData(), &facts)) != 0)
         return QStringLiteral("the folder %1 cannot be read (%2)").arg(folder, osError(errno));
     if (S_ISLNK(facts.st_mode))
-        return QStringLiteral("%1 is a link, not a folder of your own").arg(folder);
+        return QStringLiteral("%1 is a link, not a folder of your own; remove it").arg(folder);
     if (!S_ISDIR(facts.st_mode)) return QStringLiteral("%1 is not a folder").arg(folder);
     if (facts.st_uid != LocalUser::Me())
-        return QStringLiteral("the folder %1 belongs to the user %2, not to you")
+        return QStringLiteral("the folder %1 belongs to the user %2, not to you; set TMPDIR to "
+                              "a folder of your own")
             .arg(folder, LocalUser::Name(facts.st_uid));
     if ((facts.st_mode & 077) != 0)
         return QStringLiteral("the folder %1 is open to other users (mode %2); make it 0700 or "
@@ -51,8 +52,7 @@ QString runtimeFolder() {
 }
 
 QString ownFolder() {
-    return QDir::tempPath() + QStringLiteral("/corvantide-") +
-           QString::number(LocalUser::Me());
+    return QDir::tempPath() + QStringLiteral("/corvantide-") + QString::number(LocalUser::Me());
 }
 
 QString socketIn(const QString& folder, QString* error) {
@@ -82,7 +82,8 @@ QString ListeningPath(QString* error) {
     const QString folder = ownFolder();
     if (mkdir(QFile::encodeName(folder).constData(), 0700) != 0 && errno != EEXIST) {
         if (error)
-            *error = QStringLiteral("the folder %1 cannot be made (%2)").arg(folder, osError(errno));
+            *error =
+                QStringLiteral("the folder %1 cannot be made (%2)").arg(folder, osError(errno));
         return {};
     }
     const QString why = whyNotPrivate(folder, false);

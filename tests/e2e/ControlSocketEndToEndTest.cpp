@@ -72,8 +72,8 @@ protected:
     }
     // The one socket in `folder`.
     static QString socketIn(const QString& folder) {
-        const QStringList names = QDir(folder).entryList({QStringLiteral("corvantide-*")},
-                                                         QDir::System | QDir::Files);
+        const QStringList names =
+            QDir(folder).entryList({QStringLiteral("corvantide-*")}, QDir::System | QDir::Files);
         return names.size() == 1 ? folder + u'/' + names[0] : QString();
     }
 
@@ -93,8 +93,9 @@ int listenAs(uid_t uid, const QString& path) {
     const QByteArray file = QFile::encodeName(path);
     std::memcpy(address.sun_path, file.constData(), size_t(file.size()));
     if (::seteuid(uid) != 0) return -1;
-    const bool ok = ::bind(descriptor, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 &&
-                    ::listen(descriptor, 8) == 0;
+    const bool ok =
+        ::bind(descriptor, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 &&
+        ::listen(descriptor, 8) == 0;
     if (::seteuid(0) != 0 || !ok) return -1;
     return descriptor;
 }
@@ -137,24 +138,24 @@ TEST_F(ControlSocket, LivesInAPrivateFolderAndOutlastsIdleConnections) {
         idle.back()->connectToServer(path);
         ASSERT_TRUE(idle.back()->waitForConnected(2000)) << i;
     }
-    idle[0]->write("{\"args\":[\"profile\",\"new\",");  // half a request
+    idle[0]->write("{\"args\":[\"profile\",\"new\","); // half a request
     idle[0]->flush();
     const auto open = [&] {
         return std::count_if(idle.begin(), idle.end(), [](const auto& socket) {
             return socket->state() == QLocalSocket::ConnectedState;
         });
     };
-    ASSERT_TRUE(waitFor([&] { return open() == ControlServer::kMostConnections; }, 3000))
-        << open();
+    ASSERT_TRUE(waitFor([&] { return open() == ControlServer::kMostConnections; }, 3000)) << open();
     EXPECT_TRUE(idle.back()->readAll().contains("32 terminal connections open"));
     const Answer busy = verb({QStringLiteral("profile"), QStringLiteral("list")});
     EXPECT_EQ(busy.status, 1);
-    EXPECT_TRUE(busy.err.contains(QStringLiteral("terminal connections"))) << busy.err.toStdString();
+    EXPECT_TRUE(busy.err.contains(QStringLiteral("terminal connections")))
+        << busy.err.toStdString();
     EXPECT_TRUE(botSaid("32 terminal connections are open at once"));
 
     EXPECT_TRUE(waitFor([&] { return open() == 0; }, ControlServer::kIdleMs + 3000)) << open();
-    const Answer made = verb({QStringLiteral("profile"), QStringLiteral("new"),
-                              QStringLiteral("Main")});
+    const Answer made =
+        verb({QStringLiteral("profile"), QStringLiteral("new"), QStringLiteral("Main")});
     EXPECT_EQ(made.status, 0) << made.err.toStdString();
     EXPECT_EQ(made.out.left(22), QStringLiteral("Created profile 'Main'"));
 }

@@ -201,7 +201,7 @@ void ControlServer::turnAway(int descriptor) {
         QStringLiteral("The running Corvantide has %1 terminal connections open; try again in "
                        "a few seconds.")
             .arg(kMostConnections)));
-    (void)!::send(descriptor, busy.constData(), size_t(busy.size()), MSG_NOSIGNAL | MSG_DONTWAIT);
+    ::send(descriptor, busy.constData(), size_t(busy.size()), MSG_NOSIGNAL | MSG_DONTWAIT);
     ::close(descriptor);
     if (!m_full)
         Q_EMIT notice(QStringLiteral("%1 terminal connections are open at once; the bot turns "

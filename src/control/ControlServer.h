@@ -27,7 +27,6 @@ public:
 
     // False with the reason when the socket could not be opened.
     bool listen(QString* error);
-    QString path() const { return m_path; }
 
 Q_SIGNALS:
     // Something the person running the bot should know: a refused

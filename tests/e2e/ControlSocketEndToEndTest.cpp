@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QLocalSocket>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -12,6 +13,7 @@
 
 #include <memory>
 #include <pwd.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -158,6 +160,30 @@ TEST_F(ControlSocket, LivesInAPrivateFolderAndOutlastsIdleConnections) {
         verb({QStringLiteral("profile"), QStringLiteral("new"), QStringLiteral("Main")});
     EXPECT_EQ(made.status, 0) << made.err.toStdString();
     EXPECT_EQ(made.out.left(22), QStringLiteral("Created profile 'Main'"));
+}
+
+// With too few file descriptors for every connection, the bot says so once,
+// keeps its socket and answers the verb that waited once the idle ones go.
+TEST_F(ControlSocket, RunningOutOfDescriptorsIsALineAndARetry) {
+    bot.setChildProcessModifier([] {
+        const rlimit few{24, 24};
+        ::setrlimit(RLIMIT_NOFILE, &few);
+    });
+    startBot();
+    const QString path = socketIn(tmp.filePath(QStringLiteral("corvantide-%1").arg(geteuid())));
+    ASSERT_FALSE(path.isEmpty());
+    std::vector<std::unique_ptr<QLocalSocket>> idle;
+    for (int i = 0; i < 24; ++i) {
+        idle.push_back(std::make_unique<QLocalSocket>());
+        idle.back()->connectToServer(path);
+        ASSERT_TRUE(idle.back()->waitForConnected(2000)) << i;
+    }
+    EXPECT_TRUE(botSaid("the bot has no file descriptors left (Too many open files)"));
+    const Answer late = verb({QStringLiteral("profile"), QStringLiteral("list")});
+    EXPECT_EQ(late.out.left(15), QStringLiteral("No profiles yet")) << late.err.toStdString();
+    EXPECT_TRUE(QFileInfo::exists(path));
+    said += QString::fromUtf8(bot.readAllStandardOutput());
+    EXPECT_EQ(said.count(QStringLiteral("no file descriptors left")), 1);
 }
 
 // A second user who takes the socket's place first gets no byte of a

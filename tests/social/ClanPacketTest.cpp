@@ -106,7 +106,8 @@ TEST_F(ClanPacketTest, MemberListPutsTheChieftainFirstAndNoticesKeepItCurrent) {
     PacketWriter gone;
     gone.WriteSTRING(QStringLiteral("Carl"));
     arrive(0x7E, gone);
-    EXPECT_EQ(clan.count(), 2);
+    EXPECT_EQ(clan.count(), 3);
+    EXPECT_EQ(clan.find(QStringLiteral("Carl")), 0);
     EXPECT_TRUE(Bots(slot).ClanTag().isEmpty());
     EXPECT_EQ(Bots(slot).ClanRank(), 0);
     EXPECT_FALSE(rtbChat(slot).text().contains(QLatin1String("Unhandled")));

@@ -91,8 +91,8 @@ QString Html() {
     html += QStringLiteral("</table>\n<p>") + kClanHeading.toHtmlEscaped() +
             QStringLiteral("</p>\n<ul>\n");
     for (const QString& line : ClanCommands::Usage())
-        html += QStringLiteral("<li><code>") + line.toHtmlEscaped() +
-                QStringLiteral("</code></li>\n");
+        html +=
+            QStringLiteral("<li><code>") + line.toHtmlEscaped() + QStringLiteral("</code></li>\n");
     return html + QStringLiteral("</ul>\n</body></html>\n");
 }
 

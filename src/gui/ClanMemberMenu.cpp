@@ -21,7 +21,6 @@ QMenu* ClanMemberMenu(int Index, const QString& Member, QWidget* parent) {
         "mnuPromoteMember", &ClanPacket::Promote);
     add(rights.demote, QStringLiteral("Demote to ") + GetClanRankName(quint8(rank - 1)),
         "mnuDemoteMember", &ClanPacket::Demote);
-    add(rights.remove, QStringLiteral("Remove from clan"), "mnuRemoveMember",
-        &ClanPacket::Remove);
+    add(rights.remove, QStringLiteral("Remove from clan"), "mnuRemoveMember", &ClanPacket::Remove);
     return menu;
 }

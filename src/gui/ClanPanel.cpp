@@ -42,8 +42,7 @@ ClanPanel::ClanPanel(QWidget* parent) : QWidget(parent) {
         form->raise();
     });
     // A chieftain hands the clan on before leaving it.
-    connect(addLink(QStringLiteral("Leave the clan"), QStringLiteral("guiLeaveClan"), 0,
-                    kShaman),
+    connect(addLink(QStringLiteral("Leave the clan"), QStringLiteral("guiLeaveClan"), 0, kShaman),
             &QToolButton::clicked, this, [this] { ClanPacket::Output_Quit(m_slot); });
     connect(addLink(QStringLiteral("Disband the clan"), QStringLiteral("guiDisbandClan"),
                     kChieftain, kChieftain),
@@ -74,8 +73,7 @@ QLineEdit* ClanPanel::addCommand(const QString& caption, const QString& name,
     return box;
 }
 
-QToolButton* ClanPanel::addLink(const QString& caption, const QString& name, int least,
-                                int most) {
+QToolButton* ClanPanel::addLink(const QString& caption, const QString& name, int least, int most) {
     auto* grid = static_cast<QGridLayout*>(layout());
     auto* link = new QToolButton;
     link->setObjectName(name);

@@ -19,26 +19,25 @@ void create(int Index, const QString& Rest) {
     const QStringList words = Rest.split(u' ', Qt::SkipEmptyParts);
     const QString tag = words.value(0);
     if (tag.size() < 2 || tag.size() > 4)
-        return WriteChat(Index, Status::Error,
-                         QStringLiteral("A clan tag has 2 to 4 characters."));
-    ClanNotices::instance().foundingTyped(Index, tag);
-    if (words.size() == 1) return ClanPacket::Output_FindCandidates(Index, tag);
+        return WriteChat(Index, Status::Error, QStringLiteral("A clan tag has 2 to 4 characters."));
+    if (words.size() == 1) {
+        ClanNotices::instance().foundingTyped(Index, tag);
+        return ClanPacket::Output_FindCandidates(Index, tag);
+    }
     const QStringList names = words.value(1).split(u',', Qt::SkipEmptyParts);
     const QString clanName = words.mid(2).join(u' ');
-    if (names.size() < 9 || clanName.isEmpty()) {
-        ClanNotices::instance().takeTypedFounding(Index);
+    if (names.size() < 9 || clanName.isEmpty())
         return WriteChat(Index, Status::Error,
                          QStringLiteral("You must check ATLEAST 9 candidates to invite to the "
                                         "clan! Type /myclan create TAG NAME,NAME,... CLAN NAME."));
-    }
+    ClanNotices::instance().foundingTyped(Index, tag);
     ClanPacket::Output_InviteMultiple(Index, clanName, tag, names);
     WriteChat(Index, Status::Warning, QStringLiteral("Inviting candidates.."));
 }
 
 constexpr Command kCommands[] = {
-    {"members", "", "lists the clan's members", [](int i, const QString&) {
-         ClanPacket::WriteMembers(i);
-     }},
+    {"members", "", "lists the clan's members",
+     [](int i, const QString&) { ClanPacket::WriteMembers(i); }},
     {"invite", " NAME", "invites a user into the clan", &ClanPacket::Output_Invite},
     {"promote", " NAME", "raises a member one rank", &ClanPacket::Promote},
     {"demote", " NAME", "lowers a member one rank", &ClanPacket::Demote},
@@ -47,12 +46,10 @@ constexpr Command kCommands[] = {
      &ClanPacket::Output_SetChieftain},
     {"motd", " TEXT", "sets the clan's message of the day", &ClanPacket::Output_SetMOTD},
     {"leave", "", "leaves the clan", [](int i, const QString&) { ClanPacket::Output_Quit(i); }},
-    {"disband", "", "disbands the clan", [](int i, const QString&) {
-         ClanPacket::Output_Disband(i);
-     }},
+    {"disband", "", "disbands the clan",
+     [](int i, const QString&) { ClanPacket::Output_Disband(i); }},
     {"create", " TAG", "checks a tag and lists who can found the clan", &create},
-    {"create", " TAG NAME,NAME,... CLAN NAME", "invites at least 9 of them to found it",
-     &create},
+    {"create", " TAG NAME,NAME,... CLAN NAME", "invites at least 9 of them to found it", &create},
 };
 
 } // namespace

@@ -345,11 +345,10 @@ void ClanPacket::writeFoundingStep(int Index, quint8 PacketID, quint8 Result,
     if (tag.isEmpty() || !o) return;
     if (PacketID != 0x70 || Result != 0)
         return WriteChat(Index, {{o->colour, QStringLiteral("[BNET] ") + QLatin1String(o->text)}});
-    WriteChat(Index, {{o->colour, QStringLiteral("[BNET] Clan tag ") + tag +
-                                      QStringLiteral(" is free; ") +
-                                      QString::number(Names.size()) +
-                                      QStringLiteral(" candidates: ") +
-                                      Names.join(QStringLiteral(", ")) + u'.'}});
+    WriteChat(Index,
+              {{o->colour, QStringLiteral("[BNET] Clan tag ") + tag + QStringLiteral(" is free; ") +
+                               QString::number(Names.size()) + QStringLiteral(" candidates: ") +
+                               Names.join(QStringLiteral(", ")) + u'.'}});
     WriteChat(Index, Status::Information,
               QStringLiteral("Found the clan with /myclan create ") + tag +
                   QStringLiteral(" NAME,NAME,... CLAN NAME, naming at least 9 of them."));

@@ -107,7 +107,8 @@ TEST_F(SocialEndToEnd, AWarcraftBotFoundsATwoLetterClanAndRunsItByTypedCommands)
     const QStringList founders = nine.mid(0, 8) << QStringLiteral("Recruit");
     SendChatLine(chief, QStringLiteral("/myclan create Tq ") + founders.join(u',') +
                             QStringLiteral(" The Testers"));
-    EXPECT_TRUE(saw(recruit, QStringLiteral("[BNET] You have been invited to help create a clan...")));
+    EXPECT_TRUE(
+        saw(recruit, QStringLiteral("[BNET] You have been invited to help create a clan...")));
     SendChatLine(recruit, QStringLiteral("/accept"));
     EXPECT_TRUE(saw(chief, QStringLiteral("[BNET] Success, everyone accepted invitation!")));
     EXPECT_TRUE(saw(chief, QStringLiteral("[BNET] You are a Chieftain of Clan Tq.")));
@@ -125,10 +126,12 @@ TEST_F(SocialEndToEnd, AWarcraftBotFoundsATwoLetterClanAndRunsItByTypedCommands)
 
     const auto lines = [](int i, const QString& text) { return int(chat(i).count(text)); };
     const auto rankChange = [&](const QString& line, const QString& from, const QString& to) {
-        const int before = lines(chief, QStringLiteral("[BNET] Successfully changed members rank."));
+        const int before =
+            lines(chief, QStringLiteral("[BNET] Successfully changed members rank."));
         SendChatLine(chief, line);
-        EXPECT_TRUE(saw(recruit, QStringLiteral("[BNET] Bot's clan rank was changed by Chief from ") +
-                                     from + QStringLiteral(" to ") + to + u'.'));
+        EXPECT_TRUE(
+            saw(recruit, QStringLiteral("[BNET] Bot's clan rank was changed by Chief from ") +
+                             from + QStringLiteral(" to ") + to + u'.'));
         EXPECT_EQ(lines(chief, QStringLiteral("[BNET] Successfully changed members rank.")),
                   before + 1);
     };

@@ -15,7 +15,6 @@ namespace {
 constexpr int kClanLimit = 100;
 constexpr quint8 kAccept = 6;
 
-
 bool same(const QString& a, const QString& b) {
     return a.compare(b, Qt::CaseInsensitive) == 0;
 }
@@ -163,9 +162,8 @@ bool ClanDesk::handle(ChatUser& from, quint8 id, PacketReader& r) {
 void ClanDesk::findCandidates(ChatUser& from, PacketReader& r) {
     const quint32 cookie = r.ReadDWORD();
     const QByteArray tag = tagText(r.ReadVOID(4));
-    const bool letters = std::all_of(tag.begin(), tag.end(), [](char c) {
-        return QChar::fromLatin1(c).isLetterOrNumber();
-    });
+    const bool letters = std::all_of(
+        tag.begin(), tag.end(), [](char c) { return QChar::fromLatin1(c).isLetterOrNumber(); });
     PacketWriter w;
     w.WriteDWORD(cookie);
     if (clanOf(from.account)) {

@@ -33,6 +33,10 @@ QChar escapeLetter(const QKeyEvent* event) {
 SendBox::SendBox(QWidget* parent) : QComboBox(parent) {
     setObjectName(QStringLiteral("cboSend"));
     setEditable(true);
+    // What is sent is what was typed: an editable box would otherwise finish
+    // a line that starts an earlier one with the rest of that line. The
+    // history stays on the arrow keys and the drop-down.
+    setCompleter(nullptr);
     setInsertPolicy(QComboBox::NoInsert);
     setMaxCount(kHistoryLength);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);

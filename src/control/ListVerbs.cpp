@@ -196,9 +196,11 @@ VerbResult addMembers(const MemberList& kind, const QString& name, const QString
     for (const QString& member : added) {
         if (indexOf(members, ConvertUsername(member, false, -1)) < 0) members.append(member);
     }
-    return outcome(kind.save(stored, members), (made ? QStringLiteral("Made") : QStringLiteral("Changed")) +
-                                                   what + QStringLiteral(": ") +
-                                                   kind.members(stored).join(QStringLiteral(", ")) + u'.');
+    const ManageOutcome saved = kind.save(stored, members);
+    if (!saved.ok) return VerbResult::refused(saved.warning);
+    return VerbResult::done((made ? QStringLiteral("Made") : QStringLiteral("Changed")) + what +
+                            QStringLiteral(": ") + kind.members(stored).join(QStringLiteral(", ")) +
+                            u'.');
 }
 
 // Removes the entry, or only the members named.

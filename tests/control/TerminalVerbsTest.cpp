@@ -145,6 +145,7 @@ TEST_F(TerminalVerbs_, UserbasesAreMadeFilledAndBoundInOneLineEach) {
 }
 
 TEST_F(TerminalVerbs_, ListsChangeInOneLineEachAndTheBotUsesThemAtOnce) {
+    SettingsWrapper::instance().setFloodMode(0);
     const int slot = loadConnected(QStringLiteral("Lister"));
     Bots(slot).setOnline(true);
     wsBNET(slot).simulateData(chatEventFrame(1, 0, 20, QStringLiteral("bob"), QStringLiteral("RATS 0")));

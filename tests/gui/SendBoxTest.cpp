@@ -65,12 +65,17 @@ TEST_F(SendBoxTest, AStartOfAnEarlierLineSendsOnlyWhatWasTyped) {
         QTest::keyClick(edit, Qt::Key_Return);
     }
     EXPECT_EQ(Bots(slot).Queue, (QStringList{"Audit test line one", "Audit", "/p Istmir", "/p"}));
-    // The earlier lines are still a key away.
-    QTest::keyClick(edit, Qt::Key_Down);
-    EXPECT_TRUE(box->currentText().startsWith(QStringLiteral("/p")));
-    QTest::keyClick(edit, Qt::Key_Down);
-    QTest::keyClick(edit, Qt::Key_Down);
+    // The earlier lines are still a key away, newest first.
+    QTest::keyClick(edit, Qt::Key_Up);
+    EXPECT_EQ(box->currentText(), QStringLiteral("/p"));
+    QTest::keyClick(edit, Qt::Key_Up);
+    QTest::keyClick(edit, Qt::Key_Up);
     EXPECT_EQ(box->currentText(), QStringLiteral("Audit"));
+    QTest::keyClick(edit, Qt::Key_Down);
+    EXPECT_EQ(box->currentText(), QStringLiteral("/p Istmir"));
+    QTest::keyClick(edit, Qt::Key_Down);
+    QTest::keyClick(edit, Qt::Key_Down);
+    EXPECT_TRUE(box->currentText().isEmpty());
 }
 
 TEST_F(SendBoxTest, TheMenusMessageTakesTheSendQueue) {

@@ -4,6 +4,7 @@
 #include "chat/ChannelView.h"
 #include "commands/AliasesAndGroups.h"
 #include "commands/BlocksAndFilters.h"
+#include "commands/ChatProfanity.h"
 #include "commands/CommandWrapper.h"
 #include "config/SettingsWrapper.h"
 #include "plugins/PluginHost.h"
@@ -130,7 +131,8 @@ void showOwnTalk(int Index, const QString& text) {
     BotElement& bot = Bots(Index);
     QString shown = text;
     if (shown[0].unicode() == 164 || shown[0].unicode() == 171) DecryptChat(shown);
-    ParseOutput(Index, rtbChat(Index), CurrentTheme().events.talk, bot.UniqueAccount, shown, {},
+    ParseOutput(Index, rtbChat(Index), CurrentTheme().events.talk, bot.UniqueAccount,
+                ShownWithProfanitySettings(shown), {},
                 bot.MyPing(), bot.MyFlags);
 }
 

@@ -14,7 +14,11 @@ constexpr int kConnectMs = 2000;
 // An import of a large file runs inside the bot; give it time.
 constexpr int kAnswerMs = 60000;
 
-VerbResult parseAnswer(const QByteArray& line) {
+} // namespace
+
+namespace ControlClient {
+
+VerbResult ParseAnswer(const QByteArray& line) {
     const QJsonObject object = QJsonDocument::fromJson(line).object();
     if (object.isEmpty())
         return VerbResult::refused(QStringLiteral("The running Corvantide gave an answer that "
@@ -24,17 +28,18 @@ VerbResult parseAnswer(const QByteArray& line) {
             object.value(QStringLiteral("err")).toString()};
 }
 
-} // namespace
-
-namespace ControlClient {
-
-bool SendToRunningBot(const QStringList& args, VerbResult& result) {
-    QLocalSocket socket;
+bool SendRequest(QLocalSocket& socket, const QStringList& args) {
     socket.connectToServer(ControlServer::ChannelName());
     if (!socket.waitForConnected(kConnectMs)) return false;
     const QJsonObject request{{QStringLiteral("args"), QJsonArray::fromStringList(args)}};
     socket.write(QJsonDocument(request).toJson(QJsonDocument::Compact) + '\n');
     socket.flush();
+    return true;
+}
+
+bool SendToRunningBot(const QStringList& args, VerbResult& result) {
+    QLocalSocket socket;
+    if (!SendRequest(socket, args)) return false;
     QDeadlineTimer deadline(kAnswerMs);
     while (!socket.canReadLine()) {
         if (deadline.hasExpired() || socket.state() != QLocalSocket::ConnectedState ||
@@ -46,7 +51,7 @@ bool SendToRunningBot(const QStringList& args, VerbResult& result) {
             return true;
         }
     }
-    result = parseAnswer(socket.readLine());
+    result = ParseAnswer(socket.readLine());
     return true;
 }
 

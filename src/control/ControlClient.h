@@ -4,6 +4,8 @@
 
 #include <QStringList>
 
+class QLocalSocket;
+
 // The terminal's side of the control channel.
 namespace ControlClient {
 
@@ -11,5 +13,10 @@ namespace ControlClient {
 // true with the bot's answer otherwise (a bot that stops answering gives a
 // refusal saying so).
 bool SendToRunningBot(const QStringList& args, VerbResult& result);
+// Connects to the bot running on this home and sends the request; false when
+// no bot listens.
+bool SendRequest(QLocalSocket& socket, const QStringList& args);
+// The bot's one-line answer to a request.
+VerbResult ParseAnswer(const QByteArray& line);
 
 } // namespace ControlClient

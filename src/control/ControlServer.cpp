@@ -1,6 +1,7 @@
 #include "control/ControlServer.h"
 
 #include "config/Folders.h"
+#include "control/TailSubscription.h"
 #include "control/TerminalVerbs.h"
 
 #include <QCryptographicHash>
@@ -81,6 +82,8 @@ void ControlServer::answer(QLocalSocket* socket) {
         return;
     }
     const QByteArray line = socket->readLine(kLongestRequest);
+    // A follower keeps its connection: the bot's lines stream to it.
+    if (TailSubscription::Take(socket, line)) return;
     socket->write(reply(run(line)));
     socket->disconnectFromServer();
 }

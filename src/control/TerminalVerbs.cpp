@@ -7,6 +7,7 @@
 #include "control/ConfigVerbs.h"
 #include "control/DatabaseVerbs.h"
 #include "control/ProfileVerbs.h"
+#include "control/SteeringVerbs.h"
 
 #include <QTextStream>
 
@@ -50,7 +51,7 @@ bool IsVerb(const QString& word) {
     for (const char* verb : {"profile", "config", "database", "import", "export", "commands"}) {
         if (word == QLatin1String(verb)) return true;
     }
-    return false;
+    return SteeringVerbs::IsVerb(word);
 }
 
 VerbResult Run(const QStringList& args) {
@@ -61,7 +62,9 @@ VerbResult Run(const QStringList& args) {
     if (verb == u"database") return RunDatabaseVerb(rest);
     if (verb == u"import") return import(args);
     if (verb == u"export") return exportKey(args);
-    if (verb == u"commands") return {0, CommandsPage::Text(), {}};
+    if (verb == u"commands")
+        return {0, CommandsPage::Text() + u'\n' + SteeringVerbs::TerminalHelp(), {}};
+    if (SteeringVerbs::IsVerb(verb)) return SteeringVerbs::Run(args);
     return VerbResult::usage(QStringLiteral("profile|config|database|import|export|commands ..."));
 }
 
@@ -73,7 +76,8 @@ QString Help() {
                           "  export KEY FILE                 export KEY and below to a new "
                           "REGEDIT4 file\n"
                           "  commands                        list the bot's commands with the "
-                          "rank each needs\n");
+                          "rank each needs\n") +
+           SteeringVerbs::Help();
 }
 
 } // namespace TerminalVerbs

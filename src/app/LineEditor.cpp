@@ -28,7 +28,8 @@ LineEditor::LineEditor(const QString& historyFile, QObject* parent)
     using_history();
     stifle_history(kHistoryLines);
     read_history(QFile::encodeName(m_historyFile).constData());
-    rl_callback_handler_install("> ", &LineEditor::lineHandler);
+    m_prompt = "> ";
+    rl_callback_handler_install(m_prompt.constData(), &LineEditor::lineHandler);
     connect(m_notifier, &QSocketNotifier::activated, this, &LineEditor::readChar);
 }
 
@@ -49,7 +50,9 @@ void LineEditor::printAbove(const QByteArray& bytes) {
     std::fputs("\r\x1b[K", stdout);
     std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout);
     std::fflush(stdout);
-    if (!m_ended) rl_forced_update_display();
+    // While a line is handed on, libedit draws the next prompt itself once
+    // the handler returns.
+    if (!m_ended && !m_handlingLine) rl_forced_update_display();
 }
 
 void LineEditor::readChar() {
@@ -79,7 +82,13 @@ void LineEditor::lineHandler(char* line) {
         QFile::setPermissions(self->m_historyFile, QFile::ReadOwner | QFile::WriteOwner);
     }
     std::free(line);
+    self->m_handlingLine = true;
     Q_EMIT self->lineEntered(text);
+    self->m_handlingLine = false;
+    // libedit leaves character-at-a-time reading once a line is done, and the
+    // next key would wait in it for a whole line: back to it, with a fresh
+    // prompt.
+    rl_callback_handler_install(self->m_prompt.constData(), &LineEditor::lineHandler);
 }
 
 char** LineEditor::complete(const char* text, int start, int) {

@@ -42,4 +42,5 @@ private:
     Completer m_completer;
     QSocketNotifier* m_notifier;
     bool m_ended = false;
+    bool m_handlingLine = false;
 };

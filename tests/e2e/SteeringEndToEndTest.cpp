@@ -175,6 +175,19 @@ TEST_F(SteeringEndToEnd, AServiceBotIsSteeredAndFollowedFromOtherTerminals) {
     EXPECT_TRUE(says(tail, tailOut, QStringLiteral("-- 'Beta' was loaded.")));
     EXPECT_TRUE(says(tail, tailOut, QStringLiteral("Joined Private channel:")));
 
+    // A loaded profile deleted from the store leaves its slot, and loading
+    // goes on working.
+    setUp({QStringLiteral("profile"), QStringLiteral("clone"), QStringLiteral("Beta"),
+           QStringLiteral("Gamma")});
+    setUp({QStringLiteral("profile"), QStringLiteral("delete"), QStringLiteral("Beta")});
+    EXPECT_TRUE(waitFor([&] {
+        tailOut += QString::fromUtf8(tail.readAllStandardOutput());
+        return tailOut.count(QStringLiteral("-- 'Beta' was unloaded")) == 2;
+    }));
+    a = verb({QStringLiteral("load"), QStringLiteral("Gamma")});
+    EXPECT_EQ(a.status, 0) << a.err.toStdString();
+    EXPECT_TRUE(statusShows(QStringLiteral("Gamma +offline")));
+
     // The bot going away ends the follower.
     bot.terminate();
     ASSERT_TRUE(bot.waitForFinished(20000));

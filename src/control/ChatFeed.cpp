@@ -132,11 +132,12 @@ void ChatFeed::flush() {
     for (size_t i = 0; i < m_watched.size(); ++i)
         pending[i] = finishedLines(m_watched[i]);
     QList<FeedLine> out;
-    for (const size_t index : m_order) {
+    std::deque<size_t> order;
+    order.swap(m_order);
+    for (const size_t index : order) {
         if (index < pending.size() && taken[index] < pending[index].size())
             out.append(std::move(pending[index][taken[index]++]));
     }
-    m_order.clear();
     for (size_t i = 0; i < pending.size(); ++i) {
         for (size_t j = taken[i]; j < pending[i].size(); ++j)
             out.append(std::move(pending[i][j]));

@@ -12,6 +12,7 @@
 #include "presentation/Theme.h"
 #include "session/PacketWriter.h"
 #include "session/SlotTable.h"
+#include "social/ClanCommands.h"
 #include "social/ClanNotices.h"
 #include "social/ClanPacket.h"
 #include "statistics/UserNames.h"
@@ -91,6 +92,8 @@ bool runLocalCommand(int Index, QString& text) {
             answerClanInvitation(Index, word == QLatin1String("/accept"));
         else if (word == QLatin1String("/members"))
             ClanPacket::WriteMembers(Index);
+        else if (word == QLatin1String(ClanCommands::kWord))
+            ClanCommands::Run(Index, {});
         else
             return false;
         return true;
@@ -105,6 +108,8 @@ bool runLocalCommand(int Index, QString& text) {
         bot.Connection.Output_ProfileRequest(Index, rest);
     else if (word == QLatin1String("/sendall"))
         sendToAll(rest);
+    else if (word == QLatin1String(ClanCommands::kWord))
+        ClanCommands::Run(Index, rest);
     else if (word == QLatin1String("/echo"))
         echoCommand(Index, text, 7, rest);
     else if (word == QLatin1String("/e"))

@@ -46,11 +46,17 @@ bool show(const QByteArray& json, bool colour, int& status) {
 } // namespace
 
 int FollowRunningBot(const QStringList& args) {
-    QLocalSocket socket;
-    if (!ControlClient::SendRequest(socket, args)) {
-        std::fputs("No Corvantide runs on this home; there is nothing to follow.\n", stderr);
+    QString refusal;
+    const std::unique_ptr<QLocalSocket> connection = ControlClient::ConnectToRunningBot(&refusal);
+    if (!connection) {
+        std::fprintf(stderr, "%s\n",
+                     refusal.isEmpty()
+                         ? "No Corvantide runs on this home; there is nothing to follow."
+                         : qPrintable(refusal));
         return 1;
     }
+    QLocalSocket& socket = *connection;
+    ControlClient::WriteRequest(socket, args);
     const bool colour = isatty(STDOUT_FILENO) != 0;
     int status = 0;
     for (;;) {

@@ -52,6 +52,15 @@ TEST_F(TerminalVerbs_, ProfilesChangeUnderTheirLoadedSlots) {
                   QStringLiteral("Could not clone the profile, it may already exist!"));
     expectRefused(QStringLiteral("profile|rename|Beta|a\\b"),
                   QStringLiteral("Could not rename profile, cannot contain \\ in name!"));
+    // A name that would steer the terminal printing it goes in nowhere.
+    const QString noControls =
+        QStringLiteral("A profile name cannot contain control characters (tabs, line breaks, "
+                       "escapes).");
+    for (const char* line : {"profile|new|Demo\x1b[2J", "profile|clone|Beta|Be\nta2",
+                             "profile|rename|Beta|Be\tta", "profile|set|Beta\r|Trigger|~",
+                             "database|bind|Crew|Beta\x07"})
+        expectRefused(QString::fromLatin1(line), noControls);
+    EXPECT_EQ(ProfileLifecycle::ListProfiles(), QStringList{QStringLiteral("Beta")});
     EXPECT_TRUE(run(QStringLiteral("profile|set|Beta|Colour|red"))
                     .err.startsWith(QStringLiteral("A profile has no value 'Colour'; it has: ")));
     expectRefused(QStringLiteral("profile|set|Beta|LagPlug|maybe"),

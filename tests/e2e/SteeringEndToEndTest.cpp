@@ -3,6 +3,7 @@
 // `load`, `connect`, `send`, `tail`, `disconnect` and `unload` while it runs,
 // and a burst of lines that all reach its standard output.
 #include "common/SandboxProcess.h"
+#include "common/TerminalVerb.h"
 
 #include <QProcess>
 #include <QRegularExpression>
@@ -12,14 +13,10 @@
 namespace {
 
 QString program() {
-    return QStringLiteral(CORVANTIDE_BINARY_DIR "/corvantide");
+    return ProgramBinary();
 }
 
-struct Answer {
-    int status = -1;
-    QString out;
-    QString err;
-};
+using Answer = VerbAnswer;
 
 class SteeringEndToEnd : public ::testing::Test {
 protected:
@@ -54,17 +51,7 @@ protected:
     }
 
     // One verb from another terminal, answered while the bot runs.
-    Answer verb(const QStringList& words) {
-        QProcess process;
-        process.start(program(), QStringList{QStringLiteral("--home"), home.path()} + words);
-        Answer run;
-        // The event loop runs meanwhile: the bot's output keeps being read.
-        if (!waitFor([&] { return process.state() == QProcess::NotRunning; }, 20000)) return run;
-        run.status = process.exitCode();
-        run.out = QString::fromUtf8(process.readAllStandardOutput());
-        run.err = QString::fromUtf8(process.readAllStandardError());
-        return run;
-    }
+    Answer verb(const QStringList& words) { return RunVerb(home.path(), words); }
     void setUp(const QStringList& words) {
         const Answer run = verb(words);
         ASSERT_EQ(run.status, 0) << words.join(u' ').toStdString() << ": "

@@ -87,7 +87,9 @@ void HeadlessConsole::readInput() {
     while ((nl = m_inputBuffer.indexOf('\n')) >= 0) {
         QByteArray line = m_inputBuffer.left(nl);
         m_inputBuffer.remove(0, nl + 1);
-        if (line.endsWith('\r')) line.chop(1);
-        if (m_lineHandler) m_lineHandler(QString::fromUtf8(line));
+        if (line.endsWith('\r'))
+            line.chop(1);
+        if (m_lineHandler)
+            m_lineHandler(QString::fromUtf8(line));
     }
 }

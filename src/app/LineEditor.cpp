@@ -74,9 +74,10 @@ void LineEditor::lineHandler(char* line) {
         return;
     }
     const QString text = QString::fromUtf8(line);
-    if (!text.trimmed().isEmpty()) {
+    // A password typed into a setting is not kept.
+    if (!text.trimmed().isEmpty() && !text.contains(QLatin1String("password"), Qt::CaseInsensitive)) {
         add_history(line);
-        // The file may hold settings typed as //profile set ...: the user's alone.
+        // The file holds what was typed: the user's alone.
         const QByteArray file = QFile::encodeName(self->m_historyFile);
         write_history(file.constData());
         QFile::setPermissions(self->m_historyFile, QFile::ReadOwner | QFile::WriteOwner);

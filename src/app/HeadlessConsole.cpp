@@ -34,6 +34,7 @@ void HeadlessConsole::printLines(const QList<FeedLine>& lines) {
 
 void HeadlessConsole::printNote(const QString& text) {
     ChatFeed::instance().flush();
+    if (text.isEmpty()) return;
     QByteArray out = text.toUtf8();
     if (!out.endsWith('\n')) out += '\n';
     write(out);

@@ -35,6 +35,8 @@ LineEditor::LineEditor(const QString& historyFile, QObject* parent)
 
 LineEditor::~LineEditor() {
     rl_callback_handler_remove();
+    // The prompt's line ends with the run, so the shell's starts on its own.
+    if (!m_ended) std::fputs("\n", stdout);
     g_editor = nullptr;
 }
 

@@ -109,7 +109,9 @@ void TerminalSession::runLocal(const QString& text) {
     const qsizetype file = verb == u"import" ? 1 : verb == u"export" ? 2 : -1;
     if (file > 0 && file < words.size()) words[file] = QDir::current().absoluteFilePath(words[file]);
     const VerbResult result = TerminalVerbs::Run(words);
-    m_console.printNote(result.out + result.err);
+    // What a line sent here made the bot write shows already, as every line.
+    const bool shown = verb == u"send" && result.status == 0;
+    m_console.printNote((shown ? QString() : result.out) + result.err);
 }
 
 QStringList TerminalSession::candidates(const QString& before, const QString& word) const {

@@ -243,10 +243,10 @@ QString Help() {
 
 QString TerminalHelp() {
     return QStringLiteral(
-        "On the terminal of a bot without a window (corvantide --headless), a typed line goes "
-        "to the chosen profile as the input box would send it. Lines that start with // are "
-        "the terminal's own and never reach the server: // followed by any verb of "
-        "`corvantide --help`.\n"
+        "On the terminal of a bot without a window (corvantide --headless), a typed line\n"
+        "goes to the chosen profile as the input box would send it. Lines that start\n"
+        "with // are the terminal's own and never reach the server: // followed by any\n"
+        "verb of `corvantide --help`.\n"
         "  //use NAME          type into NAME from now on (the prompt shows which)\n"
         "  //status            the loaded profiles\n"
         "  //load NAME, //unload NAME, //connect NAME, //disconnect NAME, //reconnect NAME\n"

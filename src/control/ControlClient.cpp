@@ -15,7 +15,16 @@ constexpr int kConnectMs = 2000;
 // An import of a large file runs inside the bot; give it time.
 constexpr int kAnswerMs = 60000;
 
-VerbResult parseAnswer(const QByteArray& line) {
+QString notYours(const QString& what, const QString& path, uid_t owner) {
+    return QStringLiteral("%1 %2 belongs to the user %3, not to you; nothing was sent to it.")
+        .arg(what, path, LocalUser::Name(owner));
+}
+
+} // namespace
+
+namespace ControlClient {
+
+VerbResult ParseAnswer(const QByteArray& line) {
     const QJsonObject object = QJsonDocument::fromJson(line).object();
     if (object.isEmpty())
         return VerbResult::refused(QStringLiteral("The running Corvantide gave an answer that "
@@ -25,14 +34,11 @@ VerbResult parseAnswer(const QByteArray& line) {
             object.value(QStringLiteral("err")).toString()};
 }
 
-QString notYours(const QString& what, const QString& path, uid_t owner) {
-    return QStringLiteral("%1 %2 belongs to the user %3, not to you; nothing was sent to it.")
-        .arg(what, path, LocalUser::Name(owner));
+void WriteRequest(QLocalSocket& socket, const QStringList& args) {
+    const QJsonObject request{{QStringLiteral("args"), QJsonArray::fromStringList(args)}};
+    socket.write(QJsonDocument(request).toJson(QJsonDocument::Compact) + '\n');
+    socket.flush();
 }
-
-} // namespace
-
-namespace ControlClient {
 
 std::unique_ptr<QLocalSocket> ConnectToRunningBot(QString* refusal, QString* whyNoBot) {
     for (const QString& path : ControlSocketFolder::ConnectingPaths(whyNoBot)) {
@@ -68,9 +74,7 @@ bool SendToRunningBot(const QStringList& args, VerbResult& result, QString* whyN
         return true;
     }
     if (!socket) return false;
-    const QJsonObject request{{QStringLiteral("args"), QJsonArray::fromStringList(args)}};
-    socket->write(QJsonDocument(request).toJson(QJsonDocument::Compact) + '\n');
-    socket->flush();
+    WriteRequest(*socket, args);
     QDeadlineTimer deadline(kAnswerMs);
     while (!socket->canReadLine()) {
         if (socket->state() != QLocalSocket::ConnectedState) {
@@ -88,7 +92,7 @@ bool SendToRunningBot(const QStringList& args, VerbResult& result, QString* whyN
             return true;
         }
     }
-    result = parseAnswer(socket->readLine());
+    result = ParseAnswer(socket->readLine());
     return true;
 }
 

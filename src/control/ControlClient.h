@@ -23,4 +23,9 @@ std::unique_ptr<QLocalSocket> ConnectToRunningBot(QString* refusal, QString* why
 // that stops answering, or another user's socket, gives a refusal saying so).
 bool SendToRunningBot(const QStringList& args, VerbResult& result, QString* whyNoBot = nullptr);
 
+// One request as the bot reads it (one JSON line {"args": [...]}), and its
+// one-line answer read back.
+void WriteRequest(QLocalSocket& socket, const QStringList& args);
+VerbResult ParseAnswer(const QByteArray& line);
+
 } // namespace ControlClient

@@ -2,6 +2,7 @@
 
 #include "control/ControlSocketFolder.h"
 #include "control/LocalUser.h"
+#include "control/TailSubscription.h"
 #include "control/TerminalVerbs.h"
 
 #include <QFile>
@@ -216,6 +217,8 @@ void ControlServer::answer(QLocalSocket* socket) {
         return;
     }
     const QByteArray line = socket->readLine(kLongestRequest);
+    // A follower keeps its connection: the bot's lines stream to it.
+    if (TailSubscription::Take(socket, line)) return;
     socket->write(reply(run(line)));
     socket->disconnectFromServer();
 }

@@ -8,6 +8,7 @@
 #include "control/DatabaseVerbs.h"
 #include "control/ListVerbs.h"
 #include "control/ProfileVerbs.h"
+#include "control/SteeringVerbs.h"
 
 #include <QTextStream>
 
@@ -51,7 +52,7 @@ bool IsVerb(const QString& word) {
     for (const char* verb : {"profile", "config", "database", "import", "export", "commands"}) {
         if (word == QLatin1String(verb)) return true;
     }
-    return ListVerbs::IsVerb(word);
+    return ListVerbs::IsVerb(word) || SteeringVerbs::IsVerb(word);
 }
 
 VerbResult Run(const QStringList& args) {
@@ -62,8 +63,10 @@ VerbResult Run(const QStringList& args) {
     if (verb == u"database") return RunDatabaseVerb(rest);
     if (verb == u"import") return import(args);
     if (verb == u"export") return exportKey(args);
-    if (verb == u"commands") return {0, CommandsPage::Text(), {}};
+    if (verb == u"commands")
+        return {0, CommandsPage::Text() + u'\n' + SteeringVerbs::TerminalHelp(), {}};
     if (ListVerbs::IsVerb(verb)) return ListVerbs::Run(args);
+    if (SteeringVerbs::IsVerb(verb)) return SteeringVerbs::Run(args);
     return VerbResult::usage(QStringLiteral("profile|config|database|import|export|commands ..."));
 }
 
@@ -75,7 +78,8 @@ QString Help() {
                           "  export KEY FILE                 export KEY and below to a new "
                           "REGEDIT4 file\n"
                           "  commands                        list the bot's commands with the "
-                          "rank each needs\n");
+                          "rank each needs\n") +
+           SteeringVerbs::Help();
 }
 
 } // namespace TerminalVerbs

@@ -25,6 +25,7 @@
 #include "presentation/ChatWriter.h"
 #include "presentation/Theme.h"
 #include "session/MachineFacts.h"
+#include "session/DisconnectBot.h"
 #include "session/SlotTable.h"
 #include "shell/DesktopShell.h"
 #include "social/ClanPacket.h"
@@ -653,11 +654,7 @@ void frmBot::connectSlot(int slot) {
 }
 
 void frmBot::disconnectSlot(int slot) {
-    if (slot <= 0) return;
-    BotElement& bot = Bots(slot);
-    bot.CanConnect = false;
-    bot.setOnline(false);
-    bot.Connection.KillSocket(slot);
+    DisconnectBot(slot);
 }
 
 // Layout --------------------------------------------------------------------

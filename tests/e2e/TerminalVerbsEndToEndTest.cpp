@@ -6,6 +6,7 @@
 #include "chat/TimedEvents.h"
 #include "common/SandboxProcess.h"
 #include "common/SlotFixture.h"
+#include "common/TerminalVerb.h"
 #include "config/SettingsWrapper.h"
 #include "platform/ChatDocument.h"
 #include "platform/ListModel.h"
@@ -15,11 +16,7 @@
 
 namespace {
 
-struct Answer {
-    int status = -1;
-    QString out;
-    QString err;
-};
+using Answer = VerbAnswer;
 
 class TerminalVerbsEndToEnd : public SlotFixture {
 protected:
@@ -37,20 +34,8 @@ protected:
         }
     }
 
-    static QString program() { return QStringLiteral(CORVANTIDE_BINARY_DIR "/corvantide"); }
-
-    // One verb on the terminal, answered while this test's event loop runs
-    // (a running bot answers from its own loop).
-    Answer verb(const QStringList& words) {
-        QProcess process;
-        process.start(program(), QStringList{QStringLiteral("--home"), home.path()} + words);
-        Answer run;
-        if (!waitFor([&] { return process.state() == QProcess::NotRunning; }, 20000)) return run;
-        run.status = process.exitCode();
-        run.out = QString::fromUtf8(process.readAllStandardOutput());
-        run.err = QString::fromUtf8(process.readAllStandardError());
-        return run;
-    }
+    static QString program() { return ProgramBinary(); }
+    Answer verb(const QStringList& words) { return RunVerb(home.path(), words); }
     void setUp(const QStringList& words) {
         const Answer run = verb(words);
         ASSERT_EQ(run.status, 0) << words.join(u' ').toStdString() << ": "

@@ -57,6 +57,10 @@ public:
     // Calls its Shutdown and takes it out of the table; the later plug-ins
     // move down one slot. 0 also when no plug-in has that name.
     int StopPlugin(const QString& name);
+    // Once the event in progress is over: every plug-in, and the script,
+    // stopped for good for its memory is unloaded with a red line naming it,
+    // and the memory it held is handed back to the system.
+    void unloadSpentSoon();
     // What a separate object of the plug-in says of itself; the words of the
     // Plugins page when it cannot.
     QString Description(const QString& name);
@@ -114,7 +118,10 @@ private:
     // Shows a red console line and gives the stage of a failed start or stop.
     static int failed(int stage, const QString& line, const PluginCallError& error);
 
+    void unloadSpent();
+
     std::vector<PluginRecord> m_plugins;
+    bool m_unloadPending = false;
     QString m_lastSong;
     std::shared_ptr<PluginObject> m_script;
     Factory m_factory;

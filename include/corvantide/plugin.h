@@ -33,7 +33,7 @@
  *
  * Everything runs on the bot's one thread, inside the event that calls the
  * member, and a member that runs too long holds the bot up. Texts the host
- * gives back are valid until the next call into the host. Memory: while a
+ * gives back are valid until the member that asked for them returns. While a
  * member runs, an allocation (malloc, calloc, realloc) that would take the
  * plug-in past the bot's ScriptMemoryLimit returns NULL, and the plug-in is
  * unloaded when the member returns.

@@ -6,6 +6,7 @@
 #include "config/SettingsWrapper.h"
 #include "control/ConfigVerbs.h"
 #include "control/DatabaseVerbs.h"
+#include "control/PluginVerbs.h"
 #include "control/ProfileVerbs.h"
 
 #include <QTextStream>
@@ -47,7 +48,8 @@ VerbResult exportKey(const QStringList& args) {
 namespace TerminalVerbs {
 
 bool IsVerb(const QString& word) {
-    for (const char* verb : {"profile", "config", "database", "import", "export", "commands"}) {
+    for (const char* verb :
+         {"profile", "config", "database", "import", "export", "commands", "plugin"}) {
         if (word == QLatin1String(verb)) return true;
     }
     return false;
@@ -62,13 +64,15 @@ VerbResult Run(const QStringList& args) {
     if (verb == u"import") return import(args);
     if (verb == u"export") return exportKey(args);
     if (verb == u"commands") return {0, CommandsPage::Text(), {}};
-    return VerbResult::usage(QStringLiteral("profile|config|database|import|export|commands ..."));
+    if (verb == u"plugin") return RunPluginVerb(rest);
+    return VerbResult::usage(
+        QStringLiteral("profile|config|database|import|export|commands|plugin ..."));
 }
 
 QString Help() {
     return QStringLiteral("Settings from the terminal (they work while a bot runs on the same "
                           "home):\n") +
-           ProfileVerbsHelp() + ConfigVerbsHelp() + DatabaseVerbsHelp() +
+           ProfileVerbsHelp() + ConfigVerbsHelp() + DatabaseVerbsHelp() + PluginVerbsHelp() +
            QStringLiteral("  import FILE                     import a REGEDIT4 file\n"
                           "  export KEY FILE                 export KEY and below to a new "
                           "REGEDIT4 file\n"

@@ -3,7 +3,6 @@
 #include "plugins/ProcessMemory.h"
 
 #include <QJSEngine>
-
 #include <cerrno>
 #include <cstddef>
 

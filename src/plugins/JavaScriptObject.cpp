@@ -4,7 +4,6 @@
 #include "plugins/objPlugin.h"
 
 #include <QHash>
-
 #include <new>
 
 namespace {
@@ -85,8 +84,7 @@ void JavaScriptObject::raiseIfError(const QJSValue& value) {
 
 JavaScriptObject::InterpreterOnly::InterpreterOnly() {
     // The engine reads it once, as the process makes its first engine.
-    if (!qEnvironmentVariableIsSet("QV4_FORCE_INTERPRETER"))
-        qputenv("QV4_FORCE_INTERPRETER", "1");
+    if (!qEnvironmentVariableIsSet("QV4_FORCE_INTERPRETER")) qputenv("QV4_FORCE_INTERPRETER", "1");
 }
 
 QJSValue JavaScriptObject::watched(const std::function<QJSValue()>& run) {

@@ -11,8 +11,8 @@
 
 #include <QByteArray>
 #include <QMetaObject>
+#include <deque>
 #include <type_traits>
-#include <vector>
 
 namespace {
 
@@ -37,9 +37,9 @@ PluginMainForm& form() {
     return PluginMainForm::instance();
 }
 
-// Texts handed to the plug-in live until its next call into the host.
-std::vector<QByteArray>& handedOut() {
-    static std::vector<QByteArray> texts;
+// Texts handed to plug-ins live until the outermost member returns.
+std::deque<QByteArray>& handedOut() {
+    static std::deque<QByteArray> texts;
     return texts;
 }
 
@@ -52,13 +52,11 @@ QString text(const char* utf8) {
     return QString::fromUtf8(utf8 ? utf8 : "");
 }
 
-// Every function of the table runs its work through here: the texts of the
-// call before are let go, and nothing thrown reaches the plug-in's C frames.
-template <typename Work>
-auto host(Work work) noexcept -> decltype(work()) {
+// Every function of the table runs its work through here, so that nothing
+// thrown reaches the plug-in's C frames.
+template <typename Work> auto host(Work work) noexcept -> decltype(work()) {
     using Result = decltype(work());
     try {
-        handedOut().clear();
         return work();
     } catch (...) {
         if constexpr (std::is_same_v<Result, const char*>)
@@ -109,6 +107,10 @@ void setConfiguration(int index, const char* setting, const char* value) {
 
 } // namespace
 
+void ReleaseHandedOutTexts() {
+    handedOut().clear();
+}
+
 const corvantide_host& NativeHostTable() {
     static const corvantide_host table{
         CORVANTIDE_PLUGIN_VERSION,
@@ -138,11 +140,15 @@ const corvantide_host& NativeHostTable() {
         [](int i) { return host([&] { return handOut(cache().BotChannel(i)); }); },
         [](int i) { return host([&] { return cache().UserCount(i); }); },
         // Version 2: the main form.
-        [](const char* path) { return host([&] { return handOut(form().GetBaseName(text(path))); }); },
+        [](const char* path) {
+            return host([&] { return handOut(form().GetBaseName(text(path))); });
+        },
         [] { return host([] { return form().CurrentIndex(); }); },
         [](int index) { host([&] { form().SelectBot(index); }); },
         [](const char* name) { return host([&] { return form().LoadProfile(text(name)); }); },
-        [](const char* name) { return host([&] { return int(form().UnloadProfile(text(name))); }); },
+        [](const char* name) {
+            return host([&] { return int(form().UnloadProfile(text(name))); });
+        },
         [](int index) { host([&] { form().ConnectBot(index); }); },
         [] { host([] { form().DisplayProfiles(); }); },
         [](int index, uint32_t colour, const char* line) {
@@ -186,7 +192,9 @@ const corvantide_host& NativeHostTable() {
                 return 1;
             });
         },
-        [](int i, const char* name) { return host([&] { return cache().UserFind(i, text(name)); }); },
+        [](int i, const char* name) {
+            return host([&] { return cache().UserFind(i, text(name)); });
+        },
         // objCache: the userbase.
         [](int i) { return host([&] { return cache().DatabaseCount(i); }); },
         [](int i, int position, const char** username, int32_t* rank) {

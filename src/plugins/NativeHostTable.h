@@ -6,3 +6,6 @@ struct corvantide_host;
 // objConfiguration and objMusic, as include/corvantide/plugin.h lays them out.
 // None lets an exception out into the plug-in: a failure is an empty answer.
 const corvantide_host& NativeHostTable();
+// The texts the table handed out are no longer used: the outermost member
+// call has returned.
+void ReleaseHandedOutTexts();

@@ -73,7 +73,8 @@ bool PluginHost::isLoaded(const QString& name) const {
 }
 
 int PluginHost::failed(int stage, const QString& line, const PluginCallError& error) {
-    redLine(line + error.description());
+    m_lastFailure = line + error.description();
+    redLine(m_lastFailure);
     return stage;
 }
 

@@ -2,7 +2,6 @@
 
 #include <QString>
 #include <QVariant>
-
 #include <stdexcept>
 
 // What a plug-in raised; its text is the error's description.

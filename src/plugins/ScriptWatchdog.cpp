@@ -27,8 +27,7 @@ qint64 ScriptWatchdog::capBytes() {
 }
 
 QString ScriptWatchdog::capText() {
-    return QString::number(SettingsWrapper::instance().ScriptMemoryLimit()) +
-           QStringLiteral(" MB");
+    return QString::number(SettingsWrapper::instance().ScriptMemoryLimit()) + QStringLiteral(" MB");
 }
 
 QString ScriptWatchdog::overMemoryText() {
@@ -113,9 +112,8 @@ void ScriptWatchdog::watch() {
             m_changed.wait(lock);
             continue;
         }
-        const auto next =
-            std::min(m_deadline, std::chrono::steady_clock::now() +
-                                     std::chrono::milliseconds(kSampleMs));
+        const auto next = std::min(m_deadline, std::chrono::steady_clock::now() +
+                                                   std::chrono::milliseconds(kSampleMs));
         m_changed.wait_until(lock, next);
         if (m_running.empty()) continue;
         if (!m_expired && std::chrono::steady_clock::now() >= m_deadline) {

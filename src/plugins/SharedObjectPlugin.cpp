@@ -86,8 +86,11 @@ QVariant SharedObjectPlugin::call(const QString& member, QVariantList& args) {
     // Native code cannot be interrupted: the time bound does not hold it, and
     // passing its memory cap stops it when the member returns.
     ScriptWatchdog& watchdog = ScriptWatchdog::instance();
+    static int depth = 0;
     watchdog.enter(nullptr, m_footprint);
+    ++depth;
     const int status = function(&call);
+    if (--depth == 0) ReleaseHandedOutTexts();
     if (watchdog.leave(nullptr) == ScriptWatchdog::Outcome::OverMemory ||
         !watchdog.settle(nullptr, m_footprint)) {
         markSpent(ScriptWatchdog::overMemoryText());

@@ -11,7 +11,6 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
-
 #include <sys/resource.h>
 
 namespace {
@@ -64,8 +63,8 @@ for (const m of ["Event_UserPresent", "Event_UserJoin", "Event_UserLeave", "Even
 
 TEST(ScriptMemoryEndToEnd, AScriptAndAPluginThatEatMemoryAreUnloadedAndTheBotGoesOn) {
     SandboxProcess sandbox;
-    ASSERT_TRUE(sandbox.start({QStringLiteral("--residents"), QStringLiteral("0"),
-                               QStringLiteral("--control")}));
+    ASSERT_TRUE(sandbox.start(
+        {QStringLiteral("--residents"), QStringLiteral("0"), QStringLiteral("--control")}));
     QTemporaryDir home;
     const QString reg = home.filePath(QStringLiteral("bot.reg"));
     write(reg, QStringLiteral(

@@ -58,7 +58,7 @@ VerbResult startOrStop(bool start, const QString& name) {
         return VerbResult::refused(Quoted(name) + (start ? QStringLiteral(" is already running.")
                                                          : QStringLiteral(" is not running.")));
     // The lines the Plugins page writes for the same buttons.
-    WriteChat(0, Status::Warning,
+    WriteChat(0, Status::Information,
               (start ? QStringLiteral("- Importing plugin \"")
                      : QStringLiteral("- Terminating plugin \"")) +
                   name + u'"');

@@ -112,9 +112,8 @@ void ScriptWatchdog::watch() {
             m_changed.wait(lock);
             continue;
         }
-        const auto next = std::min(m_deadline, std::chrono::steady_clock::now() +
-                                                   std::chrono::milliseconds(kSampleMs));
-        m_changed.wait_until(lock, next);
+        const auto sample = std::chrono::steady_clock::now() + std::chrono::milliseconds(kSampleMs);
+        m_changed.wait_until(lock, m_expired ? sample : std::min(m_deadline, sample));
         if (m_running.empty()) continue;
         if (!m_expired && std::chrono::steady_clock::now() >= m_deadline) {
             m_expired = true;

@@ -7,6 +7,7 @@
 #include "control/ConfigVerbs.h"
 #include "control/DatabaseVerbs.h"
 #include "control/ListVerbs.h"
+#include "control/PluginVerbs.h"
 #include "control/ProfileVerbs.h"
 #include "control/SteeringVerbs.h"
 
@@ -49,7 +50,8 @@ VerbResult exportKey(const QStringList& args) {
 namespace TerminalVerbs {
 
 bool IsVerb(const QString& word) {
-    for (const char* verb : {"profile", "config", "database", "import", "export", "commands"}) {
+    for (const char* verb :
+         {"profile", "config", "database", "import", "export", "commands", "plugin"}) {
         if (word == QLatin1String(verb)) return true;
     }
     return ListVerbs::IsVerb(word) || SteeringVerbs::IsVerb(word);
@@ -67,13 +69,16 @@ VerbResult Run(const QStringList& args) {
         return {0, CommandsPage::Text() + u'\n' + SteeringVerbs::TerminalHelp(), {}};
     if (ListVerbs::IsVerb(verb)) return ListVerbs::Run(args);
     if (SteeringVerbs::IsVerb(verb)) return SteeringVerbs::Run(args);
-    return VerbResult::usage(QStringLiteral("profile|config|database|import|export|commands ..."));
+    if (verb == u"plugin") return RunPluginVerb(rest);
+    return VerbResult::usage(
+        QStringLiteral("profile|config|database|import|export|commands|plugin ..."));
 }
 
 QString Help() {
     return QStringLiteral("Settings from the terminal (they work while a bot runs on the same "
                           "home):\n") +
            ProfileVerbsHelp() + ConfigVerbsHelp() + DatabaseVerbsHelp() + ListVerbs::Help() +
+           PluginVerbsHelp() +
            QStringLiteral("  import FILE                     import a REGEDIT4 file\n"
                           "  export KEY FILE                 export KEY and below to a new "
                           "REGEDIT4 file\n"

@@ -22,6 +22,7 @@
 #include "media/SongWrapper.h"
 #include "platform/ChatDocument.h"
 #include "platform/ListModel.h"
+#include "plugins/PluginMainForm.h"
 #include "presentation/ChatWriter.h"
 #include "presentation/Theme.h"
 #include "session/MachineFacts.h"
@@ -192,6 +193,7 @@ frmBot::frmBot(QWidget* parent) : QMainWindow(parent) {
             &frmBot::onSettingChanged);
     connect(&ThemeEvents::instance(), &ThemeEvents::styleSheetChosen, this, &frmBot::applyTheme);
     connect(&ThemeEvents::instance(), &ThemeEvents::themeLoaded, this, &frmBot::applyBackColor);
+    connectPluginRequests();
 
     m_tmrUpdate = new QTimer(this);
     m_tmrUpdate->setInterval(1000);
@@ -208,6 +210,18 @@ frmBot::frmBot(QWidget* parent) : QMainWindow(parent) {
 }
 
 frmBot::~frmBot() = default;
+
+// What plug-ins ask of the main form that only the window can do.
+void frmBot::connectPluginRequests() {
+    PluginMainForm& form = PluginMainForm::instance();
+    connect(&form, &PluginMainForm::resetRequested, this, &frmBot::tmrUpdate_Timer);
+    connect(&form, &PluginMainForm::listRequested, this, [this](const QString& list) {
+        SelectedList = list;
+        SelectList();
+    });
+    connect(&form, &PluginMainForm::channelsRequested, this, &frmBot::DisplayChannels);
+    connect(&form, &PluginMainForm::fontsRequested, this, &frmBot::LoadFonts);
+}
 
 // Menus ---------------------------------------------------------------------
 

@@ -106,6 +106,7 @@ protected:
 
 private:
     void buildMenus();
+    void connectPluginRequests();
     QMenu* buildBotMenu();
     QMenu* buildViewMenu();
     QMenu* buildWindowMenu();

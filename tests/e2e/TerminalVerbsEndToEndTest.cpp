@@ -1,8 +1,9 @@
 // A person who runs the bot on a server sets it up from the terminal alone: a
 // profile made with `corvantide profile new/set`, a userbase made and bound
-// with `corvantide database`, then, while that bot runs, a new trigger sent
-// from the terminal. A ranked user in the channel commands the bot through
-// all of it.
+// with `corvantide database`, a plug-in set to load at start with `corvantide
+// plugin`, then, while that bot runs, a new trigger sent and the plug-in
+// stopped and started from the terminal. A ranked user in the channel
+// commands the bot through all of it.
 #include "chat/TimedEvents.h"
 #include "common/SandboxProcess.h"
 #include "common/SlotFixture.h"
@@ -11,6 +12,8 @@
 #include "platform/ChatDocument.h"
 #include "platform/ListModel.h"
 
+#include <QDir>
+#include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
 
@@ -77,6 +80,19 @@ TEST_F(TerminalVerbsEndToEnd, AProfileAndUserbaseMadeOnTheTerminalLogOnAndObey) 
     setUp({QStringLiteral("database"), QStringLiteral("add"), QStringLiteral("Crew"),
            QStringLiteral("Owner"), QStringLiteral("100")});
     setUp({QStringLiteral("database"), QStringLiteral("bind"), QStringLiteral("Crew"), p});
+    const QString plugins = home.filePath(QStringLiteral(".local/share/Corvantide/Plugins/"));
+    ASSERT_TRUE(QDir().mkpath(plugins));
+    ASSERT_TRUE(
+        QFile::copy(QStringLiteral(CORVANTIDE_TEST_DATA "/../../examples/plugins/greeter.js"),
+                    plugins + QStringLiteral("greeter.js")));
+    EXPECT_EQ(
+        verb({QStringLiteral("plugin"), QStringLiteral("enable"), QStringLiteral("Greeter")}).out,
+        QStringLiteral("'greeter' loads when the bot starts.\n"));
+    const Answer noBot =
+        verb({QStringLiteral("plugin"), QStringLiteral("start"), QStringLiteral("greeter")});
+    EXPECT_EQ(noBot.status, 1);
+    EXPECT_TRUE(noBot.err.startsWith(QStringLiteral("No Corvantide runs on this home")))
+        << noBot.err.toStdString();
 
     bot.start(program(), {QStringLiteral("--headless"), QStringLiteral("--home"), home.path(),
                           QStringLiteral("--connect")});
@@ -85,12 +101,29 @@ TEST_F(TerminalVerbsEndToEnd, AProfileAndUserbaseMadeOnTheTerminalLogOnAndObey) 
     SlotTable::instance().ConnectBot(owner);
     ASSERT_TRUE(waitFor([&] { return lvUsers(owner).count() == 2; }, 30000));
 
+    // The plug-in Plugins.ini loads at start greets who joins.
+    Bots(owner).Queue << QStringLiteral("/join Elsewhere") << QStringLiteral("/join Verbs");
+    ASSERT_TRUE(ownerSees(QStringLiteral("<keeper> Hello owner, greetings from a plug-in.")));
+    const QStringList plugin{QStringLiteral("plugin")};
+    EXPECT_EQ(verb(plugin + QStringList{QStringLiteral("list")}).out,
+              QStringLiteral("greeter\trunning, loads at start\n"));
+    EXPECT_EQ(verb(plugin + QStringList{QStringLiteral("stop"), QStringLiteral("greeter")}).out,
+              QStringLiteral("Stopped 'greeter'.\n"));
+    EXPECT_EQ(verb(plugin + QStringList{QStringLiteral("stop"), QStringLiteral("greeter")}).err,
+              QStringLiteral("'greeter' is not running.\n"));
+    EXPECT_EQ(verb(plugin + QStringList{QStringLiteral("disable"), QStringLiteral("greeter")}).out,
+              QStringLiteral("'greeter' no longer loads when the bot starts.\n"));
+    EXPECT_EQ(verb(plugin + QStringList{QStringLiteral("start"), QStringLiteral("greeter")}).out,
+              QStringLiteral("Started 'greeter'.\n"));
+    EXPECT_EQ(verb(plugin + QStringList{QStringLiteral("list")}).out,
+              QStringLiteral("greeter\trunning, not loaded at start\n"));
+
     Bots(owner).Queue << QStringLiteral("!say obeying the terminal's userbase");
     ASSERT_TRUE(ownerSees(QStringLiteral("<keeper> obeying the terminal's userbase")));
 
     // The running bot takes the new trigger at once: the old one is silence.
     const Answer changed = verb({QStringLiteral("profile"), QStringLiteral("set"), p,
-                              QStringLiteral("Trigger"), QStringLiteral("#")});
+                                 QStringLiteral("Trigger"), QStringLiteral("#")});
     ASSERT_EQ(changed.status, 0) << changed.err.toStdString();
     EXPECT_EQ(changed.out, QStringLiteral("Set Trigger of 'Keeper' to '#'.\n"));
     Bots(owner).Queue << QStringLiteral("!say old trigger") << QStringLiteral("#say new trigger");
@@ -117,7 +150,7 @@ TEST_F(TerminalVerbsEndToEnd, AProfileAndUserbaseMadeOnTheTerminalLogOnAndObey) 
     EXPECT_EQ(taken.status, 1);
     EXPECT_EQ(taken.err, QStringLiteral("A profile named 'Keeper' already exists.\n"));
     const Answer wrongType = verb({QStringLiteral("profile"), QStringLiteral("set"), p,
-                                QStringLiteral("IdleTime"), QStringLiteral("soon")});
+                                   QStringLiteral("IdleTime"), QStringLiteral("soon")});
     EXPECT_EQ(wrongType.status, 1);
     EXPECT_EQ(wrongType.err, QStringLiteral("IdleTime takes a number, not 'soon'.\n"));
 }

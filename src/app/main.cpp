@@ -113,13 +113,16 @@ QStringList withAbsoluteFiles(QStringList words) {
 int runVerb(const QStringList& words) {
     VerbResult result;
     const QStringList request = withAbsoluteFiles(words);
-    if (!ControlClient::SendToRunningBot(request, result)) {
+    QString whyNoBot;
+    if (!ControlClient::SendToRunningBot(request, result, &whyNoBot)) {
         RegistryWrapper& store = RegistryWrapper::instance();
         if (!store.movedAsideNotice().isEmpty())
             std::fprintf(stderr, "%s\n", qPrintable(store.movedAsideNotice()));
         if (!store.isOpen()) {
-            std::fprintf(stderr, "%s No Corvantide running on this home answered.\n",
-                         qPrintable(store.openError()));
+            std::fprintf(
+                stderr, "%s No Corvantide running on this home answered%s.\n",
+                qPrintable(store.openError()),
+                qPrintable(whyNoBot.isEmpty() ? QString() : QStringLiteral(": ") + whyNoBot));
             return 1;
         }
         store.setCreateKeyIfDoesntExists(true);
@@ -133,11 +136,13 @@ int runVerb(const QStringList& words) {
 // The running bot listens for the terminal's verbs; without the channel it
 // still runs, and says why the verbs cannot reach it.
 void openControlChannel(ControlServer& server) {
+    QObject::connect(&server, &ControlServer::notice,
+                     [](const QString& line) { WriteChat(0, Status::Error, line); });
     QString error;
     if (!server.listen(&error))
         WriteChat(0, Status::Error,
                   QStringLiteral("Settings commands from the terminal cannot reach this bot: ") +
-                      error);
+                      error + u'.');
 }
 
 // The settings file options are the import and export verbs.

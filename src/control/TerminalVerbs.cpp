@@ -6,6 +6,7 @@
 #include "config/SettingsWrapper.h"
 #include "control/ConfigVerbs.h"
 #include "control/DatabaseVerbs.h"
+#include "control/ListVerbs.h"
 #include "control/ProfileVerbs.h"
 
 #include <QTextStream>
@@ -50,7 +51,7 @@ bool IsVerb(const QString& word) {
     for (const char* verb : {"profile", "config", "database", "import", "export", "commands"}) {
         if (word == QLatin1String(verb)) return true;
     }
-    return false;
+    return ListVerbs::IsVerb(word);
 }
 
 VerbResult Run(const QStringList& args) {
@@ -62,13 +63,14 @@ VerbResult Run(const QStringList& args) {
     if (verb == u"import") return import(args);
     if (verb == u"export") return exportKey(args);
     if (verb == u"commands") return {0, CommandsPage::Text(), {}};
+    if (ListVerbs::IsVerb(verb)) return ListVerbs::Run(args);
     return VerbResult::usage(QStringLiteral("profile|config|database|import|export|commands ..."));
 }
 
 QString Help() {
     return QStringLiteral("Settings from the terminal (they work while a bot runs on the same "
                           "home):\n") +
-           ProfileVerbsHelp() + ConfigVerbsHelp() + DatabaseVerbsHelp() +
+           ProfileVerbsHelp() + ConfigVerbsHelp() + DatabaseVerbsHelp() + ListVerbs::Help() +
            QStringLiteral("  import FILE                     import a REGEDIT4 file\n"
                           "  export KEY FILE                 export KEY and below to a new "
                           "REGEDIT4 file\n"

@@ -153,6 +153,8 @@ frmBot::frmBot(QWidget* parent) : QMainWindow(parent) {
     // The media page of the control panel.
     connect(m_panels, &FoldOutPanels::mediaSettingsRequested, this,
             [this] { openControlPanel(7); });
+    connect(m_panels, &FoldOutPanels::pluginSettingsRequested, this,
+            [this] { openControlPanel(17); });
     ConnectSocialForms(this);
     connect(&table, &SlotTable::channelListChanged, this, [this](int index) {
         if (index == SlotTable::instance().CurrentIndex()) DisplayChannels();
@@ -172,6 +174,17 @@ frmBot::frmBot(QWidget* parent) : QMainWindow(parent) {
         Qt::QueuedConnection);
     connect(&DesktopShell::instance(), &DesktopShell::clipboardTextOffered, this,
             [](const QString& text) { QApplication::clipboard()->setText(text); });
+    // The start and the stop hand the window its own steps.
+    connect(&DesktopShell::instance(), &DesktopShell::fontsRequested, this, &frmBot::LoadFonts);
+    connect(&DesktopShell::instance(), &DesktopShell::controlPropertiesRequested, this, [this] {
+        applyLayout();
+        refreshMenuMarks();
+    });
+    connect(&DesktopShell::instance(), &DesktopShell::formsKillRequested, this, [this] {
+        for (QWidget* form : findChildren<QWidget*>()) {
+            if (form->isWindow() && form->isVisible()) form->close();
+        }
+    });
     m_desktop = new DesktopIntegration(this, IconPainter::icon(IconPainter::Program), m_mnuSysTray);
     connect(&TimedEvents::instance(), &TimedEvents::statusChanged, this, &frmBot::onStatusChanged);
     connect(&SettingsWrapper::instance(), &SettingsWrapper::settingChanged, this,
@@ -248,6 +261,9 @@ QMenu* frmBot::buildBotMenu() {
                                           [this] { LookupProfile(this); });
     lookup->setObjectName(QStringLiteral("mnuLookupProfile"));
     lookup->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_L));
+    buildSendMessageActions();
+    m_mnuBot->addAction(m_mnuSendMessage);
+    m_mnuBot->addAction(m_mnuSendMessage4All);
 
     QMenu* request = m_mnuBot->addMenu(QStringLiteral("Request"));
     request->setObjectName(QStringLiteral("mnuRequest"));
@@ -443,7 +459,39 @@ void frmBot::openHelpPage(const QString& path) {
                   QStringLiteral("No program of this desktop opens ") + path + u'.');
 }
 
-// The tray icon's menu. Its lines go out at once, past the queue.
+// "Send message" and "Send message for all", in the tray's menu and in the
+// Bot menu alike (a desktop may have no tray). Their lines are typed lines:
+// they take the send queue, so flood control holds for them too.
+void frmBot::buildSendMessageActions() {
+    m_mnuSendMessage = new QAction(QStringLiteral("Send message"), this);
+    m_mnuSendMessage->setObjectName(QStringLiteral("mnuSendMessage"));
+    connect(m_mnuSendMessage, &QAction::triggered, this, [this] {
+        const int slot = SlotTable::instance().CurrentIndex();
+        if (slot == 0) {
+            WriteChat(0, Status::Error, QStringLiteral("There is no profile on screen to send to."));
+            return;
+        }
+        askInTurn(this, QStringLiteral("Enter message..."),
+                  {{QStringLiteral("Enter message to send for profile: ") + Bots(slot).Profile(),
+                    QString()}},
+                  [slot](const QStringList& a) {
+                      if (Bots(slot).IsLoaded) SendUserLine(slot, a[0]);
+                  });
+    });
+    m_mnuSendMessage4All = new QAction(QStringLiteral("Send message for all"), this);
+    m_mnuSendMessage4All->setObjectName(QStringLiteral("mnuSendMessage4All"));
+    connect(m_mnuSendMessage4All, &QAction::triggered, this, [this] {
+        askInTurn(this, QStringLiteral("Enter message..."),
+                  {{QStringLiteral("Enter message to send for all profiles"), QString()}},
+                  [](const QStringList& a) {
+                      SlotTable& table = SlotTable::instance();
+                      for (int i = 1; i <= table.highestIndex(); ++i)
+                          if (Bots(i).IsLoaded && Bots(i).Online()) SendUserLine(i, a[0]);
+                  });
+    });
+}
+
+// The tray icon's menu.
 void frmBot::buildTrayMenu() {
     m_mnuSysTray = new QMenu(this);
     m_mnuSysTray->setObjectName(QStringLiteral("mnuSysTray"));
@@ -453,35 +501,8 @@ void frmBot::buildTrayMenu() {
         ->setObjectName(QStringLiteral("mnuRestore"));
     m_mnuSysTray->addAction(QStringLiteral("Lookup profile"), this,
                             [this] { LookupProfile(this); });
-    m_mnuSysTray
-        ->addAction(QStringLiteral("Send message"), this,
-                    [this] {
-                        const int slot = SlotTable::instance().CurrentIndex();
-                        if (slot == 0) {
-                            WriteChat(0, Status::Error,
-                                      QStringLiteral("There is no profile on screen to send to."));
-                            return;
-                        }
-                        askInTurn(this, QStringLiteral("Enter message..."),
-                                  {{QStringLiteral("Enter message to send for profile: ") +
-                                        Bots(slot).Profile(),
-                                    QString()}},
-                                  [slot](const QStringList& a) { SendChatLine(slot, a[0]); });
-                    })
-        ->setObjectName(QStringLiteral("mnuSendMessage"));
-    m_mnuSysTray
-        ->addAction(QStringLiteral("Send message for all"), this,
-                    [this] {
-                        askInTurn(this, QStringLiteral("Enter message..."),
-                                  {{QStringLiteral("Enter message to send for all profiles"),
-                                    QString()}},
-                                  [](const QStringList& a) {
-                                      SlotTable& table = SlotTable::instance();
-                                      for (int i = 1; i <= table.highestIndex(); ++i)
-                                          if (Bots(i).Online()) SendChatLine(i, a[0]);
-                                  });
-                    })
-        ->setObjectName(QStringLiteral("mnuSendMessage4All"));
+    m_mnuSysTray->addAction(m_mnuSendMessage);
+    m_mnuSysTray->addAction(m_mnuSendMessage4All);
     m_mnuSysTray->addSeparator();
     m_mnuSysTray
         ->addAction(QStringLiteral("Exit"), this,

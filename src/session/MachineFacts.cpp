@@ -6,9 +6,20 @@
 #include <QSysInfo>
 #include <QStringList>
 
+#include <pwd.h>
+#include <unistd.h>
 #include <utility>
 
 namespace {
+
+// $USER, as a login shell sets it; a service or a cron job may start the
+// program without it, and the account's entry still names the user.
+QString loginName() {
+    QString name = qEnvironmentVariable("USER");
+    if (!name.isEmpty()) return name;
+    if (const passwd* entry = getpwuid(getuid())) name = QString::fromLocal8Bit(entry->pw_name);
+    return name;
+}
 
 // Three-letter country codes for the territories Qt names with two letters.
 // A territory missing here falls back to its two-letter code.
@@ -55,6 +66,7 @@ void ReadMachineFacts() {
     m.VersionRevision = version.value(2).toInt();
 
     m.OperatingSystem = QSysInfo::prettyProductName();
+    m.UserName = loginName();
     m.StartTick = GetTickCount();
 
     const QLocale locale = QLocale::system();

@@ -176,6 +176,21 @@ TEST_F(TerminalVerbsEndToEnd, TheReadmesRecipeLogsOnAndObeysItsUserbase) {
     ASSERT_TRUE(ownerSees(QStringLiteral("<mybot> new trigger")));
     EXPECT_FALSE(rtbChat(owner).text().contains(QStringLiteral("<mybot> old trigger")));
 
+    // Lists changed on the terminal count at once in the running bot: a
+    // filter hides the owner's next line, a macro answers the next command.
+    setUp({QStringLiteral("filter"), QStringLiteral("add"), QStringLiteral("*hush*")});
+    setUp({QStringLiteral("macro"), QStringLiteral("add"), QStringLiteral("greet"),
+           QStringLiteral("Hello"), QStringLiteral("from"), QStringLiteral("a"),
+           QStringLiteral("macro")});
+    Bots(owner).Queue << QStringLiteral("hush hush") << QStringLiteral("#macro greet");
+    ASSERT_TRUE(ownerSees(QStringLiteral("<mybot> Hello from a macro")));
+    QString screen;
+    EXPECT_TRUE(waitFor([&] {
+        screen += QString::fromUtf8(bot.readAllStandardOutput());
+        return screen.contains(QStringLiteral("#macro greet"));
+    }));
+    EXPECT_FALSE(screen.contains(QStringLiteral("hush hush")));
+
     // Refusals from the running bot come back with a failing status.
     const Answer taken = verb({QStringLiteral("profile"), QStringLiteral("new"), p.toLower()});
     EXPECT_EQ(taken.status, 1);

@@ -184,20 +184,21 @@ TEST_F(TerminalVerbs_, ConfigFollowsTheSettingsRulesAndNeverShowsAPassword) {
         "\nCannot connect as set: Account is empty; set it with: corvantide profile set Main "
         "Account NAME.\nCannot connect as set: Cdkey1 is empty; set it with: corvantide profile "
         "set Main Cdkey1 KEY.\n")));
-    run(QStringLiteral("profile|set|Main|Product|W2BN"));
-    run(QStringLiteral("profile|set|Main|ServerBNLS|"));
-    EXPECT_TRUE(run(QStringLiteral("profile|show|Main"))
-                    .out.contains(QStringLiteral(
-                        "Cannot connect as set: ServerBNLS is empty and W2BN always takes its "
-                        "version check from a BNLS server; set it with: corvantide profile set "
-                        "Main ServerBNLS HOST[:PORT].")));
-    run(QStringLiteral("profile|set|Main|Product|WAR3"));
-    run(QStringLiteral("config|set|Settings|LocalHashing|on"));
-    EXPECT_TRUE(run(QStringLiteral("profile|show|Main"))
-                    .out.contains(QStringLiteral(
-                        "Cannot connect as set: LocalHashing is on and PathWAR3 (the WarCraft III "
-                        "folder) is empty; set it with: corvantide config set Settings PathWAR3 "
-                        "FOLDER.")));
+    const QList<std::pair<const char*, QString>> setUps{
+        {"profile|set|Main|Product|W2BN;profile|set|Main|ServerBNLS|",
+         QStringLiteral("ServerBNLS is empty and W2BN always takes its version check from a BNLS "
+                        "server; set it with: corvantide profile set Main ServerBNLS HOST[:PORT].")},
+        {"profile|set|Main|Product|WAR3;config|set|Settings|LocalHashing|on",
+         QStringLiteral("LocalHashing is on and PathWAR3 (the WarCraft III folder) is empty; set "
+                        "it with: corvantide config set Settings PathWAR3 FOLDER.")},
+    };
+    for (const auto& [lines, said] : setUps) {
+        for (const QString& line : QString::fromLatin1(lines).split(u';'))
+            ASSERT_EQ(run(line).status, 0) << line.toStdString();
+        EXPECT_TRUE(run(QStringLiteral("profile|show|Main"))
+                        .out.contains(QStringLiteral("Cannot connect as set: ") + said))
+            << lines;
+    }
     run(QStringLiteral("config|delete|Settings|LocalHashing"));
     run(QStringLiteral("profile|delete|Main"));
 }

@@ -99,7 +99,8 @@ bool ProfileSheet::write(const QString& profile) const {
         store.WriteSTRING(config.profileKey(), QStringLiteral("Database"), Database) != 0;
     // An empty byte follows the product; the one kept for it stays.
     const bool verbyteKept =
-        Verbyte.isEmpty() || store.WriteSTRING(verbytesKey(), QString::number(Product), Verbyte) != 0;
+        Verbyte.isEmpty() ||
+        store.WriteSTRING(verbytesKey(), QString::number(Product), Verbyte) != 0;
     config.setIdleTime(LeadingNumber(IdleTime));
     config.setPingSpoof(PingSpoof);
     config.setEmail(Email);

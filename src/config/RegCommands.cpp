@@ -42,8 +42,7 @@ int ImportRegCommand(RegistryWrapper& store, const QString& file, QTextStream& o
     if (!report.notes.isEmpty()) {
         // What was noted did not go in as written: no success to report.
         err << "Imported " << valuesText(report.values) << " from " << file << ", but "
-            << report.notes.size()
-            << (report.notes.size() == 1 ? " line was" : " lines were")
+            << report.notes.size() << (report.notes.size() == 1 ? " line was" : " lines were")
             << " not read as written (see above)\n";
         return 1;
     }

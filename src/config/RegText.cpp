@@ -3,7 +3,6 @@
 #include "platform/Cp1252.h"
 
 #include <QList>
-
 #include <algorithm>
 
 namespace regtext {
@@ -107,9 +106,9 @@ bool readTyped(QStringView data, Value& value, QString& error) {
             error = visible(data) + QStringLiteral(" is not four bytes");
             return false;
         }
-        value.dword = qint32(quint32(quint8(value.data[0])) | quint32(quint8(value.data[1])) << 8 |
-                             quint32(quint8(value.data[2])) << 16 |
-                             quint32(quint8(value.data[3])) << 24);
+        value.dword =
+            qint32(quint32(quint8(value.data[0])) | quint32(quint8(value.data[1])) << 8 |
+                   quint32(quint8(value.data[2])) << 16 | quint32(quint8(value.data[3])) << 24);
     } else if (type != kBinary) {
         error = QStringLiteral("hex(%1) is a type the settings do not keep").arg(type, 0, 16);
         return false;
@@ -182,8 +181,8 @@ bool readData(QStringView data, Value& value, QString& error) {
             return false;
         }
         if (!trimmed(data.mid(at)).isEmpty()) {
-            error = QStringLiteral("more follows the text's closing quote: ") +
-                    visible(data.mid(at));
+            error =
+                QStringLiteral("more follows the text's closing quote: ") + visible(data.mid(at));
             return false;
         }
         value.type = kString;
@@ -199,9 +198,9 @@ bool readData(QStringView data, Value& value, QString& error) {
         value.type = kDword;
         value.dword = leadingHexNumber(data.mid(6), exact);
         if (!exact)
-            value.warning = visible(data) +
-                            QStringLiteral(" is not up to eight hexadecimal digits; stored %1")
-                                .arg(value.dword);
+            value.warning =
+                visible(data) + QStringLiteral(" is not up to eight hexadecimal digits; stored %1")
+                                    .arg(value.dword);
         return true;
     }
     if (startsWith(data, "hex:")) {

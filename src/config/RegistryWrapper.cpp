@@ -936,9 +936,8 @@ bool RegistryWrapper::exportSection(qint64 id, const QString& display, QIODevice
     QString binaries;
     QString dwords;
     for (const Value& value : list) {
-        const QString line =
-            regtext::valueLine(value.name, value.type, value.data, value.dword) +
-            QStringLiteral("\r\n");
+        const QString line = regtext::valueLine(value.name, value.type, value.data, value.dword) +
+                             QStringLiteral("\r\n");
         if (value.type == TypeString && value.name.isEmpty())
             defaultLine = line;
         else if (value.type == TypeString)
@@ -988,7 +987,7 @@ bool RegistryWrapper::ImportRegText(QByteArrayView text, ImportReport* report) {
     // A file applies as far as the store takes it: what came before a
     // refused write stays.
     Transaction transaction(*this);
-    QString key;          // empty before the first section and in a skipped one
+    QString key; // empty before the first section and in a skipped one
     bool inSection = false;
     for (qsizetype i = 1; i < lines.size(); ++i) {
         const QString where = QStringLiteral("line %1: ").arg(i + 1);

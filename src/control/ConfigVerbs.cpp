@@ -171,7 +171,8 @@ VerbResult set(const Key& key, const QString& valueName, const QString& text, QS
     VerbResult written = TypedValue::Write(key.full, valueName, type, text);
     if (written.status != 0) return written;
     announce(key, valueName);
-    const QString said = QStringLiteral("Set ") + valueName + QStringLiteral(" of ") + Quoted(key.full);
+    const QString said =
+        QStringLiteral("Set ") + valueName + QStringLiteral(" of ") + Quoted(key.full);
     if (TypedValue::IsSecret(key.belowRoot, valueName)) return VerbResult::done(said + u'.');
     QString stored;
     TypedValue::Read(key.full, valueName, stored);

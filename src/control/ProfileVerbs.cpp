@@ -157,10 +157,11 @@ VerbResult set(const QString& name, const QString& valueName, QString text) {
         return refused;
     VerbResult written = TypedValue::Write(keyOf(stored), entry->valueName, entry->type, text);
     if (written.status != 0) return written;
-    const QString said = QStringLiteral("Set ") + entry->valueName + QStringLiteral(" of ") + Quoted(stored);
+    const QString said =
+        QStringLiteral("Set ") + entry->valueName + QStringLiteral(" of ") + Quoted(stored);
     if (TypedValue::IsSecret(below, entry->valueName)) return VerbResult::done(said + u'.');
-    return VerbResult::done(said + QStringLiteral(" to ") +
-                            Quoted(valueOrDefault(stored, *entry)) + u'.');
+    return VerbResult::done(said + QStringLiteral(" to ") + Quoted(valueOrDefault(stored, *entry)) +
+                            u'.');
 }
 
 VerbResult get(const QString& name, const QString& valueName) {

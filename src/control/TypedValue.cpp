@@ -81,8 +81,8 @@ bool Read(const QString& key, const QString& valueName, QString& text) {
     return false;
 }
 
-VerbResult Limit(const QString& keyBelowRoot, const QString& valueName, SettingsCatalogue::Type type,
-                 const QString& text) {
+VerbResult Limit(const QString& keyBelowRoot, const QString& valueName,
+                 SettingsCatalogue::Type type, const QString& text) {
     const QList<qint32> choices = SettingLimits::Choices(keyBelowRoot, valueName);
     qint32 value = 0;
     if (choices.isEmpty() || !Parse(type, text, value) || choices.contains(value)) return {};
@@ -97,7 +97,8 @@ bool IsSecret(const QString& keyBelowRoot, const QString& valueName) {
 }
 
 QString Shown(const QString& keyBelowRoot, const QString& valueName, const QString& text) {
-    if (IsSecret(keyBelowRoot, valueName)) return text.isEmpty() ? text : QStringLiteral("********");
+    if (IsSecret(keyBelowRoot, valueName))
+        return text.isEmpty() ? text : QStringLiteral("********");
     return SettingLimits::AsUsed(keyBelowRoot, valueName, text);
 }
 

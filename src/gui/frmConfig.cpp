@@ -469,8 +469,8 @@ void frmConfig::cboProduct_Click() {
     const int index = cboProduct->currentIndex();
     txtVerbyte->setText(ProfileSheet::storedVerbyte(index));
     // Empty, the product's current byte goes out.
-    txtVerbyte->setPlaceholderText(ProductVersions::Text(
-        ProductVersions::Current(ProfileSheet::productCode(index))));
+    txtVerbyte->setPlaceholderText(
+        ProductVersions::Text(ProductVersions::Current(ProfileSheet::productCode(index))));
     applySecondKeyRule();
 }
 
@@ -559,21 +559,21 @@ void frmConfig::changeEvent(QEvent* event) {
 }
 
 void frmConfig::Image2_Click() {
-    auto* box =
-        new QMessageBox(QMessageBox::Information, QStringLiteral("Version Bytes"),
-                        QStringLiteral("The version bytes at the time of this release are:\n\n"
-                                       "StarCraft/BroodWar: ") +
-                            ProductVersions::Text(ProductVersions::Current(QStringLiteral("STAR"))) +
-                            QStringLiteral("\nDiablo II/Lord of Destruction: ") +
-                            ProductVersions::Text(ProductVersions::Current(QStringLiteral("D2DV"))) +
-                            QStringLiteral("\nWarCraft II: ") +
-                            ProductVersions::Text(ProductVersions::Current(QStringLiteral("W2BN"))) +
-                            QStringLiteral("\nWarCraft III/Frozen Throne: ") +
-                            ProductVersions::Text(ProductVersions::Current(QStringLiteral("WAR3"))) +
-                            QStringLiteral("\n\nLeft empty, a profile sends the byte of its "
-                                           "product, and asks BNLS for a newer one when the "
-                                           "server refuses it."),
-                        QMessageBox::Ok, this);
+    auto* box = new QMessageBox(
+        QMessageBox::Information, QStringLiteral("Version Bytes"),
+        QStringLiteral("The version bytes at the time of this release are:\n\n"
+                       "StarCraft/BroodWar: ") +
+            ProductVersions::Text(ProductVersions::Current(QStringLiteral("STAR"))) +
+            QStringLiteral("\nDiablo II/Lord of Destruction: ") +
+            ProductVersions::Text(ProductVersions::Current(QStringLiteral("D2DV"))) +
+            QStringLiteral("\nWarCraft II: ") +
+            ProductVersions::Text(ProductVersions::Current(QStringLiteral("W2BN"))) +
+            QStringLiteral("\nWarCraft III/Frozen Throne: ") +
+            ProductVersions::Text(ProductVersions::Current(QStringLiteral("WAR3"))) +
+            QStringLiteral("\n\nLeft empty, a profile sends the byte of its "
+                           "product, and asks BNLS for a newer one when the "
+                           "server refuses it."),
+        QMessageBox::Ok, this);
     box->setObjectName(QStringLiteral("verbyteBox"));
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->open();

@@ -394,11 +394,10 @@ void ConnectionWrapper::Handle_BnlsVersionByte(int Index, PacketReader& Reader) 
     }
     const QString client = config.Client().toUpper();
     const QString text = ProductVersions::Text(current);
-    const bool stored =
-        config.setVerbyte(text) &&
-        RegistryWrapper::instance().WriteSTRING(
-            SettingsWrapper::RootKey() + QStringLiteral("Verbytes"),
-            QString::number(ProfileSheet::productIndex(client)), text) != 0;
+    const bool stored = config.setVerbyte(text) &&
+                        RegistryWrapper::instance().WriteSTRING(
+                            SettingsWrapper::RootKey() + QStringLiteral("Verbytes"),
+                            QString::number(ProfileSheet::productIndex(client)), text) != 0;
     if (!stored) {
         WriteChat(Index, Status::Error,
                   QStringLiteral("[BNLS] The current version byte of ") + client +

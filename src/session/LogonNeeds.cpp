@@ -31,25 +31,25 @@ void localHashing(const QString& client, QList<Need>& needs) {
     const bool diablo = IsDiabloRealm(upper);
     const QString setting = diablo ? QStringLiteral("Path") + upper : QStringLiteral("PathWAR3");
     const QString game = diablo ? QStringLiteral("Diablo II") : QStringLiteral("WarCraft III");
-    const QString command =
-        QStringLiteral("; set it with: corvantide config set Settings ") + setting +
-        QStringLiteral(" FOLDER");
+    const QString command = QStringLiteral("; set it with: corvantide config set Settings ") +
+                            setting + QStringLiteral(" FOLDER");
     const SettingsWrapper& settings = SettingsWrapper::instance();
     const QString folder = upper == u"D2DV"   ? settings.PathD2DV()
                            : upper == u"D2XP" ? settings.PathD2XP()
                                               : settings.PathWAR3();
     if (folder.trimmed().isEmpty()) {
-        needs.append({QStringLiteral("[BncsUtil] "),
-                      QStringLiteral("LocalHashing is on and ") + setting + QStringLiteral(" (the ") +
-                          game + QStringLiteral(" folder) is empty") + command});
+        needs.append({QStringLiteral("[BncsUtil] "), QStringLiteral("LocalHashing is on and ") +
+                                                         setting + QStringLiteral(" (the ") + game +
+                                                         QStringLiteral(" folder) is empty") +
+                                                         command});
         return;
     }
     const HashFiles files = GetHashFiles(upper);
     for (const QString& file : {files.file1, files.file2, files.file3}) {
         if (QFileInfo(file).isFile()) continue;
-        needs.append({QStringLiteral("[BncsUtil] "),
-                      setting + QStringLiteral(" (") + folder + QStringLiteral(") holds no ") +
-                          QFileInfo(file).fileName() + command});
+        needs.append({QStringLiteral("[BncsUtil] "), setting + QStringLiteral(" (") + folder +
+                                                         QStringLiteral(") holds no ") +
+                                                         QFileInfo(file).fileName() + command});
         return;
     }
 }
@@ -70,9 +70,9 @@ QList<Need> Missing(const ConfigWrapper& config) {
     }
     if (config.Cdkey().isEmpty()) needs.append(empty(config, "Cdkey1", "KEY"));
     if (HasTwoKeys(client) && config.Cdkey2().isEmpty())
-        needs.append(empty(config, "Cdkey2", "KEY",
-                           QStringLiteral(" and ") + client +
-                               QStringLiteral(" logs on with a second key")));
+        needs.append(
+            empty(config, "Cdkey2", "KEY",
+                  QStringLiteral(" and ") + client + QStringLiteral(" logs on with a second key")));
     if (config.Server().trimmed().isEmpty()) needs.append(empty(config, "Server", "HOST[:PORT]"));
     const bool local = SettingsWrapper::instance().LocalHashing() && CanHashLocally(client);
     if (local) {
@@ -85,10 +85,10 @@ QList<Need> Missing(const ConfigWrapper& config) {
                                      "game's folder with LocalHashing on")
                 : QStringLiteral(" and ") + client +
                       QStringLiteral(" always takes its version check from a BNLS server");
-        needs.append({QStringLiteral("[BNLS] "),
-                      QStringLiteral("ServerBNLS is empty") + why +
-                          QStringLiteral("; set it with: ") +
-                          setProfile(config, "ServerBNLS", "HOST[:PORT]")});
+        needs.append(
+            {QStringLiteral("[BNLS] "), QStringLiteral("ServerBNLS is empty") + why +
+                                            QStringLiteral("; set it with: ") +
+                                            setProfile(config, "ServerBNLS", "HOST[:PORT]")});
     }
     return needs;
 }

@@ -1,7 +1,6 @@
 #include "config/RegistryWrapper.h"
 
 #include "QtPrinters.h"
-
 #include "platform/Cp1252.h"
 
 #include <QDate>
@@ -415,25 +414,42 @@ TEST_F(Store, ImportReadsQuotedTextsAndNamesEveryLineItCannotRead) {
     };
     const QList<Case> cases{
         {"\"Trigger\"=\"=\"", QStringLiteral("Trigger"), QStringLiteral("="), {}},
-        {"\"Channels0\"=\"Op \\\"Quoted\\\" = yes\"", QStringLiteral("Channels0"),
-         QStringLiteral("Op \"Quoted\" = yes"), {}},
-        {"\"IdleMsg\"=\"1+1=2 is math\"", QStringLiteral("IdleMsg"),
-         QStringLiteral("1+1=2 is math"), {}},
+        {"\"Channels0\"=\"Op \\\"Quoted\\\" = yes\"",
+         QStringLiteral("Channels0"),
+         QStringLiteral("Op \"Quoted\" = yes"),
+         {}},
+        {"\"IdleMsg\"=\"1+1=2 is math\"",
+         QStringLiteral("IdleMsg"),
+         QStringLiteral("1+1=2 is math"),
+         {}},
         {"\"Path\"=\"C:\\\\Games\\\\\"", QStringLiteral("Path"), QStringLiteral("C:\\Games\\"), {}},
         {"\"Say \\\"hi\\\"\"=\"x\"", QStringLiteral("Say \"hi\""), QStringLiteral("x"), {}},
         {"\"Old\"=hex(1):61,0d,0a,62,00", QStringLiteral("Old"), QStringLiteral("a\r\nb"), {}},
-        {"\"A\"=\"B\"=\"C\"", QStringLiteral("A"), {},
-         QStringLiteral("more follows the text's closing quote: =\"C\"; skipped: \"A\"=\"B\"=\"C\"")},
-        {"\"A\"=x=y", QStringLiteral("A"), {},
+        {"\"A\"=\"B\"=\"C\"",
+         QStringLiteral("A"),
+         {},
+         QStringLiteral(
+             "more follows the text's closing quote: =\"C\"; skipped: \"A\"=\"B\"=\"C\"")},
+        {"\"A\"=x=y",
+         QStringLiteral("A"),
+         {},
          QStringLiteral("the data is no quoted text, dword:, hex: or -; skipped: \"A\"=x=y")},
-        {"\"Multi\"=hex(7):41,00,00", QStringLiteral("Multi"), {},
+        {"\"Multi\"=hex(7):41,00,00",
+         QStringLiteral("Multi"),
+         {},
          QStringLiteral("hex(7) is a type the settings do not keep; skipped: "
                         "\"Multi\"=hex(7):41,00,00")},
-        {"Bare=\"x\"", QStringLiteral("Bare"), {},
+        {"Bare=\"x\"",
+         QStringLiteral("Bare"),
+         {},
          QStringLiteral("the value name is not in double quotes; skipped: Bare=\"x\"")},
-        {"\"Open\"=\"quote", QStringLiteral("Open"), {},
+        {"\"Open\"=\"quote",
+         QStringLiteral("Open"),
+         {},
          QStringLiteral("the text's closing quote is missing; skipped: \"Open\"=\"quote")},
-        {QByteArray("\x01garbage\0after the NUL", 22), QStringLiteral("garbage"), {},
+        {QByteArray("\x01garbage\0after the NUL", 22),
+         QStringLiteral("garbage"),
+         {},
          QStringLiteral("the value name is not in double quotes; skipped: "
                         "\\x01garbage\\x00after the NUL")},
     };
@@ -447,8 +463,9 @@ TEST_F(Store, ImportReadsQuotedTextsAndNamesEveryLineItCannotRead) {
         EXPECT_EQ(store.ValueExists(key, c.name), !c.stored.isNull());
         EXPECT_EQ(store.ReadSTRING(key, c.name, QStringLiteral("(none)")),
                   c.stored.isNull() ? QStringLiteral("(none)") : c.stored);
-        EXPECT_EQ(report.notes,
-                  c.note.isEmpty() ? QStringList{} : QStringList{QStringLiteral("line 3: ") + c.note});
+        EXPECT_EQ(report.notes, c.note.isEmpty()
+                                    ? QStringList{}
+                                    : QStringList{QStringLiteral("line 3: ") + c.note});
         EXPECT_EQ(report.values, c.stored.isNull() ? 0 : 1);
     }
 }

@@ -82,8 +82,7 @@ TEST_F(TerminalVerbs_, ProfilesChangeUnderTheirLoadedSlots) {
               0);
     ASSERT_EQ(run(QStringLiteral("profile|clone|Beta|Gamma")).status, 0);
     EXPECT_EQ(run(QStringLiteral("profile|get|gamma|Product")).out, QStringLiteral("D2XP\n"));
-    EXPECT_EQ(run(QStringLiteral("profile|get|gamma|Channels1")).out,
-              QStringLiteral("Clan DbM\n"))
+    EXPECT_EQ(run(QStringLiteral("profile|get|gamma|Channels1")).out, QStringLiteral("Clan DbM\n"))
         << "an unset value reads as its default";
     EXPECT_EQ(run(QStringLiteral("profile|delete|beta")).out,
               QStringLiteral("Deleted profile 'Beta'.\n"));
@@ -148,7 +147,8 @@ TEST_F(TerminalVerbs_, ConfigFollowsTheSettingsRulesAndNeverShowsAPassword) {
          QStringLiteral("FloodMode takes 0, 500, 1000 or 2000, not '750'.")},
         {"config|set|Settings|Transparency|60", 0,
          QStringLiteral("Set Transparency of '") + settings + QStringLiteral("' to '60'.")},
-        {"profile|set|Main|PingSpoof|9", 1, QStringLiteral("PingSpoof takes 0, 1, 2, 3 or 4, not '9'.")},
+        {"profile|set|Main|PingSpoof|9", 1,
+         QStringLiteral("PingSpoof takes 0, 1, 2, 3 or 4, not '9'.")},
         {"profile|set|Main|Password|hunter2", 0, QStringLiteral("Set Password of 'Main'.")},
         {"profile|get|Main|Password", 0, QStringLiteral("********")},
         {"config|set|Profiles\\Main|Password|hunter3", 0,
@@ -170,8 +170,8 @@ TEST_F(TerminalVerbs_, ConfigFollowsTheSettingsRulesAndNeverShowsAPassword) {
     EXPECT_TRUE(run(QStringLiteral("config|get|Settings"))
                     .out.contains(QStringLiteral("\nFloodMode = 1000\n")));
     store.CreateKey(QStringLiteral("HKCU\\Software\\Corvantide4\\Passwords\\hunter4"));
-    for (const char* line : {"profile|show|Main", "config|get|Profiles\\Main",
-                             "config|list|Passwords"}) {
+    for (const char* line :
+         {"profile|show|Main", "config|get|Profiles\\Main", "config|list|Passwords"}) {
         const VerbResult shown = run(QString::fromLatin1(line));
         EXPECT_EQ(shown.status, 0) << line;
         EXPECT_FALSE(shown.out.contains(QStringLiteral("hunter"))) << line;
@@ -186,8 +186,9 @@ TEST_F(TerminalVerbs_, ConfigFollowsTheSettingsRulesAndNeverShowsAPassword) {
         "set Main Cdkey1 KEY.\n")));
     const QList<std::pair<const char*, QString>> setUps{
         {"profile|set|Main|Product|W2BN;profile|set|Main|ServerBNLS|",
-         QStringLiteral("ServerBNLS is empty and W2BN always takes its version check from a BNLS "
-                        "server; set it with: corvantide profile set Main ServerBNLS HOST[:PORT].")},
+         QStringLiteral(
+             "ServerBNLS is empty and W2BN always takes its version check from a BNLS "
+             "server; set it with: corvantide profile set Main ServerBNLS HOST[:PORT].")},
         {"profile|set|Main|Product|WAR3;config|set|Settings|LocalHashing|on",
          QStringLiteral("LocalHashing is on and PathWAR3 (the WarCraft III folder) is empty; set "
                         "it with: corvantide config set Settings PathWAR3 FOLDER.")},

@@ -15,8 +15,8 @@ const Product kD2dv{"D2DV", "Diablo II", "Diablo II USA-1", 1, 16, false, 4};
 const Product kD2xp{
     "D2XP", "Diablo II Lord of Destruction", "Lord of Destruction USA-1", 2, 16, false, 5};
 const Product kWar3{"WAR3", "Warcraft III", "WarCraft III USA-1", 1, 26, true, 7};
-const Product kW3xp{
-    "W3XP", "Warcraft III The Frozen Throne", "Frozen Throne USA-1", 2, 26, true, 8};
+const Product kW3xp{"W3XP", "Warcraft III The Frozen Throne", "Frozen Throne USA-1", 2, 26, true,
+                    8};
 
 const std::array<const Product*, 7> kProducts{&kStar, &kSexp, &kW2bn, &kD2dv,
                                               &kD2xp, &kWar3, &kW3xp};

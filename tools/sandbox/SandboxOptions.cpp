@@ -125,10 +125,13 @@ std::optional<SandboxOptions> SandboxOptions::parse(const QStringList& arguments
          }},
     };
     const std::map<QString, bool*> switches{
-        {"--bnls-fail", &o.bnlsFail}, {"--exclusive-keys", &o.exclusiveKeys},
+        {"--bnls-fail", &o.bnlsFail},
+        {"--exclusive-keys", &o.exclusiveKeys},
         {"--current-verbyte", &o.currentVerbyte},
-        {"--trace", &o.trace},        {"--control", &o.control},
-        {"--help", &o.help},          {"-h", &o.help},
+        {"--trace", &o.trace},
+        {"--control", &o.control},
+        {"--help", &o.help},
+        {"-h", &o.help},
     };
 
     for (int i = 0; i < arguments.size(); ++i) {

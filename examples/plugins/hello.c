@@ -96,4 +96,3 @@ NOTHING_TO_DO(Event_Info)
 NOTHING_TO_DO(Event_Error)
 NOTHING_TO_DO(Event_UserEmote)
 NOTHING_TO_DO(Event_EnteredChat)
-

@@ -124,6 +124,16 @@ TEST_F(TerminalVerbs_, ConfigValuesAreTypedByTheCatalogueAndAnnounced) {
     expectRefused(QStringLiteral("config|get|Groups\\Buddies"),
                   QStringLiteral("No key 'HKCU\\Software\\Corvantide4\\Groups\\Buddies' in the "
                                  "settings."));
+
+    // An alias made or undone by hand renames the user in the lists at once.
+    settings.setFloodMode(0);
+    const int slot = loadConnected(QStringLiteral("Watcher"));
+    Bots(slot).setOnline(true);
+    wsBNET(slot).simulateData(chatEventFrame(1, 0, 0, QStringLiteral("bob"), QStringLiteral("RATS 0")));
+    ASSERT_EQ(run(QStringLiteral("config|set|Aliases\\Crew\\bob|x|1|--text")).status, 0);
+    EXPECT_EQ(lvUsers(slot).item(1).text, QStringLiteral("Crew"));
+    ASSERT_EQ(run(QStringLiteral("config|delete|Aliases\\Crew\\bob")).status, 0);
+    EXPECT_EQ(lvUsers(slot).item(1).text, QStringLiteral("bob"));
 }
 
 // What the terminal stores is what the program will use, what it prints is

@@ -210,11 +210,11 @@ void ConnectionWrapper::Handle_ForcedDisconnect(int Index, PacketReader&) {
 void ConnectionWrapper::dispatch(int Index, PacketReader& Reader, quint8 PacketID) {
     PluginHost::instance().PacketArrival(Index, Reader.ReadBuffer());
     switch (PacketID) {
-    case 0x00: {
-        PacketWriter writer;
-        writer.SendPacket(Index, 0x00);
+    case 0x00:
+        // Never answered: servers that echo a client's 0x00 would answer the
+        // answer, without end. The 40-second timer's own 0x00 keeps the
+        // connection alive.
         break;
-    }
     case 0x0A:
         Handle_EnterChat(Index, Reader);
         break;

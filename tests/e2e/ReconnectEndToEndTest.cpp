@@ -1,7 +1,8 @@
-// A slot that loses its connection comes back by itself, on the bot's own
-// clock driven by hand: after a stream broken in the middle of a frame or by a
-// frame too short to be one, after a server that never answers, and after the
-// server drops it. The user's disconnect stops it.
+// A slot keeps its connection and comes back by itself when it loses it, on
+// the bot's own clock driven by hand: after a stream broken in the middle of a
+// frame or by a frame too short to be one, after a server that never answers,
+// and after the server drops it. The user's disconnect stops it. A server that
+// echoes keep-alives hears one per period, not an endless exchange.
 #include "chat/TimedEvents.h"
 #include "common/SandboxProcess.h"
 #include "common/SlotFixture.h"
@@ -9,8 +10,10 @@
 #include "platform/ChatDocument.h"
 #include "platform/TickCount.h"
 
+#include <QFile>
 #include <QTcpServer>
 #include <QTcpSocket>
+#include <QTemporaryDir>
 
 namespace {
 
@@ -125,4 +128,29 @@ TEST_F(ReconnectEndToEnd, ADroppedSlotComesBackByItselfUntilTheUserDisconnects) 
     pass(700000);
     EXPECT_EQ(attempts(i), before);
     EXPECT_EQ(TimedEvents::instance().StatusLine(), QStringLiteral("Disconnected!"));
+}
+
+TEST_F(ReconnectEndToEnd, AServerThatEchoesKeepAlivesHearsOnePerPeriod) {
+    QTemporaryDir dir;
+    const QString trace = dir.filePath(QStringLiteral("trace.log"));
+    ASSERT_TRUE(sandbox.start({QStringLiteral("--echo-keepalive"), QStringLiteral("--trace-file"),
+                               trace}));
+    const int i = sandbox.loadProfile(QStringLiteral("keeper"), QStringLiteral("Lobby"));
+    SlotTable::instance().ConnectBot(i);
+    ASSERT_TRUE(waitFor([&] { return Bots(i).Online(); })) << chat(i).toStdString();
+    const auto keepAlives = [&] {
+        QFile file(trace);
+        if (!file.open(QIODevice::ReadOnly)) return -1;
+        int count = 0;
+        for (const QByteArray& line : file.readAll().split('\n'))
+            count += line.contains(" bncs ") && line.contains(" in 0x00 ") ? 1 : 0;
+        return count;
+    };
+    for (int period = 1; period <= 3; ++period) {
+        pass(40000);
+        waitFor([&] { return keepAlives() >= period; }, 2000);
+        pass(1000);
+        EXPECT_EQ(keepAlives(), period);
+    }
+    EXPECT_TRUE(Bots(i).Online());
 }

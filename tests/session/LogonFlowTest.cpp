@@ -225,12 +225,12 @@ TEST_F(LogonFlowTest, PingSpoofSendsItsExactCounts) {
     }
 }
 
-TEST_F(LogonFlowTest, KeepAliveIsAnsweredAndUnknownPacketsAreDumped) {
+TEST_F(LogonFlowTest, KeepAliveIsNotAnsweredAndUnknownPacketsAreDumped) {
     const int i = loadConnected(QStringLiteral("plain"));
     serverSends(i, 0x00, {});
-    EXPECT_TRUE(wsBNET(i).sent.isEmpty()); // four bytes alone wait for more
     serverSends(i, 0x5A, "xyz");
-    EXPECT_EQ(frameIds(wsBNET(i), false), (std::vector<int>{0x00}));
+    // The server's keep-alive gets no echo: some servers echo that in turn.
+    EXPECT_TRUE(wsBNET(i).sent.isEmpty());
     EXPECT_TRUE(chat(i).contains(QStringLiteral("Unhandled packet: 0x5A")));
     EXPECT_TRUE(chat(i).contains(QStringLiteral("FF 5A 07 00 78 79 7A")));
 }

@@ -53,6 +53,7 @@ QString SandboxOptions::usage() {
         "  --bnls-port N            version check server port (9367; 0 picks a free one)\n"
         "  --hash-files A,B,C       the three files the version check hashes\n"
         "  --bnls-fail              BNLS answers every version check with a failure\n"
+        "  --echo-keepalive         answer every empty 0x00 from a client with one\n"
         "  --version-result CODE    answer every 0x51 version check with CODE (0, 0x100, 0x101)\n"
         "  --keys FILE              product keys to accept besides the built-in ones\n"
         "  --exclusive-keys         refuse a key that another session is using\n"
@@ -124,6 +125,7 @@ std::optional<SandboxOptions> SandboxOptions::parse(const QStringList& arguments
     };
     const std::map<QString, bool*> switches{
         {"--bnls-fail", &o.bnlsFail}, {"--exclusive-keys", &o.exclusiveKeys},
+        {"--echo-keepalive", &o.echoKeepAlive},
         {"--trace", &o.trace},        {"--control", &o.control},
         {"--help", &o.help},          {"-h", &o.help},
     };

@@ -165,6 +165,7 @@ void ConnectionWrapper::Handle_AuthInfo(int Index, PacketReader& Reader) {
         w.WriteSTRING(logon.MpqName);
         w.WriteSTRING(logon.ChecksumFormula);
         w.SendPacket(Index, 0x1A, true);
+        logon.AwaitingBnls = true;
         return;
     }
     // An unknown product goes no further: the watchdog begins again.
@@ -323,9 +324,11 @@ void ConnectionWrapper::Bnls0x09(int Index) {
     w.WriteDWORD(quint32(logon.MpqNumber));
     w.WriteSTRING(logon.ChecksumFormula);
     w.SendPacket(Index, 0x09, true);
+    Logons(Index).AwaitingBnls = true;
 }
 
 void ConnectionWrapper::Handle_BnlsVersionCheck(int Index, PacketReader& Reader) {
+    Logons(Index).AwaitingBnls = false;
     if (Reader.ReadDWORD() == 0) {
         // The failed answer stays at the head of the stream; the logon stands
         // still until the watchdog begins it again.

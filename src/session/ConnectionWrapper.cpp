@@ -187,8 +187,15 @@ void ConnectionWrapper::wsBNET_Close(int Index) {
 }
 
 void ConnectionWrapper::wsBNET_Error(int Index, int Number, const QString& Description) {
-    if (wsBNET(Index).State() == SocketControl::Error) SocketErrorText(0, Index, Number);
     BotElement& bot = Bots(Index);
+    // A time-out in chat is a server that stopped acknowledging, not one
+    // that could not be reached.
+    if (Number == 10060 && bot.Online())
+        WriteChat(Index, Status::Error,
+                  QStringLiteral("[BNET] The server stopped acknowledging what the bot sent; the "
+                                 "connection is closed."));
+    else if (wsBNET(Index).State() == SocketControl::Error)
+        SocketErrorText(0, Index, Number);
     bot.setOnline(false);
     bot.CanConnect = true;
     bot.LastConnect = GetTickCount() + 30000;

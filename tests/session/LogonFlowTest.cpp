@@ -225,6 +225,24 @@ TEST_F(LogonFlowTest, PingSpoofSendsItsExactCounts) {
     }
 }
 
+// A time-out while connecting is the table's line; in chat it is a server
+// that stopped acknowledging, said in words of its own. Both are tried again.
+TEST_F(LogonFlowTest, ATimeOutInChatIsADeadLinkAndTriedAgain) {
+    for (const bool inChat : {false, true}) {
+        const int i = loadConnected(QStringLiteral("timeout%1").arg(inChat));
+        Bots(i).CanConnect = true;
+        Bots(i).setOnline(inChat);
+        wsBNET(i).simulateError(10060, QStringLiteral("Connection timed out"));
+        EXPECT_EQ(chat(i).contains(QStringLiteral("[BNET] The server stopped acknowledging what "
+                                                  "the bot sent; the connection is closed.")),
+                  inChat);
+        EXPECT_EQ(chat(i).contains(QStringLiteral("[BNET] 10060: ")), !inChat);
+        EXPECT_TRUE(chat(i).contains(QStringLiteral("[BNET] Reconnecting in "))) << inChat;
+        EXPECT_FALSE(Bots(i).Online());
+        SlotTable::instance().UnloadProfile(Bots(i).Profile());
+    }
+}
+
 TEST_F(LogonFlowTest, KeepAliveIsNotAnsweredAndUnknownPacketsAreDumped) {
     const int i = loadConnected(QStringLiteral("plain"));
     serverSends(i, 0x00, {});

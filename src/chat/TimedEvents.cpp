@@ -106,6 +106,8 @@ void TimedEvents::start() {
         t.last = now;
     m_running = true;
     if (QCoreApplication* app = QCoreApplication::instance()) app->installEventFilter(this);
+    disconnect(m_awake);
+    disconnect(m_aboutToBlock);
     if (QAbstractEventDispatcher* loop = QAbstractEventDispatcher::instance()) {
         m_awake = connect(loop, &QAbstractEventDispatcher::awake, this, &TimedEvents::lookForWork);
         m_aboutToBlock =

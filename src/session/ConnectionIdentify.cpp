@@ -328,7 +328,6 @@ void ConnectionWrapper::Bnls0x09(int Index) {
 }
 
 void ConnectionWrapper::Handle_BnlsVersionCheck(int Index, PacketReader& Reader) {
-    Logons(Index).AwaitingBnls = false;
     if (Reader.ReadDWORD() == 0) {
         // The failed answer stays at the head of the stream; the logon stands
         // still until the watchdog begins it again.
@@ -338,5 +337,6 @@ void ConnectionWrapper::Handle_BnlsVersionCheck(int Index, PacketReader& Reader)
     const quint32 version = Reader.ReadDWORD();
     const quint32 checksum = Reader.ReadDWORD();
     const QByteArray information = Reader.ReadSTRINGBytes();
+    Logons(Index).AwaitingBnls = false;
     Output_AuthCheck(Index, checksum, version, information);
 }

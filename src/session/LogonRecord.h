@@ -27,7 +27,7 @@ struct LogonRecord {
     QByteArray ChangeNewPassword;
     quint32 NlsNewHandle = 0;
     QByteArray ChangeProofData; // 84 bytes
-    // A version check went to the BNLS server and has no answer yet: an
+    // A version check went to the BNLS server and has no good answer yet: an
     // attempt that hangs now waits on BNLS, not on Battle.net.
     bool AwaitingBnls = false;
 };

@@ -104,7 +104,8 @@ QList<Entry> programValues() {
             flag("BalloonFriendOn", false),
             flag("BalloonFriendOff", false),
             flag("BalloonFriendGame", false),
-            text("WebHost")};
+            text("WebHost"),
+            number("ScriptMemoryLimit", 256)};
 }
 
 // Keys whose values the catalogue knows by the shape of their path: the

@@ -55,6 +55,8 @@ QString SandboxOptions::usage() {
         "  --bnls-fail              BNLS answers every version check with a failure\n"
         "  --echo-keepalive         answer every empty 0x00 from a client with one\n"
         "  --version-result CODE    answer every 0x51 version check with CODE (0, 0x100, 0x101)\n"
+        "  --current-verbyte        refuse (0x101) a client whose 0x50 names another version\n"
+        "                           byte than its product's current one\n"
         "  --keys FILE              product keys to accept besides the built-in ones\n"
         "  --exclusive-keys         refuse a key that another session is using\n"
         "  --accounts FILE          keep accounts and channel bans in FILE\n"
@@ -124,10 +126,14 @@ std::optional<SandboxOptions> SandboxOptions::parse(const QStringList& arguments
          }},
     };
     const std::map<QString, bool*> switches{
-        {"--bnls-fail", &o.bnlsFail}, {"--exclusive-keys", &o.exclusiveKeys},
+        {"--bnls-fail", &o.bnlsFail},
+        {"--exclusive-keys", &o.exclusiveKeys},
+        {"--current-verbyte", &o.currentVerbyte},
         {"--echo-keepalive", &o.echoKeepAlive},
-        {"--trace", &o.trace},        {"--control", &o.control},
-        {"--help", &o.help},          {"-h", &o.help},
+        {"--trace", &o.trace},
+        {"--control", &o.control},
+        {"--help", &o.help},
+        {"-h", &o.help},
     };
 
     for (int i = 0; i < arguments.size(); ++i) {

@@ -154,6 +154,11 @@ int BotElement::takeDroppedEvents() {
     return std::exchange(m_droppedEvents, 0);
 }
 
+bool BotElement::hasDelayedWork() const {
+    const int held = m_events.empty() ? 0 : int(m_events.size()) - 1;
+    return (m_online && held > 0) || (m_droppedEvents > 0 && held <= kHeldEventLimit / 2);
+}
+
 void BotElement::removeEvent(int position) {
     if (position >= 1 && position < int(m_events.size()))
         m_events.erase(m_events.begin() + position);

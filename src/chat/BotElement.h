@@ -93,6 +93,9 @@ public:
     // Events dropped by the bound since this was last asked, once the flood
     // is over (the list back under half the bound); 0 meanwhile.
     int takeDroppedEvents();
+    // The delayed-events timer has something to do here: held events of a
+    // session in chat, or dropped ones to tell of.
+    bool hasDelayedWork() const;
 
     qint32 MyPing() const { return m_myPing; }
     void setMyPing(qint32 ping) { m_myPing = ping; }

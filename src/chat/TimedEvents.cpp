@@ -19,6 +19,10 @@
 #include "shell/DesktopShell.h"
 #include "statistics/UserNames.h"
 
+#include <QAbstractEventDispatcher>
+#include <QCoreApplication>
+#include <algorithm>
+
 namespace {
 
 bool isConnected(int i) {
@@ -58,17 +62,38 @@ TimedEvents& TimedEvents::instance() {
 }
 
 TimedEvents::TimedEvents() {
+    const auto anySlot = [](auto&& test) {
+        return [test](quint32) -> qint64 {
+            SlotTable& table = SlotTable::instance();
+            for (int i = 1; i <= table.highestIndex(); ++i)
+                if (test(i)) return 0;
+            return -1;
+        };
+    };
     // The song reaches plug-ins when the player says it changed, not on a
-    // timer of its own (5).
+    // timer of its own (5). The minute's routine counts the minutes of queue
+    // clearing and idle messages, and the users online are the web's: both
+    // keep their minute whatever the slots do.
     m_timers = {
-        {1, 500, [this] { statusTick(); }},       // status line, caption, connect button
-        {2, 100, &TimedEvents::sendTick},         // send queue, connection watchdog
-        {3, 60000, [this] { minuteTick(); }},     // queue clearing, idle messages
-        {4, 40000, &TimedEvents::keepAliveTick},  // empty packet on every connection
-        {6, 12000, &TimedEvents::voidTick},       // "/unignore" of oneself in The Void
-        {7, 10000, &TimedEvents::recolourTick},   // idle colours of the list on screen
-        {8, 50, [this] { delayedEventsTick(); }}, // chat events held back by the flood delay
-        {9, 60000, [] { DesktopShell::instance().RefreshUsersOnline(); }}, // users online (web)
+        {1, 500, [this] { statusTick(); }, [this](quint32 now) { return statusWork(now); }},
+        {2, 100, &TimedEvents::sendTick, &TimedEvents::sendWork},
+        {3, 60000, [this] { minuteTick(); }, {}},
+        {4, 40000, &TimedEvents::keepAliveTick,
+         anySlot([](int i) { return Bots(i).IsLoaded && isConnected(i); })},
+        {6, 12000, &TimedEvents::voidTick, anySlot([](int i) {
+             const BotElement& bot = Bots(i);
+             return bot.IsLoaded && bot.Online() && isConnected(i) &&
+                    bot.Channel() == QLatin1String("The Void");
+         })},
+        // Idle colours change with time alone, so a list on screen with
+        // users in it is looked at every period.
+        {7, 10000, &TimedEvents::recolourTick,
+         [](quint32) -> qint64 {
+             const int index = SlotTable::instance().CurrentIndex();
+             return index != 0 && Bots(index).Online() && !Bots(index).Users.empty() ? 0 : -1;
+         }},
+        {8, 50, [this] { delayedEventsTick(); }, [this](quint32) { return delayedWork(); }},
+        {9, 60000, [] { DesktopShell::instance().RefreshUsersOnline(); }, {}},
     };
     m_heartbeat.setSingleShot(true);
     m_heartbeat.setTimerType(Qt::PreciseTimer);
@@ -80,12 +105,23 @@ void TimedEvents::start() {
     for (Timer& t : m_timers)
         t.last = now;
     m_running = true;
+    if (QCoreApplication* app = QCoreApplication::instance()) app->installEventFilter(this);
+    disconnect(m_awake);
+    disconnect(m_aboutToBlock);
+    if (QAbstractEventDispatcher* loop = QAbstractEventDispatcher::instance()) {
+        m_awake = connect(loop, &QAbstractEventDispatcher::awake, this, &TimedEvents::lookForWork);
+        m_aboutToBlock =
+            connect(loop, &QAbstractEventDispatcher::aboutToBlock, this, &TimedEvents::lookForWork);
+    }
     statusTick();
     scheduleHeartbeat();
 }
 
 void TimedEvents::stop() {
     m_running = false;
+    if (QCoreApplication* app = QCoreApplication::instance()) app->removeEventFilter(this);
+    disconnect(m_awake);
+    disconnect(m_aboutToBlock);
     m_heartbeat.stop();
 }
 
@@ -106,15 +142,92 @@ void TimedEvents::pulse() {
 }
 
 void TimedEvents::scheduleHeartbeat() {
-    // Never sleeps past the finest period, so that a hand-driven clock is
-    // looked at often; never spins on a routine that is due at once.
+    // Each routine with work comes at the first start of its period from the
+    // moment its work is due, so that with work it keeps its period.
     const quint32 now = GetTickCount();
-    quint32 next = 50;
+    qint64 next = -1;
     for (const Timer& t : m_timers) {
+        const qint64 work = t.work ? t.work(now) : 0;
+        if (work < 0) continue;
         const quint32 elapsed = now - t.last;
-        next = std::min(next, elapsed >= t.period ? 1u : t.period - elapsed);
+        qint64 at = elapsed >= t.period ? 0 : qint64(t.period - elapsed);
+        if (work > at) at += (work - at + t.period - 1) / t.period * t.period;
+        next = next < 0 ? at : std::min(next, at);
     }
-    m_heartbeat.start(int(std::max(1u, next)));
+    // A hand-driven clock may jump at any moment: it is looked at often.
+    if (tickcount::isReplaced()) next = next < 0 ? 50 : std::min<qint64>(next, 50);
+    if (next < 0) {
+        m_heartbeat.stop();
+        return;
+    }
+    next = std::clamp<qint64>(next, 1, 0x7FFFFFFF);
+    // Never spins on a routine that is due at once, nor restarts the timer
+    // for the moment it is already set for.
+    const quint32 wakeAt = now + quint32(next);
+    if (m_heartbeat.isActive() && wakeAt == m_wakeAt) return;
+    m_wakeAt = wakeAt;
+    m_heartbeat.start(int(next));
+}
+
+bool TimedEvents::eventFilter(QObject* watched, QEvent*) {
+    // One look after a burst of events, once the loop has handled them.
+    if (m_running && !m_checkPending && watched != &m_heartbeat && watched != this) {
+        m_checkPending = true;
+        QMetaObject::invokeMethod(this, &TimedEvents::afterActivity, Qt::QueuedConnection);
+    }
+    return false;
+}
+
+void TimedEvents::afterActivity() {
+    m_checkPending = false;
+    if (!m_running) return;
+    const quint32 now = GetTickCount();
+    // The status line follows at once, and at most every half second.
+    if (now - m_lastStatus >= 500)
+        statusTick();
+    else
+        m_statusOwed = true;
+    lookForWork();
+}
+
+void TimedEvents::lookForWork() {
+    if (!m_running) return;
+    // A heartbeat due within the finest period looks at all work then.
+    if (m_heartbeat.isActive() && qint32(m_wakeAt - GetTickCount()) <= 50) return;
+    scheduleHeartbeat();
+}
+
+qint64 TimedEvents::statusWork(quint32 now) const {
+    const int index = SlotTable::instance().CurrentIndex();
+    // The countdown to a planned try changes with time alone.
+    const bool countdown = index != 0 && !Bots(index).Online() &&
+                           Bots(index).Reconnect.isArmed() && Bots(index).CanConnect;
+    if (!m_statusOwed && !countdown) return -1;
+    return std::max<qint64>(0, qint32(m_lastStatus + 500 - now));
+}
+
+qint64 TimedEvents::sendWork(quint32 now) {
+    SlotTable& table = SlotTable::instance();
+    qint64 next = -1;
+    for (int i = 1; i <= table.highestIndex(); ++i) {
+        const BotElement& bot = Bots(i);
+        if (isConnected(i) && bot.IsLoaded && bot.Online()) {
+            // A burst count is cleared on the tick that finds a queue empty.
+            if (!bot.Queue.isEmpty() || sendqueue::QueueBurst() != 0) return 0;
+            continue;
+        }
+        const qint64 wait = ConnectionWrapper::WatchdogWait(i, now);
+        if (wait >= 0) next = next < 0 ? wait : std::min(next, wait);
+    }
+    return next;
+}
+
+qint64 TimedEvents::delayedWork() const {
+    if (!m_pendingError.isEmpty()) return 0;
+    SlotTable& table = SlotTable::instance();
+    for (int i = 1; i <= table.highestIndex(); ++i)
+        if (Bots(i).hasDelayedWork()) return 0;
+    return -1;
 }
 
 void TimedEvents::statusTick() {
@@ -140,6 +253,8 @@ void TimedEvents::statusTick() {
         caption = programTitle() + QStringLiteral(" - Viewing disconnected profile [") +
                   Bots(index).Profile() + QStringLiteral("]");
     }
+    m_lastStatus = GetTickCount();
+    m_statusOwed = false;
     if (status == m_statusLine && caption == m_caption && connect == m_connectLabel) return;
     m_statusLine = status;
     m_caption = caption;

@@ -10,7 +10,9 @@
 // routine walks the slots, which keep running whichever one is on screen.
 // Periods are measured on the tick counter, so a test that drives the clock by
 // hand drives every timer with it; one heartbeat wakes the loop when the next
-// routine is due.
+// routine is due. A routine with nothing to do (empty queues, nobody to
+// watch) does not wake the loop: after anything the loop handles, the timers
+// look again at what waits for them.
 class TimedEvents : public QObject {
     Q_OBJECT
 public:
@@ -18,6 +20,9 @@ public:
         int number;     // as the rest of the program names them
         quint32 period; // ms
         std::function<void()> routine;
+        // Milliseconds until the routine has something to do, 0 for now, -1
+        // for nothing; none: something every period.
+        std::function<qint64(quint32 now)> work;
         quint32 last = 0; // tick of the period's start
     };
 
@@ -25,6 +30,8 @@ public:
     void start();
     void stop();
     bool isRunning() const { return m_running; }
+    // Milliseconds until the timers next wake the loop, -1 while none waits.
+    int msUntilWake() const { return m_heartbeat.isActive() ? m_heartbeat.remainingTime() : -1; }
 
     // Runs each routine whose period has passed, in the order of the timers'
     // numbers. A stall runs a routine once, not once for each period missed;
@@ -52,12 +59,29 @@ public:
 Q_SIGNALS:
     void statusChanged();
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     TimedEvents();
     void scheduleHeartbeat();
+    // Something else than the heartbeat was handled: the status line may be
+    // stale and work may have come.
+    void afterActivity();
+    // Work may come from outside any event the loop hands out (a test that
+    // fills a queue between two turns of the loop): each turn looks too.
+    void lookForWork();
+    qint64 statusWork(quint32 now) const;
+    static qint64 sendWork(quint32 now);
+    qint64 delayedWork() const;
 
     std::vector<Timer> m_timers;
     QTimer m_heartbeat;
+    quint32 m_wakeAt = 0; // tick the heartbeat is set for, while it runs
+    bool m_checkPending = false;
+    QMetaObject::Connection m_awake, m_aboutToBlock;
+    quint32 m_lastStatus = 0;
+    bool m_statusOwed = false; // something happened since the status line was made
     bool m_running = false;
     int m_autoClearCount = 0;
     QString m_statusLine;

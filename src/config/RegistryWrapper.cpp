@@ -18,6 +18,7 @@
 #include <optional>
 #include <sqlite3.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
 
@@ -287,6 +288,55 @@ private:
     bool active_ = false;
 };
 
+namespace {
+
+// The process holding a lock on the file, from the kernel's table of locks;
+// 0 when none is listed.
+qint64 lockHolder(const QString& file) {
+    struct stat st {};
+    if (::stat(QFile::encodeName(file).constData(), &st) != 0) return 0;
+    QFile table(QStringLiteral("/proc/locks"));
+    if (!table.open(QIODevice::ReadOnly)) return 0;
+    // "1: POSIX  ADVISORY  WRITE 4180 08:01:1234 0 EOF"; waiters carry "->".
+    for (const QByteArray& line : table.readAll().split('\n')) {
+        const QList<QByteArray> fields = line.simplified().split(' ');
+        if (fields.size() < 6 || fields[1] == "->") continue;
+        const QList<QByteArray> where = fields[5].split(':');
+        bool ok = where.size() == 3;
+        if (!ok || where[0].toUInt(&ok, 16) != major(st.st_dev) || !ok ||
+            where[1].toUInt(&ok, 16) != minor(st.st_dev) || !ok ||
+            where[2].toULongLong(&ok) != st.st_ino || !ok)
+            continue;
+        return fields[4].toLongLong();
+    }
+    return 0;
+}
+
+// The words for a store held by another: a Corvantide (this very program in
+// another process, or this process itself) or some other program by name.
+QString lockedWords(const QString& file) {
+    const qint64 pid = lockHolder(file);
+    QString name;
+    if (pid > 0 && pid != ::getpid()) {
+        const QString proc = QStringLiteral("/proc/%1/").arg(pid);
+        name = QFileInfo(QFile::symLinkTarget(proc + QStringLiteral("exe"))).fileName();
+        if (name.isEmpty()) {
+            QFile comm(proc + QStringLiteral("comm"));
+            if (comm.open(QIODevice::ReadOnly)) name = QString::fromLocal8Bit(comm.readAll().trimmed());
+        }
+    }
+    const QString self = QFileInfo(QCoreApplication::applicationFilePath()).fileName();
+    if (pid <= 0 || pid == ::getpid() || name.isEmpty() || name == self ||
+        name.startsWith(QLatin1String("corvantide")))
+        return QStringLiteral("another Corvantide that runs with this home holds it; close that "
+                              "one first");
+    return QStringLiteral("another program, %1 (process %2), holds it; close that one first")
+        .arg(name)
+        .arg(pid);
+}
+
+} // namespace
+
 RegistryWrapper& RegistryWrapper::instance() {
     static RegistryWrapper store(defaultStoreFile());
     return store;
@@ -322,8 +372,7 @@ RegistryWrapper::RegistryWrapper(const QString& file)
 void RegistryWrapper::refuseOpen() {
     const int primary = openCode_ & 0xFF;
     if (primary == SQLITE_BUSY || primary == SQLITE_LOCKED)
-        refuse(OpenFailure::Locked, QStringLiteral("another Corvantide that runs with this home "
-                                                   "holds it; close that one first"));
+        refuse(OpenFailure::Locked, lockedWords(file_));
     else if (primary == SQLITE_READONLY || primary == SQLITE_PERM || primary == SQLITE_CANTOPEN)
         refuseUnwritable(openErrno_ ? openErrno_ : EACCES);
     else

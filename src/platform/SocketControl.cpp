@@ -3,6 +3,9 @@
 #include <QTcpSocket>
 
 #include <cerrno>
+#include <cstring>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <sys/socket.h>
 
 SocketControl::SocketControl(QObject* parent) : QObject(parent) {}
@@ -72,9 +75,18 @@ QByteArray SocketControl::GetData() {
     return data;
 }
 
+qintptr SocketControl::SocketDescriptor() const {
+    return m_socket ? m_socket->socketDescriptor() : -1;
+}
+
 void SocketControl::onConnected() {
     m_state = Connected;
     m_socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    // A peer that vanishes without a reset (a cable pulled, a route lost)
+    // would otherwise hold the connection open for a quarter of an hour.
+    const unsigned limit = kUnacknowledgedLimitMs;
+    ::setsockopt(int(m_socket->socketDescriptor()), IPPROTO_TCP, TCP_USER_TIMEOUT, &limit,
+                 sizeof limit);
     Q_EMIT connected();
 }
 
@@ -94,8 +106,11 @@ void SocketControl::onError(QAbstractSocket::SocketError socketError) {
     if (socketError == QAbstractSocket::RemoteHostClosedError)
         return; // reported as a close, as the peer meant it
     const QString description = m_socket ? m_socket->errorString() : QString();
+    int number = winsockNumber(socketError);
+    // The kernel gave up on a peer that stopped acknowledging.
+    if (description == QString::fromLocal8Bit(std::strerror(ETIMEDOUT))) number = 10060;
     m_state = Error;
-    Q_EMIT error(winsockNumber(socketError), description);
+    Q_EMIT error(number, description);
 }
 
 void SocketControl::simulateConnected() {

@@ -37,6 +37,12 @@ public:
     void SendData(const QByteArray& data);
     QByteArray GetData();
     int State() const { return m_state; }
+    // The kernel's socket, -1 while there is none (detached or closed).
+    qintptr SocketDescriptor() const;
+    // How long what was sent may stay unacknowledged before the kernel gives
+    // the connection up: with a keep-alive every 40 seconds, a peer gone
+    // silent is noticed within two minutes. Reported as error 10060.
+    static constexpr unsigned kUnacknowledgedLimitMs = 75000;
     QString RemoteHost() const { return m_remoteHost; }
     quint16 RemotePort() const { return m_remotePort; }
 

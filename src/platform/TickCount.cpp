@@ -29,6 +29,10 @@ void setSource(std::function<quint32()> fn) {
     source() = std::move(fn);
 }
 
+bool isReplaced() {
+    return bool(source());
+}
+
 ManualClock::ManualClock(quint32 start) : m_now(start) {
     setSource([this] { return m_now; });
 }

@@ -19,6 +19,8 @@ namespace tickcount {
 // Replaces the clock, for tests that drive time by hand. An empty function
 // restores the real clock.
 void setSource(std::function<quint32()> source);
+// A test drives the clock: whoever sleeps until a tick must look often.
+bool isReplaced();
 
 // A clock that only moves when told to.
 class ManualClock {

@@ -169,6 +169,7 @@ void ConnectionWrapper::Handle_AuthInfo(int Index, PacketReader& Reader) {
         w.WriteSTRING(logon.MpqName);
         w.WriteSTRING(logon.ChecksumFormula);
         w.SendPacket(Index, 0x1A, true);
+        logon.AwaitingBnls = true;
         return;
     }
     // An unknown product goes no further: the watchdog begins again.
@@ -322,6 +323,7 @@ void ConnectionWrapper::Bnls0x09(int Index) {
     w.WriteDWORD(quint32(logon.MpqNumber));
     w.WriteSTRING(logon.ChecksumFormula);
     w.SendPacket(Index, 0x09, true);
+    Logons(Index).AwaitingBnls = true;
 }
 
 void ConnectionWrapper::Handle_BnlsVersionCheck(int Index, PacketReader& Reader) {
@@ -334,6 +336,7 @@ void ConnectionWrapper::Handle_BnlsVersionCheck(int Index, PacketReader& Reader)
     const quint32 version = Reader.ReadDWORD();
     const quint32 checksum = Reader.ReadDWORD();
     const QByteArray information = Reader.ReadSTRINGBytes();
+    Logons(Index).AwaitingBnls = false;
     Output_AuthCheck(Index, checksum, version, information);
 }
 

@@ -180,8 +180,15 @@ void ConnectionWrapper::wsBNET_Close(int Index) {
 }
 
 void ConnectionWrapper::wsBNET_Error(int Index, int Number, const QString& Description) {
-    if (wsBNET(Index).State() == SocketControl::Error) SocketErrorText(0, Index, Number);
     BotElement& bot = Bots(Index);
+    // A time-out in chat is a server that stopped acknowledging, not one
+    // that could not be reached.
+    if (Number == 10060 && bot.Online())
+        WriteChat(Index, Status::Error,
+                  QStringLiteral("[BNET] The server stopped acknowledging what the bot sent; the "
+                                 "connection is closed."));
+    else if (wsBNET(Index).State() == SocketControl::Error)
+        SocketErrorText(0, Index, Number);
     bot.setOnline(false);
     bot.CanConnect = true;
     bot.LastConnect = GetTickCount() + 30000;
@@ -203,11 +210,11 @@ void ConnectionWrapper::Handle_ForcedDisconnect(int Index, PacketReader&) {
 void ConnectionWrapper::dispatch(int Index, PacketReader& Reader, quint8 PacketID) {
     PluginHost::instance().PacketArrival(Index, Reader.ReadBuffer());
     switch (PacketID) {
-    case 0x00: {
-        PacketWriter writer;
-        writer.SendPacket(Index, 0x00);
+    case 0x00:
+        // Never answered: servers that echo a client's 0x00 would answer the
+        // answer, without end. The 40-second timer's own 0x00 keeps the
+        // connection alive.
         break;
-    }
     case 0x0A:
         Handle_EnterChat(Index, Reader);
         break;

@@ -26,9 +26,12 @@ public:
     void wsBNLS_Error(int Index, int Number, const QString& Description);
 
     // The watchdog's look at one slot, every 100 ms: an attempt that has not
-    // reached chat in 30 seconds begins again, and a dropped slot whose wait
-    // is over tries its server again.
+    // reached chat in 30 seconds is given up with a line naming the server
+    // that kept silent, and a dropped slot whose wait is over tries again.
     static void Watchdog(int Index);
+    // Milliseconds until the watchdog has something to do for the slot, 0
+    // for now, -1 while it has nothing to wait for.
+    static qint64 WatchdogWait(int Index, quint32 now);
     // Ends the connection of a slot after a fault of the stream, with the line
     // that names it, and plans the next try.
     void DropConnection(int Index, const QString& Line);

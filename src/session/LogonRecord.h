@@ -33,4 +33,7 @@ struct LogonRecord {
     // The current byte was learned from BNLS: the next refusal stands. Kept
     // across the one more try it leads to.
     bool VerbyteLearned = false;
+    // A version check went to the BNLS server and has no good answer yet: an
+    // attempt that hangs now waits on BNLS, not on Battle.net.
+    bool AwaitingBnls = false;
 };

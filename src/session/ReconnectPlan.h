@@ -23,6 +23,11 @@ public:
     // Back to the first wait, nothing pending (a slot emptied).
     void reset();
 
+    // Moves the planned try to `due`, so that tries of many slots keep
+    // their spacing; the wait's growth is unchanged.
+    void moveTo(quint32 due) { m_due = due; }
+    quint32 due() const { return m_due; }
+
     bool isArmed() const { return m_armed; }
     bool isDue(quint32 now) const { return m_armed && qint32(now - m_due) >= 0; }
     // Milliseconds until the try, 0 when due.

@@ -222,6 +222,7 @@ void SlotTable::ConnectBot(int Index) {
     b.Reconnect.cancel();
     if (!b.Connection.ClearVariables(Index)) return;
     b.LastConnect = GetTickCount();
+    logon(Index).AwaitingBnls = false;
     if (SettingsWrapper::instance().LocalHashing() && CanHashLocally(b.Config.Client())) {
         WriteChat(Index, Status::Information,
                   QStringLiteral("[BNET] Connecting to Battle.net gateway.."));

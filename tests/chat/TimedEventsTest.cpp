@@ -4,6 +4,7 @@
 #include "chat/TimedEvents.h"
 
 #include "common/ChatFixture.h"
+#include "common/SandboxProcess.h"
 #include "config/SettingsWrapper.h"
 #include "platform/ChatDocument.h"
 #include "platform/ListModel.h"
@@ -172,4 +173,38 @@ TEST_F(TimedEventsTest, QuietUsersTakeTheIdleColourWithinTenSecondsOnScreenOnly)
     const ListModel& hidden = lvUsers(other);
     ASSERT_EQ(hidden.count(), 1);
     EXPECT_EQ(hidden.item(1).color, theme.userList.Normal);
+}
+
+namespace {
+
+// On the real clock: a slot in chat with nothing to send or show leaves the
+// loop asleep until its keep-alive; a line queued from outside any event
+// still leaves at once, and the loop goes back to sleep after it.
+class IdleTimersTest : public ChatFixture {
+protected:
+    void TearDown() override { TimedEvents::instance().stop(); }
+};
+
+} // namespace
+
+TEST_F(IdleTimersTest, AnIdleBotSleepsUntilWorkComes) {
+    SettingsWrapper::instance().setFloodMode(1000);
+    const int slot = loadConnected(QStringLiteral("sleeper"));
+    Bots(slot).setOnline(true);
+    TimedEvents& timers = TimedEvents::instance();
+    timers.start();
+    const auto asleep = [&] { return waitFor([&] { return timers.msUntilWake() > 30000; }, 2000); };
+    EXPECT_TRUE(asleep()) << timers.msUntilWake();
+
+    Bots(slot).Queue << QStringLiteral("hello");
+    EXPECT_TRUE(waitFor([&] { return !wsBNET(slot).sent.isEmpty(); }, 1000));
+    EXPECT_TRUE(asleep()) << timers.msUntilWake();
+
+    // A held event wakes the delayed path until it is shown.
+    wsBNET(slot).simulateData(chatEventFrame(5, 0, 0, QStringLiteral("Someone"),
+                                             QStringLiteral("hi there")));
+    EXPECT_TRUE(waitFor([&] { return timers.msUntilWake() <= 50; }, 500));
+    EXPECT_TRUE(waitFor([&] { return rtbChat(slot).text().contains(QStringLiteral("hi there")); },
+                        3000));
+    EXPECT_TRUE(asleep()) << timers.msUntilWake();
 }

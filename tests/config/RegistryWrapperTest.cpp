@@ -9,8 +9,11 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+#include <csignal>
+#include <fcntl.h>
 #include <random>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
@@ -593,6 +596,42 @@ TEST(StoreFile, SurvivesReopening) {
     EXPECT_EQ(second.openFailure(), RegistryWrapper::OpenFailure::Locked);
     EXPECT_TRUE(second.openError().contains(QStringLiteral("another Corvantide")));
     EXPECT_TRUE(second.movedAside().isEmpty()) << "a store in use is never moved";
+}
+
+// A store held by some other program (a database tool, a backup) is not
+// blamed on a Corvantide: the words name the program and its process.
+TEST(StoreFile, AStoreLockedByAnotherProgramNamesIt) {
+    QTemporaryDir dir;
+    const QString file = dir.filePath(QStringLiteral("s.sqlite"));
+    { RegistryWrapper store(file); }
+    int ready[2];
+    ASSERT_EQ(::pipe(ready), 0);
+    const pid_t holder = ::fork();
+    ASSERT_GE(holder, 0);
+    if (holder == 0) {
+        const int fd = ::open(QFile::encodeName(file).constData(), O_RDWR);
+        struct flock whole {};
+        whole.l_type = F_WRLCK;
+        whole.l_whence = SEEK_SET;
+        const char done = ::fcntl(fd, F_SETLK, &whole) == 0 ? 'y' : 'n';
+        (void)!::write(ready[1], &done, 1);
+        // The lock stays with the process through the exec.
+        ::execl("/bin/sleep", "sleep", "30", static_cast<char*>(nullptr));
+        ::_exit(1);
+    }
+    char locked = 0;
+    ASSERT_EQ(::read(ready[0], &locked, 1), 1);
+    ASSERT_EQ(locked, 'y');
+    const QString exe = QStringLiteral("/proc/%1/exe").arg(holder);
+    for (int i = 0; i < 200 && !QFile::symLinkTarget(exe).endsWith(QLatin1String("sleep")); ++i)
+        ::usleep(10000);
+    RegistryWrapper second(file);
+    ::kill(holder, SIGKILL);
+    ::waitpid(holder, nullptr, 0);
+    EXPECT_EQ(second.openFailure(), RegistryWrapper::OpenFailure::Locked);
+    EXPECT_TRUE(second.openError().contains(
+        QStringLiteral("another program, sleep (process %1), holds it").arg(holder)))
+        << second.openError().toStdString();
 }
 
 // A file that is no store is never replaced in silence; a folder that

@@ -1,7 +1,8 @@
-// A slot that loses its connection comes back by itself, on the bot's own
-// clock driven by hand: after a stream broken in the middle of a frame or by a
-// frame too short to be one, after a server that never answers, and after the
-// server drops it. The user's disconnect stops it.
+// A slot keeps its connection and comes back by itself when it loses it, on
+// the bot's own clock driven by hand: after a stream broken in the middle of a
+// frame or by a frame too short to be one, after a server that never answers,
+// and after the server drops it. The user's disconnect stops it. A server that
+// echoes keep-alives hears one per period, not an endless exchange.
 #include "chat/TimedEvents.h"
 #include "common/SandboxProcess.h"
 #include "common/SlotFixture.h"
@@ -9,8 +10,14 @@
 #include "platform/ChatDocument.h"
 #include "platform/TickCount.h"
 
+#include <QFile>
+#include <QRegularExpression>
 #include <QTcpServer>
 #include <QTcpSocket>
+#include <QTemporaryDir>
+#include <algorithm>
+#include <map>
+#include <vector>
 
 namespace {
 
@@ -40,6 +47,22 @@ public:
     int connections = 0;
 };
 
+// A server that takes connections and never says a word.
+class SilentServer : public QTcpServer {
+public:
+    SilentServer() {
+        listen(QHostAddress::LocalHost);
+        connect(this, &QTcpServer::newConnection, this, [this] {
+            while (QTcpSocket* peer = nextPendingConnection()) {
+                ++connections;
+                connect(peer, &QTcpSocket::readyRead, peer, [peer] { peer->readAll(); });
+            }
+        });
+    }
+    QString address() const { return QStringLiteral("127.0.0.1:%1").arg(serverPort()); }
+    int connections = 0;
+};
+
 class ReconnectEndToEnd : public SlotFixture {
 protected:
     void SetUp() override {
@@ -63,7 +86,7 @@ protected:
 
 } // namespace
 
-TEST_F(ReconnectEndToEnd, ABrokenOrSilentServerEndsInALineAndALogonOnTheNextTry) {
+TEST_F(ReconnectEndToEnd, ABrokenServerEndsInALineAndALogonOnTheNextTry) {
     ASSERT_TRUE(sandbox.start());
     struct Case {
         QByteArray fault;
@@ -78,7 +101,6 @@ TEST_F(ReconnectEndToEnd, ABrokenOrSilentServerEndsInALineAndALogonOnTheNextTry)
          "[BNET] Protocol error: the server sent a frame of length 2, below the least of 4; "
          "closing the connection.",
          20000},
-        {{}, false, "[BNET] The server did not answer within 30 seconds; connecting again.", 31000},
     };
     for (const Case& c : cases) {
         FaultyGateway gateway(sandbox.bncsPort, c.fault, c.close);
@@ -125,4 +147,99 @@ TEST_F(ReconnectEndToEnd, ADroppedSlotComesBackByItselfUntilTheUserDisconnects) 
     pass(700000);
     EXPECT_EQ(attempts(i), before);
     EXPECT_EQ(TimedEvents::instance().StatusLine(), QStringLiteral("Disconnected!"));
+}
+
+TEST_F(ReconnectEndToEnd, AServerThatEchoesKeepAlivesHearsOnePerPeriod) {
+    QTemporaryDir dir;
+    const QString trace = dir.filePath(QStringLiteral("trace.log"));
+    ASSERT_TRUE(sandbox.start({QStringLiteral("--echo-keepalive"), QStringLiteral("--trace-file"),
+                               trace}));
+    const int i = sandbox.loadProfile(QStringLiteral("keeper"), QStringLiteral("Lobby"));
+    SlotTable::instance().ConnectBot(i);
+    ASSERT_TRUE(waitFor([&] { return Bots(i).Online(); })) << chat(i).toStdString();
+    const auto keepAlives = [&] {
+        QFile file(trace);
+        if (!file.open(QIODevice::ReadOnly)) return -1;
+        int count = 0;
+        for (const QByteArray& line : file.readAll().split('\n'))
+            count += line.contains(" bncs ") && line.contains(" in 0x00 ") ? 1 : 0;
+        return count;
+    };
+    for (int period = 1; period <= 3; ++period) {
+        pass(40000);
+        waitFor([&] { return keepAlives() >= period; }, 2000);
+        pass(1000);
+        EXPECT_EQ(keepAlives(), period);
+    }
+    EXPECT_TRUE(Bots(i).Online());
+}
+
+// A server that keeps silent is named, Battle.net or BNLS, and tried again
+// after the same growing wait as a server that went away.
+TEST_F(ReconnectEndToEnd, ASilentServerIsNamedAndWaitedForLongerEachTime) {
+    ASSERT_TRUE(sandbox.start());
+    SilentServer silent;
+    const struct {
+        bool bnls;
+        const char* line;
+    } cases[] = {
+        {false, "[BNET] The Battle.net server did not answer within 30 seconds."},
+        {true, "[BNLS] The BNLS server did not answer within 30 seconds."},
+    };
+    for (const auto& c : cases) {
+        silent.connections = 0;
+        const int i = sandbox.loadProfile(QStringLiteral("hush%1").arg(c.bnls), {});
+        if (c.bnls)
+            Bots(i).Config.setServerBNLS(silent.address());
+        else
+            Bots(i).Config.setServer(silent.address());
+        SlotTable::instance().ConnectBot(i);
+        for (const quint32 wait : {15000u, 30000u}) {
+            ASSERT_TRUE(waitFor([&] { return silent.connections == int(wait / 15000); }));
+            waitFor([] { return false; }, 300);
+            pass(31000);
+            EXPECT_EQ(chat(i).count(QString::fromLatin1(c.line)), int(wait / 15000)) << c.line;
+            ASSERT_TRUE(Bots(i).Reconnect.isArmed()) << chat(i).toStdString();
+            const quint32 left = Bots(i).Reconnect.remaining(clock.now());
+            EXPECT_GE(left, wait) << c.line;
+            EXPECT_LE(left, wait + wait / 5) << c.line;
+            pass(left + 100);
+        }
+        EXPECT_FALSE(chat(i).contains(QLatin1String(c.bnls ? "[BNET] The" : "[BNLS] The")));
+        SlotTable::instance().UnloadProfile(Bots(i).Profile());
+    }
+}
+
+// Profiles dropped together are spaced 3 seconds apart as they come back,
+// and each comes back at the moment its line announced.
+TEST_F(ReconnectEndToEnd, ProfilesDroppedTogetherComeBackWhenTheirLinesSay) {
+    ASSERT_TRUE(sandbox.start({QStringLiteral("--control")}));
+    const int kProfiles = 4;
+    std::vector<int> slots;
+    QStringList drops;
+    for (int k = 0; k < kProfiles; ++k) {
+        slots.push_back(sandbox.loadProfile(QStringLiteral("together%1").arg(k), {}));
+        SlotTable::instance().ConnectBot(slots.back());
+        drops << QStringLiteral("disconnect together%1").arg(k);
+    }
+    ASSERT_TRUE(waitFor([&] {
+        return std::all_of(slots.begin(), slots.end(), [](int i) { return Bots(i).Online(); });
+    }));
+    ASSERT_EQ(sandbox.control(drops).size(), kProfiles);
+    ASSERT_TRUE(waitFor([&] {
+        return std::all_of(slots.begin(), slots.end(),
+                           [](int i) { return Bots(i).Reconnect.isArmed(); });
+    }));
+    const QRegularExpression said(QStringLiteral("Reconnecting in (\\d+) seconds"));
+    std::map<int, int> announced, started, before;
+    for (const int i : slots) {
+        announced[i] = said.match(chat(i)).captured(1).toInt();
+        before[i] = attempts(i);
+    }
+    for (int second = 1; second <= 40; ++second) {
+        pass(1000);
+        for (const int i : slots)
+            if (!started.count(i) && attempts(i) > before[i]) started[i] = second;
+    }
+    for (const int i : slots) EXPECT_EQ(started[i], announced[i]) << chat(i).toStdString();
 }

@@ -67,7 +67,8 @@ void BncsSession::handle(quint8 id, PacketReader& reader) {
 bool BncsSession::dispatch(quint8 id, PacketReader& r) {
     using Step = BncsLogon::Step;
     switch (id) {
-    case 0x00: // keep-alive: nothing to answer
+    case 0x00: // keep-alive: nothing to answer, unless told to echo it as some servers do
+        if (m_context.options.echoKeepAlive) sendFrame(0x00, {});
         return true;
     case 0x25:
         answeredPing();

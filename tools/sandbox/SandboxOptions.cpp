@@ -53,6 +53,7 @@ QString SandboxOptions::usage() {
         "  --bnls-port N            version check server port (9367; 0 picks a free one)\n"
         "  --hash-files A,B,C       the three files the version check hashes\n"
         "  --bnls-fail              BNLS answers every version check with a failure\n"
+        "  --echo-keepalive         answer every empty 0x00 from a client with one\n"
         "  --version-result CODE    answer every 0x51 version check with CODE (0, 0x100, 0x101)\n"
         "  --current-verbyte        refuse (0x101) a client whose 0x50 names another version\n"
         "                           byte than its product's current one\n"
@@ -128,6 +129,7 @@ std::optional<SandboxOptions> SandboxOptions::parse(const QStringList& arguments
         {"--bnls-fail", &o.bnlsFail},
         {"--exclusive-keys", &o.exclusiveKeys},
         {"--current-verbyte", &o.currentVerbyte},
+        {"--echo-keepalive", &o.echoKeepAlive},
         {"--trace", &o.trace},
         {"--control", &o.control},
         {"--help", &o.help},

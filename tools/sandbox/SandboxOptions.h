@@ -29,6 +29,7 @@ struct SandboxOptions {
     quint16 bnlsPort = 9367;
     QStringList hashFiles;                // three files; empty: generated ones
     bool bnlsFail = false;                // BNLS answers every version check with a failure
+    bool echoKeepAlive = false;           // every client 0x00 is answered with a 0x00
     std::optional<quint32> versionResult; // forced 0x51 result; none: check the answer
     bool currentVerbyte = false;          // 0x51 refuses (0x101) any but the current version byte
     QString keysFile;                     // more product keys, one a line

@@ -104,7 +104,9 @@ QList<Entry> programValues() {
             flag("BalloonFriendOn", false),
             flag("BalloonFriendOff", false),
             flag("BalloonFriendGame", false),
-            text("WebHost")};
+            text("WebHost"),
+            number("WebPort", 0),
+            text("WebAddress", "127.0.0.1")};
 }
 
 // Keys whose values the catalogue knows by the shape of their path: the

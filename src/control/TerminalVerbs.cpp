@@ -7,6 +7,7 @@
 #include "control/ConfigVerbs.h"
 #include "control/DatabaseVerbs.h"
 #include "control/ProfileVerbs.h"
+#include "control/WebToken.h"
 
 #include <QTextStream>
 
@@ -42,12 +43,22 @@ VerbResult exportKey(const QStringList& args) {
     });
 }
 
+// The web page's token, made here on first use so that it can be handed to a
+// browser before the page was ever turned on.
+VerbResult webToken(const QStringList& args) {
+    if (args.size() != 1) return VerbResult::usage(QStringLiteral("web-token"));
+    QString error;
+    const QString token = WebToken::Ensure(&error);
+    return token.isEmpty() ? VerbResult::refused(error) : VerbResult::done(token);
+}
+
 } // namespace
 
 namespace TerminalVerbs {
 
 bool IsVerb(const QString& word) {
-    for (const char* verb : {"profile", "config", "database", "import", "export", "commands"}) {
+    for (const char* verb : {"profile", "config", "database", "import", "export", "commands",
+                               "web-token"}) {
         if (word == QLatin1String(verb)) return true;
     }
     return false;
@@ -62,6 +73,7 @@ VerbResult Run(const QStringList& args) {
     if (verb == u"import") return import(args);
     if (verb == u"export") return exportKey(args);
     if (verb == u"commands") return {0, CommandsPage::Text(), {}};
+    if (verb == u"web-token") return webToken(args);
     return VerbResult::usage(QStringLiteral("profile|config|database|import|export|commands ..."));
 }
 
@@ -73,7 +85,9 @@ QString Help() {
                           "  export KEY FILE                 export KEY and below to a new "
                           "REGEDIT4 file\n"
                           "  commands                        list the bot's commands with the "
-                          "rank each needs\n");
+                          "rank each needs\n"
+                          "  web-token                       print the token the web page asks "
+                          "for\n");
 }
 
 } // namespace TerminalVerbs

@@ -11,6 +11,8 @@
 
 #include <QFile>
 #include <QHttpServer>
+#include <QHttpServerRequest>
+#include <QHttpServerResponder>
 #include <QHttpServerResponse>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -124,6 +126,13 @@ void WebFront::addRoutes() {
     });
     m_http->route(QStringLiteral("/style.css"),
                   [] { return pageFile(QStringLiteral("style.css"), "text/css; charset=utf-8"); });
+    // The HTTP server upgrades a request to a WebSocket only on a path that
+    // a route takes; this one leaves such a socket to it unanswered.
+    m_http->route(QStringLiteral("/socket"),
+                  [](const QHttpServerRequest& request, QHttpServerResponder&& responder) {
+                      if (request.value("upgrade").compare("websocket", Qt::CaseInsensitive) != 0)
+                          responder.write(QHttpServerResponder::StatusCode::BadRequest);
+                  });
 }
 
 void WebFront::acceptPages() {

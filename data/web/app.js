@@ -33,7 +33,8 @@ function productIcon(key) {
   let entry = PRODUCTS[key];
   if (!entry) {
     const prefix = PREFIXES.find(([p]) => key.startsWith(p));
-    entry = prefix ? [key.slice(0, 4), PRODUCTS[prefix[1]][1]] : [key.slice(0, 3) || "?", "#555"];
+    // Statistics icons (ladder ranks, wins, levels) keep their product's badge.
+    entry = prefix ? PRODUCTS[prefix[1]] : [key.slice(0, 3) || "?", "#555"];
   }
   const icon = document.createElement("span");
   icon.className = "icon";
@@ -162,7 +163,7 @@ function showSlots(m) {
   if (state.current && !m.slots.some((s) => s.slot === state.current)) select(0);
   const names = $("load-name");
   names.replaceChildren(...m.profiles.map((p) => new Option(p, p)));
-  names.disabled = $("load").disabled = m.profiles.length === 0;
+  names.hidden = $("load").hidden = m.profiles.length === 0;
   drawTabs();
   drawTools();
   if (state.current) showUsers();

@@ -25,47 +25,107 @@ int styleBits(const CharFormat& f) {
     return (f.bold ? 1 : 0) | (f.italic ? 2 : 0) | (f.underline ? 4 : 0) | (f.strike ? 8 : 0);
 }
 
-QByteArray compact(const QJsonObject& object) {
-    return QJsonDocument(object).toJson(QJsonDocument::Compact);
+QString compact(const QJsonObject& object) {
+    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
 }
 
-// The document's runs from `from` to `to` as lines, each a list of runs
-// [text, colour, style]; the text between holds whole lines only.
-QJsonArray linesOf(const ChatDocument& document, int from, int to, int* count) {
-    QJsonArray lines;
-    QJsonArray line;
-    int pos = 0;
-    for (const TextRun& run : document.runs()) {
+// JSON text written by hand: a line costs the chat path a few appends
+// rather than a tree of JSON values built and serialised.
+void appendJsonString(QString& out, QStringView text) {
+    out += u'"';
+    qsizetype plain = 0; // start of the stretch that needs no escape
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const char16_t u = text[i].unicode();
+        if (u != u'"' && u != u'\\' && u >= 0x20) continue;
+        out += text.mid(plain, i - plain);
+        out += u < 0x20 ? QStringLiteral("\\u%1").arg(int(u), 4, 16, QLatin1Char('0'))
+                        : QString{u'\\', QChar(u)};
+        plain = i + 1;
+    }
+    out += text.mid(plain);
+    out += u'"';
+}
+
+void appendColour(QString& out, quint32 bgr) {
+    static const char16_t digits[] = u"0123456789abcdef";
+    const quint32 rgb = ((bgr & 0xFF) << 16) | (bgr & 0xFF00) | ((bgr >> 16) & 0xFF);
+    out += u"\"#";
+    for (int shift = 20; shift >= 0; shift -= 4)
+        out += QChar(digits[(rgb >> shift) & 0xF]);
+    out += u'"';
+}
+
+// The document's runs from `from` to `to` as a JSON list of lines, each a
+// list of runs [text, colour, style]; the text between holds whole lines.
+QString linesOf(const ChatDocument& document, int from, int to, int* count) {
+    QString out;
+    out.reserve(2 * (to - from) + 64);
+    out += u'[';
+    int lines = 0;
+    bool lineOpen = false;
+    bool firstRun = true;
+    // New text is at the end: find its first run from there, not from the
+    // start of a view that holds thousands.
+    const std::vector<TextRun>& runs = document.runs();
+    size_t first = runs.size();
+    int pos = document.length();
+    while (first > 0 && pos > from) {
+        --first;
+        pos -= int(runs[first].text.size());
+    }
+    for (size_t r = first; r < runs.size() && pos < to; ++r) {
+        const TextRun& run = runs[r];
         const int runEnd = pos + int(run.text.size());
         const int a = std::max(pos, from);
         const int b = std::min(runEnd, to);
-        if (a < b) {
-            const QString piece = run.text.mid(a - pos, b - a);
-            const QString colour = cssColour(run.format.color);
-            const int style = styleBits(run.format);
-            qsizetype start = 0;
-            while (start < piece.size()) {
-                const qsizetype end = piece.indexOf(QLatin1String("\r\n"), start);
-                const qsizetype stop = end < 0 ? piece.size() : end;
-                if (stop > start)
-                    line.append(QJsonArray{piece.mid(start, stop - start), colour, style});
-                if (end < 0) break;
-                lines.append(line);
-                line = QJsonArray();
-                start = end + 2;
+        const QStringView piece = QStringView(run.text).mid(a - pos, b - a);
+        qsizetype start = 0;
+        while (a < b && start < piece.size()) {
+            const qsizetype end = piece.indexOf(u"\r\n", start);
+            const qsizetype stop = end < 0 ? piece.size() : end;
+            if (!lineOpen) {
+                out += lines > 0 ? u",[" : u"[";
+                lineOpen = true;
+                firstRun = true;
             }
+            if (stop > start) {
+                out += firstRun ? u"[" : u",[";
+                firstRun = false;
+                appendJsonString(out, piece.mid(start, stop - start));
+                out += u',';
+                appendColour(out, run.format.color);
+                out += u',';
+                out += QChar(u'0' + styleBits(run.format));
+                out += u']';
+            }
+            if (end < 0) break;
+            out += u']';
+            lineOpen = false;
+            ++lines;
+            start = end + 2;
         }
         pos = runEnd;
-        if (pos >= to) break;
     }
-    if (count) *count = int(lines.size());
-    return lines;
+    out += u']';
+    if (count) *count = lines;
+    return out;
 }
 
-// Where the document's last complete line ends; 0 when it holds none.
+// Where the document's last complete line ends, looking back from the end
+// no further than `from`; `from` when no line ended after it.
 int completeEnd(const ChatDocument& document, int from) {
-    const qsizetype last = document.textFrom(from).lastIndexOf(QLatin1String("\r\n"));
-    return last < 0 ? from : from + int(last) + 2;
+    const std::vector<TextRun>& runs = document.runs();
+    int end = document.length();
+    QChar after; // the first character of the run after the one looked at
+    for (size_t r = runs.size(); r > 0 && end > from; --r) {
+        const QString& text = runs[r - 1].text;
+        if (after == u'\n' && text.endsWith(u'\r')) return end + 1;
+        const qsizetype last = text.lastIndexOf(QLatin1String("\r\n"));
+        if (last >= 0) return std::max(from, end - int(text.size()) + int(last) + 2);
+        after = text.isEmpty() ? after : text.front();
+        end -= int(text.size());
+    }
+    return from;
 }
 
 // Where the last `n` lines of the text before `end` start.
@@ -125,11 +185,11 @@ QJsonObject statusNow() {
             {QStringLiteral("text"), TimedEvents::instance().StatusLine()}};
 }
 
-QJsonObject linesMessage(int slot, const QString& view, const QJsonArray& lines) {
-    return {{kType, QStringLiteral("lines")},
-            {QStringLiteral("slot"), slot},
-            {QStringLiteral("view"), view},
-            {QStringLiteral("lines"), lines}};
+QString linesMessage(int slot, const QString& view, const QString& lines) {
+    return QStringLiteral("{\"t\":\"lines\",\"slot\":%1,\"view\":\"%2\",\"lines\":")
+               .arg(slot)
+               .arg(view) +
+           lines + u'}';
 }
 
 } // namespace
@@ -205,19 +265,19 @@ void PageFeed::flushLines() {
         const int end = completeEnd(*w.document, w.sent);
         if (end <= w.sent) continue;
         int count = 0;
-        const QJsonArray lines = linesOf(*w.document, w.sent, end, &count);
+        const QString lines = linesOf(*w.document, w.sent, end, &count);
         w.sent = end;
-        if (count > 0) Q_EMIT this->lines(compact(linesMessage(w.slot, w.view, lines)), count);
+        if (count > 0) Q_EMIT this->lines(linesMessage(w.slot, w.view, lines), count);
     }
 }
 
 void PageFeed::flushState() {
-    const QByteArray slots = compact(slotsNow());
+    const QString slots = compact(slotsNow());
     if (slots != m_lastSlots) {
         m_lastSlots = slots;
         Q_EMIT state(QStringLiteral("slots"), slots);
     }
-    const QByteArray status = compact(statusNow());
+    const QString status = compact(statusNow());
     if (status != m_lastStatus) {
         m_lastStatus = status;
         Q_EMIT state(QStringLiteral("status"), status);
@@ -229,14 +289,15 @@ void PageFeed::flushState() {
     m_dirtyUsers.clear();
 }
 
-std::vector<QByteArray> PageFeed::snapshot() const {
-    std::vector<QByteArray> messages{compact(slotsNow()), compact(statusNow())};
+std::vector<QString> PageFeed::snapshot() const {
+    std::vector<QString> messages{compact(slotsNow()), compact(statusNow())};
     for (const Watched& w : m_watched) {
         if (w.slot > 0 && !Bots(w.slot).IsLoaded) continue;
         const int end = m_listening ? w.sent : completeEnd(*w.document, 0);
         const int start = recentStart(*w.document, end, kRecentLines);
-        const QJsonArray lines = linesOf(*w.document, start, end, nullptr);
-        if (!lines.isEmpty()) messages.push_back(compact(linesMessage(w.slot, w.view, lines)));
+        int count = 0;
+        const QString lines = linesOf(*w.document, start, end, &count);
+        if (count > 0) messages.push_back(linesMessage(w.slot, w.view, lines));
     }
     SlotTable& table = SlotTable::instance();
     for (int i = 1; i <= table.highestIndex(); ++i) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QByteArray>
 #include <QObject>
 #include <QSet>
 #include <QString>
@@ -24,13 +23,13 @@ public:
     void setListening(bool listening);
 
     // Everything a new page needs, as messages in order.
-    std::vector<QByteArray> snapshot() const;
+    std::vector<QString> snapshot() const;
 
 Q_SIGNALS:
     // Chat lines (droppable when a page falls behind).
-    void lines(const QByteArray& message, int count);
+    void lines(const QString& message, int count);
     // The latest state of what `key` names.
-    void state(const QString& key, const QByteArray& message);
+    void state(const QString& key, const QString& message);
 
 private:
     struct Watched {
@@ -50,6 +49,6 @@ private:
     std::vector<Watched> m_watched;
     QSet<int> m_dirtyUsers;
     QTimer m_stateTimer;
-    QByteArray m_lastSlots;
-    QByteArray m_lastStatus;
+    QString m_lastSlots;
+    QString m_lastStatus;
 };

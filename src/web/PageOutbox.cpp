@@ -3,7 +3,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-void PageOutbox::pushLines(const QByteArray& message, int lines) {
+void PageOutbox::pushLines(const QString& message, int lines) {
     if (int(m_queue.size()) < kMostQueued) {
         m_queue.push_back({{}, message, 0});
         return;
@@ -14,7 +14,7 @@ void PageOutbox::pushLines(const QByteArray& message, int lines) {
     m_queue.back().skipped += lines;
 }
 
-void PageOutbox::pushState(const QString& key, const QByteArray& message) {
+void PageOutbox::pushState(const QString& key, const QString& message) {
     for (Entry& entry : m_queue) {
         if (entry.key == key) {
             entry.message = message;
@@ -24,12 +24,12 @@ void PageOutbox::pushState(const QString& key, const QByteArray& message) {
     m_queue.push_back({key, message, 0});
 }
 
-QByteArray PageOutbox::take() {
+QString PageOutbox::take() {
     if (m_inFlight >= kMostInFlight || m_queue.empty()) return {};
     Entry entry = std::move(m_queue.front());
     m_queue.pop_front();
     if (entry.skipped == 0) return entry.message;
     const QJsonObject notice{{QStringLiteral("t"), QStringLiteral("skipped")},
                              {QStringLiteral("count"), entry.skipped}};
-    return QJsonDocument(notice).toJson(QJsonDocument::Compact);
+    return QString::fromUtf8(QJsonDocument(notice).toJson(QJsonDocument::Compact));
 }

@@ -40,11 +40,11 @@ QHttpServerResponse pageFile(const QString& name, const QByteArray& type) {
     return response;
 }
 
-QByteArray message(const char* type, const QString& text, bool ok = true) {
-    return QJsonDocument(QJsonObject{{QStringLiteral("t"), QLatin1String(type)},
-                                     {QStringLiteral("ok"), ok},
-                                     {QStringLiteral("text"), text}})
-        .toJson(QJsonDocument::Compact);
+QString message(const char* type, const QString& text, bool ok = true) {
+    return QString::fromUtf8(QJsonDocument(QJsonObject{{QStringLiteral("t"), QLatin1String(type)},
+                                                       {QStringLiteral("ok"), ok},
+                                                       {QStringLiteral("text"), text}})
+                                 .toJson(QJsonDocument::Compact));
 }
 
 } // namespace
@@ -54,12 +54,12 @@ WebFront::WebFront(QObject* parent)
       m_listener(new WebListener(this)), m_feed(new PageFeed(this)) {
     addRoutes();
     connect(m_http.get(), &QHttpServer::newWebSocketConnection, this, &WebFront::acceptPages);
-    connect(m_feed, &PageFeed::lines, this, [this](const QByteArray& message, int count) {
+    connect(m_feed, &PageFeed::lines, this, [this](const QString& message, int count) {
         for (WebPage* page : m_pages) {
             if (page->admitted()) page->sendLines(message, count);
         }
     });
-    connect(m_feed, &PageFeed::state, this, [this](const QString& key, const QByteArray& message) {
+    connect(m_feed, &PageFeed::state, this, [this](const QString& key, const QString& message) {
         for (WebPage* page : m_pages) {
             if (page->admitted()) page->sendState(key, message);
         }
@@ -180,7 +180,7 @@ void WebFront::greet(WebPage* page, const QString& text) {
     m_feed->setListening(true);
     page->sendNow(message("welcome", {}));
     int part = 0;
-    for (const QByteArray& snapshot : m_feed->snapshot())
+    for (const QString& snapshot : m_feed->snapshot())
         page->sendState(QStringLiteral("snapshot %1").arg(part++), snapshot);
 }
 

@@ -31,33 +31,34 @@ QString WebPage::peer() const {
     return WebListener::peerOf(m_socket->peerAddress(), m_socket->peerPort());
 }
 
-void WebPage::sendLines(const QByteArray& message, int count) {
+void WebPage::sendLines(const QString& message, int count) {
     m_outbox.pushLines(message, count);
     pump();
 }
 
-void WebPage::sendState(const QString& key, const QByteArray& message) {
+void WebPage::sendState(const QString& key, const QString& message) {
     m_outbox.pushState(key, message);
     pump();
 }
 
-void WebPage::sendNow(const QByteArray& message) {
+void WebPage::sendNow(const QString& message) {
     if (m_closed) return;
-    m_outbox.sent(m_socket->sendTextMessage(QString::fromUtf8(message)));
+    m_outbox.sent(m_socket->sendTextMessage(message));
 }
 
 void WebPage::refuse(const QString& text) {
     if (m_closed) return;
-    sendNow(QJsonDocument(QJsonObject{{QStringLiteral("t"), QStringLiteral("refused")},
-                                      {QStringLiteral("text"), text}})
-                .toJson(QJsonDocument::Compact));
+    sendNow(QString::fromUtf8(
+        QJsonDocument(QJsonObject{{QStringLiteral("t"), QStringLiteral("refused")},
+                                  {QStringLiteral("text"), text}})
+            .toJson(QJsonDocument::Compact)));
     m_socket->close(QWebSocketProtocol::CloseCodePolicyViolated, text.left(120));
 }
 
 void WebPage::pump() {
     if (m_closed) return;
-    for (QByteArray message = m_outbox.take(); !message.isEmpty(); message = m_outbox.take())
-        m_outbox.sent(m_socket->sendTextMessage(QString::fromUtf8(message)));
+    for (QString message = m_outbox.take(); !message.isEmpty(); message = m_outbox.take())
+        m_outbox.sent(m_socket->sendTextMessage(message));
 }
 
 void WebPage::onDisconnected() {

@@ -171,7 +171,7 @@ std::unique_ptr<QTcpSocket> openPage(quint16 port, const QString& token) {
         if (!head.contains("\r\n\r\n")) return;
         raw->read(head.indexOf("\r\n\r\n") + 4);
         raw->setProperty("open", true);
-        const QByteArray hello = "{\"t\":\"hello\",\"token\":\"" + raw->property("token").toByteArray() + "\"}";
+        const QByteArray hello = "{\"event\":\"hello\",\"token\":\"" + raw->property("token").toByteArray() + "\"}";
         raw->write(QByteArray("\x81") + char(0x80 | hello.size()) + QByteArray(4, '\0') + hello);
     });
     raw->setProperty("token", token.toLatin1());

@@ -7,7 +7,7 @@ PACKAGES=(
     cmake ninja-build g++ pkg-config
     qt6-base-dev qt6-base-dev-tools qt6-declarative-dev
     qt6-httpserver-dev qt6-websockets-dev
-    libsqlite3-dev libssl-dev
+    libsqlite3-dev libssl-dev libedit-dev
     libgtest-dev libgmock-dev libbenchmark-dev
     clang libclang-rt-14-dev
     libxkbcommon-dev libxcb1-dev

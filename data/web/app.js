@@ -1,6 +1,9 @@
 // The bot in a browser. The page holds no state of its own beyond what the
 // bot sends: the slots, each view's lines, the user lists and the status
 // line. The token goes in the WebSocket's first message, never in an address.
+// The bot speaks as to `corvantide tail`: JSON objects, one a line, several
+// lines to a message; requests are the steering verbs as the terminal sends
+// them, {"args": [...]}.
 "use strict";
 
 const $ = (id) => document.getElementById(id);
@@ -10,10 +13,10 @@ const state = {
   socket: null,
   token: sessionStorage.getItem("corvantide-token") || "",
   slots: [],           // [{slot, profile, online, channel, users}]
-  current: 0,          // slot on screen; 0 is the console
-  views: new Map(),    // "slot view" -> element holding the lines
-  users: new Map(),    // slot -> users message
-  unseen: new Set(),   // slots with lines not looked at
+  current: "",         // profile on screen; "" is the console
+  views: new Map(),    // "profile view" -> element holding the lines
+  users: new Map(),    // profile -> users message
+  unseen: new Set(),   // profiles with lines not looked at
   refused: false,
 };
 
@@ -66,8 +69,10 @@ function open() {
   const socket = new WebSocket(`${scheme}//${location.host}/socket`);
   state.socket = socket;
   state.refused = false;
-  socket.onopen = () => socket.send(JSON.stringify({ t: "hello", token: state.token }));
-  socket.onmessage = (event) => receive(JSON.parse(event.data));
+  socket.onopen = () => socket.send(JSON.stringify({ event: "hello", token: state.token }));
+  socket.onmessage = (event) => {
+    for (const text of event.data.split("\n")) if (text) receive(JSON.parse(text));
+  };
   socket.onclose = () => {
     if (state.socket !== socket) return;
     state.socket = null;
@@ -77,18 +82,19 @@ function open() {
   };
 }
 
-function request(message) {
-  if (state.socket && state.socket.readyState === WebSocket.OPEN) state.socket.send(JSON.stringify(message));
+function request(...args) {
+  if (state.socket && state.socket.readyState === WebSocket.OPEN) state.socket.send(JSON.stringify({ args }));
 }
 
 function receive(m) {
-  switch (m.t) {
+  switch (m.event) {
     case "welcome":
       sessionStorage.setItem("corvantide-token", state.token);
       $("login").hidden = true;
       $("bot").hidden = false;
       notice("");
       for (const view of state.views.values()) view.replaceChildren();
+      state.users.clear();
       break;
     case "refused":
       state.refused = true;
@@ -99,18 +105,18 @@ function receive(m) {
       break;
     case "slots": showSlots(m); break;
     case "status": $("status").textContent = m.text; break;
-    case "lines": appendLines(m.slot, m.view, m.lines); break;
-    case "clear": viewOf(m.slot, m.view).replaceChildren(); break;
-    case "users": state.users.set(m.slot, m); if (m.slot === state.current) showUsers(); break;
-    case "skipped": skipped(m.count); break;
-    case "reply": if (m.text || !m.ok) notice(m.text); break;
+    case "line": appendLine(m.profile, m.view, m.runs); break;
+    case "notice": appendLine(m.profile || "", "chat", [{ text: m.text, color: "#999999", italic: true }]); break;
+    case "users": state.users.set(m.profile, m); if (m.profile === state.current) showUsers(); break;
+    case "skipped": skipped(m.lines); break;
+    case "reply": notice((m.status ? m.err : m.out).trim()); break;
   }
 }
 
 // --- views --------------------------------------------------------------
 
-function viewOf(slot, view) {
-  const key = `${slot} ${view}`;
+function viewOf(profile, view) {
+  const key = `${profile} ${view}`;
   let element = state.views.get(key);
   if (!element) {
     element = document.createElement("div");
@@ -122,29 +128,32 @@ function viewOf(slot, view) {
 function lineElement(runs) {
   const line = document.createElement("div");
   line.className = "line";
-  for (const [text, colour, style] of runs) {
+  for (const run of runs) {
     const span = document.createElement("span");
-    span.textContent = text;
-    span.style.color = colour;
-    if (style) span.className = ["b", "i", "u", "s"].filter((_, bit) => style & (1 << bit)).join(" ");
+    span.textContent = run.text;
+    span.style.color = run.color;
+    span.className = [run.bold && "b", run.italic && "i", run.underline && "u", run.strike && "s"]
+      .filter(Boolean).join(" ");
     line.append(span);
   }
   return line;
 }
 
-function appendLines(slot, view, lines) {
-  const element = viewOf(slot, view);
+// Lines of a profile the page has no tab for yet wait in its view until the
+// tab comes.
+function appendLine(profile, view, runs) {
+  const element = viewOf(profile, view);
   const shown = element.parentElement;
   const pinned = shown && shown.scrollTop + shown.clientHeight >= shown.scrollHeight - 4;
-  for (const runs of lines) element.append(lineElement(runs));
-  while (element.childElementCount > MAX_LINES) element.firstElementChild.remove();
+  element.append(lineElement(runs));
+  if (element.childElementCount > MAX_LINES) element.firstElementChild.remove();
   if (shown) {
     if (pinned) shown.scrollTop = shown.scrollHeight;
-  } else if (slot !== state.current && view === "chat") {
-    state.unseen.add(slot);
+  } else if (profile !== state.current && view === "chat" && !state.unseen.has(profile)) {
+    state.unseen.add(profile);
     drawTabs();
   }
-  if (view === "whisper" && slot === state.current) $("whisper").hidden = false;
+  if (view === "whisper" && profile === state.current) $("whisper").hidden = false;
 }
 
 function skipped(count) {
@@ -160,7 +169,7 @@ function showSlots(m) {
   state.slots = m.slots;
   document.documentElement.style.setProperty("--back", m.back);
   document.documentElement.style.setProperty("--fore", m.fore);
-  if (state.current && !m.slots.some((s) => s.slot === state.current)) select(0);
+  if (state.current && !m.slots.some((s) => s.profile === state.current)) select("");
   const names = $("load-name");
   names.replaceChildren(...m.profiles.map((p) => new Option(p, p)));
   names.hidden = $("load").hidden = m.profiles.length === 0;
@@ -170,27 +179,27 @@ function showSlots(m) {
 }
 
 function drawTabs() {
-  const tabs = [{ slot: 0, profile: "Console", online: false }, ...state.slots].map((s) => {
+  const tabs = [{ profile: "", online: false }, ...state.slots].map((s) => {
     const tab = document.createElement("button");
     tab.type = "button";
     tab.setAttribute("role", "tab");
-    tab.setAttribute("aria-selected", String(s.slot === state.current));
-    tab.dataset.slot = s.slot;
+    tab.setAttribute("aria-selected", String(s.profile === state.current));
+    tab.dataset.profile = s.profile;
     if (s.online) tab.classList.add("online");
-    if (state.unseen.has(s.slot)) tab.classList.add("talk");
+    if (state.unseen.has(s.profile)) tab.classList.add("talk");
     const dot = document.createElement("span");
     dot.className = "dot";
-    tab.append(dot, s.profile);
-    tab.title = s.slot === 0 ? "The bot's console"
+    tab.append(dot, s.profile || "Console");
+    tab.title = !s.profile ? "The bot's console"
       : s.online ? `Connected in channel: ${s.channel}.` : `${s.profile} is not connected!`;
-    tab.onclick = () => select(s.slot);
+    tab.onclick = () => select(s.profile);
     return tab;
   });
   $("tabs").replaceChildren(...tabs);
 }
 
 function currentSlot() {
-  return state.slots.find((s) => s.slot === state.current);
+  return state.slots.find((s) => s.profile === state.current);
 }
 
 function drawTools() {
@@ -204,14 +213,14 @@ function drawTools() {
   $("line").placeholder = slot ? `Type a line or a /command for ${slot.profile}` : "Choose a profile's tab to type";
 }
 
-function select(slot) {
-  state.current = slot;
-  state.unseen.delete(slot);
+function select(profile) {
+  state.current = profile;
+  state.unseen.delete(profile);
   const chat = $("chat");
   const whisper = $("whisper");
-  chat.replaceChildren(viewOf(slot, "chat"));
-  whisper.replaceChildren(viewOf(slot, "whisper"));
-  whisper.hidden = viewOf(slot, "whisper").childElementCount === 0;
+  chat.replaceChildren(viewOf(profile, "chat"));
+  whisper.replaceChildren(viewOf(profile, "whisper"));
+  whisper.hidden = viewOf(profile, "whisper").childElementCount === 0;
   chat.scrollTop = chat.scrollHeight;
   whisper.scrollTop = whisper.scrollHeight;
   drawTabs();
@@ -269,15 +278,15 @@ $("send").onsubmit = (event) => {
   const slot = currentSlot();
   const line = $("line").value;
   if (!slot || !line) return;
-  request({ t: "send", profile: slot.profile, line });
+  request("send", slot.profile, line);
   $("line").value = "";
 };
 
 for (const kind of ["connect", "disconnect", "unload"]) {
-  $(kind).onclick = () => { const slot = currentSlot(); if (slot) request({ t: kind, profile: slot.profile }); };
+  $(kind).onclick = () => { const slot = currentSlot(); if (slot) request(kind, slot.profile); };
 }
-$("load").onclick = () => { if ($("load-name").value) request({ t: "load", profile: $("load-name").value }); };
+$("load").onclick = () => { if ($("load-name").value) request("load", $("load-name").value); };
 $("show-users").onclick = () => document.body.classList.toggle("users-open");
 
-select(0);
+select("");
 if (state.token) open();

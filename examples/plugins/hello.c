@@ -6,8 +6,9 @@
  * the Plugins folder beside the program's files and turn it on in the Plugins
  * page or in Plugins.ini ([AutoLoad] hello=1).
  *
- * It greets who joins, counts the packets the bot receives and shows the count
- * when its entry in the plug-in list is clicked. */
+ * It greets who joins, counts the packets the bot receives and shows the count,
+ * with the profile on screen and its channel, when its entry in the plug-in
+ * list is clicked. */
 #include "corvantide/plugin.h"
 
 #include <stdio.h>
@@ -33,12 +34,15 @@ CORVANTIDE_EXPORT int Description(corvantide_call* call) {
 }
 
 CORVANTIDE_EXPORT int OptionClicked(corvantide_call* call) {
-    char line[64];
-    const uint32_t colours[] = {0x00FFFF};
-    const char* texts[] = {line};
+    char line[256];
+    int slot;
     if (call->argc < 1 || call->argv[0].number != 1) return 0;
-    snprintf(line, sizeof line, "hello.so has counted %lu packets.", packets);
-    host->AddText(0, 1, colours, texts);
+    /* The main form and objCache, as a JavaScript plug-in has them. */
+    slot = host->CurrentIndex();
+    snprintf(line, sizeof line, "hello.so has counted %lu packets; on screen: %s in %s.",
+             packets, slot > 0 ? host->BotProfile(slot) : "the console",
+             slot > 0 ? host->GetConfiguration(slot, "Channel") : "-");
+    host->WriteChat(0, 0x00FFFF, line);
     return 0;
 }
 

@@ -1,11 +1,12 @@
 #include "app/HeadlessConsole.h"
+#include "app/TerminalSession.h"
 #include "chat/BotElement.h"
-#include "commands/ChatInput.h"
 #include "config/Folders.h"
 #include "config/RegistryWrapper.h"
 #include "config/SettingsWrapper.h"
 #include "control/ControlClient.h"
 #include "control/ControlServer.h"
+#include "control/TailClient.h"
 #include "control/TerminalVerbs.h"
 #include "desktop/DesktopIntegration.h"
 #include "desktop/SplashWindow.h"
@@ -120,13 +121,16 @@ QStringList withAbsoluteFiles(QStringList words) {
 int runVerb(const QStringList& words) {
     VerbResult result;
     const QStringList request = withAbsoluteFiles(words);
-    if (!ControlClient::SendToRunningBot(request, result)) {
+    QString whyNoBot;
+    if (!ControlClient::SendToRunningBot(request, result, &whyNoBot)) {
         RegistryWrapper& store = RegistryWrapper::instance();
         if (!store.movedAsideNotice().isEmpty())
             std::fprintf(stderr, "%s\n", qPrintable(store.movedAsideNotice()));
         if (!store.isOpen()) {
-            std::fprintf(stderr, "%s No Corvantide running on this home answered.\n",
-                         qPrintable(store.openError()));
+            std::fprintf(
+                stderr, "%s No Corvantide running on this home answered%s.\n",
+                qPrintable(store.openError()),
+                qPrintable(whyNoBot.isEmpty() ? QString() : QStringLiteral(": ") + whyNoBot));
             return 1;
         }
         store.setCreateKeyIfDoesntExists(true);
@@ -140,11 +144,13 @@ int runVerb(const QStringList& words) {
 // The running bot listens for the terminal's verbs; without the channel it
 // still runs, and says why the verbs cannot reach it.
 void openControlChannel(ControlServer& server) {
+    QObject::connect(&server, &ControlServer::notice,
+                     [](const QString& line) { WriteChat(0, Status::Error, line); });
     QString error;
     if (!server.listen(&error))
         WriteChat(0, Status::Error,
                   QStringLiteral("Settings commands from the terminal cannot reach this bot: ") +
-                      error);
+                      error + u'.');
 }
 
 // The settings file options are the import and export verbs.
@@ -155,18 +161,6 @@ int runSettingsCommand(const Options& options) {
         return 2;
     }
     return runVerb({QStringLiteral("export"), options.exportReg[0], options.exportReg[1]});
-}
-
-// A line typed on the terminal goes to the profile on screen, as the input
-// box would send it.
-void sendTypedLine(const QString& line) {
-    const int index = SlotTable::instance().CurrentIndex();
-    if (index == 0) {
-        WriteChat(0, Status::Error,
-                  QStringLiteral("There is no profile on screen to send to; load one first."));
-        return;
-    }
-    if (!line.isEmpty()) SendUserLine(index, line);
 }
 
 // Without a window the first loaded profile is the one typing goes to.
@@ -201,7 +195,8 @@ void reportStoreTrouble() {
 }
 
 int runHeadless(QCoreApplication& app, const Options& options) {
-    HeadlessConsole console(stdout, isatty(STDOUT_FILENO) != 0);
+    const bool outputIsTerminal = isatty(STDOUT_FILENO) != 0;
+    HeadlessConsole console(stdout, outputIsTerminal);
     QObject::connect(&console, &HeadlessConsole::endOfInput, &app, &QCoreApplication::quit);
     QObject::connect(&DesktopShell::instance(), &DesktopShell::quitRequested, &app,
                      &QCoreApplication::quit, Qt::QueuedConnection);
@@ -217,13 +212,21 @@ int runHeadless(QCoreApplication& app, const Options& options) {
         return 1;
     }
     showFirstLoadedProfile();
+    TerminalSession session(console, site);
     ControlServer control;
     openControlChannel(control);
     WebFront web;
     web.start(options.webPort);
     if (options.connect) QTimer::singleShot(0, &app, connectLoadedProfiles);
-    console.setLineHandler(sendTypedLine);
-    if (!options.noInput) console.startReading();
+    console.setLineHandler([&session](const QString& line) { session.typed(line); });
+    if (!options.noInput) {
+        // Editing needs a terminal on both ends; a pipe is read as it comes.
+        const bool edited = outputIsTerminal && isatty(STDIN_FILENO) != 0;
+        console.startReading(edited, GetSettingsPath() + QStringLiteral("TerminalHistory"),
+                             [&session](const QString& before, const QString& word) {
+                                 return session.candidates(before, word);
+                             });
+    }
     const int code = app.exec();
     ShutdownSequence().run();
     console.flush();
@@ -292,6 +295,7 @@ int main(int argc, char** argv) {
         QCoreApplication app(argc, argv);
         QCoreApplication::setApplicationName(QStringLiteral("Corvantide"));
         if (!verbHome.isEmpty()) SetHomeFolder(verbHome);
+        if (verb[0] == u"tail") return FollowRunningBot(verb);
         return runVerb(verb);
     }
     const bool windowless = runsWithoutWindow(argc, argv);

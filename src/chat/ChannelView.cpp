@@ -4,6 +4,7 @@
 #include "platform/ListModel.h"
 #include "platform/LowerCase.h"
 #include "presentation/UserColors.h"
+#include "presentation/Theme.h"
 #include "presentation/UserIcons.h"
 #include "session/SlotTable.h"
 #include "statistics/UserNames.h"
@@ -24,6 +25,8 @@ ListItem userItem(int Index, const QString& username, qint32 flags, qint32 ping,
     item.key = keyOf(ConvertUsername(username, false, -1));
     item.color = GetUserColor(Index, ConvertUsername(username, false, -1), flags, false);
     item.subText = QString::number(ping);
+    item.subTag = statstring;
+    item.subColor = CurrentTheme().interface.ForeColor;
     GetUserIcons(Index, statstring, flags, ping, item.iconKey, item.subIconKey);
     return item;
 }

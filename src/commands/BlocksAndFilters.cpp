@@ -136,8 +136,9 @@ void loadList(LoadedList& loaded, const QString& path, bool (*counts)(const QStr
 }
 
 // The whole file replaced by the lines, then loaded again.
-bool replaceFile(const QString& path, const QStringList& lines, void (*load)()) {
-    const bool written = WriteTextLines(path, lines);
+bool replaceFile(const QString& path, const QStringList& lines, void (*load)(),
+                 QString* cause = nullptr) {
+    const bool written = WriteTextLines(path, lines, cause);
     load();
     return written;
 }
@@ -236,8 +237,8 @@ void LoadFilters() {
              [](const QString& line) { return line.contains(u'*'); });
 }
 
-bool ReplaceMessageFiltersFile(const QStringList& lines) {
-    return replaceFile(MessageFiltersFile(), lines, LoadFilters);
+bool ReplaceMessageFiltersFile(const QStringList& lines, QString* cause) {
+    return replaceFile(MessageFiltersFile(), lines, LoadFilters, cause);
 }
 
 bool IsFiltered(const QString& Text) {

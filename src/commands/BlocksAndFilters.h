@@ -39,8 +39,8 @@ const QStringList& MessageFilters();
 void LoadFilters();
 bool IsFiltered(const QString& Text);
 // The control panel's save: the lines replace the file whole and the list is
-// loaded from it. False when the file could not be written.
-bool ReplaceMessageFiltersFile(const QStringList& lines);
+// loaded from it. False, with the cause, when the file could not be written.
+bool ReplaceMessageFiltersFile(const QStringList& lines, QString* cause = nullptr);
 
 // The files, in the settings folder.
 QString BlockedUsersFile();

@@ -4,6 +4,7 @@
 #include "chat/ChannelView.h"
 #include "commands/AliasesAndGroups.h"
 #include "commands/BlocksAndFilters.h"
+#include "commands/ChatProfanity.h"
 #include "commands/CommandWrapper.h"
 #include "config/SettingsWrapper.h"
 #include "plugins/PluginHost.h"
@@ -12,6 +13,7 @@
 #include "presentation/Theme.h"
 #include "session/PacketWriter.h"
 #include "session/SlotTable.h"
+#include "social/ClanCommands.h"
 #include "social/ClanNotices.h"
 #include "social/ClanPacket.h"
 #include "statistics/UserNames.h"
@@ -91,6 +93,8 @@ bool runLocalCommand(int Index, QString& text) {
             answerClanInvitation(Index, word == QLatin1String("/accept"));
         else if (word == QLatin1String("/members"))
             ClanPacket::WriteMembers(Index);
+        else if (word == QLatin1String(ClanCommands::kWord))
+            ClanCommands::Run(Index, {});
         else
             return false;
         return true;
@@ -105,6 +109,8 @@ bool runLocalCommand(int Index, QString& text) {
         bot.Connection.Output_ProfileRequest(Index, rest);
     else if (word == QLatin1String("/sendall"))
         sendToAll(rest);
+    else if (word == QLatin1String(ClanCommands::kWord))
+        ClanCommands::Run(Index, rest);
     else if (word == QLatin1String("/echo"))
         echoCommand(Index, text, 7, rest);
     else if (word == QLatin1String("/e"))
@@ -125,7 +131,8 @@ void showOwnTalk(int Index, const QString& text) {
     BotElement& bot = Bots(Index);
     QString shown = text;
     if (shown[0].unicode() == 164 || shown[0].unicode() == 171) DecryptChat(shown);
-    ParseOutput(Index, rtbChat(Index), CurrentTheme().events.talk, bot.UniqueAccount, shown, {},
+    ParseOutput(Index, rtbChat(Index), CurrentTheme().events.talk, bot.UniqueAccount,
+                ShownWithProfanitySettings(shown), {},
                 bot.MyPing(), bot.MyFlags);
 }
 

@@ -3,6 +3,7 @@
 #include "commands/CommandWrapper.h"
 #include "config/FileWrites.h"
 #include "config/Folders.h"
+#include "social/ClanCommands.h"
 
 #include <QDir>
 #include <algorithm>
@@ -40,6 +41,10 @@ const QString kIntroduction = QStringLiteral(
     "A rank is the least a user needs in the userbase; 100 asks for exactly 100. Words in "
     "one row name the same command; \"...\" stands for the words that follow it.");
 
+const QString kClanHeading = QStringLiteral(
+    "WarCraft III clans, typed in the input box or on the terminal; the bot answers them "
+    "itself and offers what the profile's own clan rank allows:");
+
 // The introduction in lines a terminal shows whole.
 QString wrapped(const QString& text, int width) {
     QString out;
@@ -67,6 +72,9 @@ QString Text() {
                    QStringLiteral("\n\nRank  Command\n");
     for (const Row& row : rows())
         text += QStringLiteral("%1  %2\n").arg(row.level, 4).arg(row.usage);
+    text += u'\n' + wrapped(kClanHeading, 78) + u'\n';
+    for (const QString& line : ClanCommands::Usage())
+        text += QStringLiteral("  ") + line + u'\n';
     return text;
 }
 
@@ -80,7 +88,12 @@ QString Html() {
         html += QStringLiteral("<tr><td>%1</td><td><code>%2</code></td></tr>\n")
                     .arg(row.level)
                     .arg(row.usage.toHtmlEscaped());
-    return html + QStringLiteral("</table>\n</body></html>\n");
+    html += QStringLiteral("</table>\n<p>") + kClanHeading.toHtmlEscaped() +
+            QStringLiteral("</p>\n<ul>\n");
+    for (const QString& line : ClanCommands::Usage())
+        html +=
+            QStringLiteral("<li><code>") + line.toHtmlEscaped() + QStringLiteral("</code></li>\n");
+    return html + QStringLiteral("</ul>\n</body></html>\n");
 }
 
 QString WriteHtml(QString* cause) {

@@ -8,6 +8,32 @@ namespace {
 const QString kOpening = QStringLiteral(" {");
 const QString kFileName = QStringLiteral("Macros.ini");
 
+// Where a block stands among the file's lines: its opening line, and the
+// line that ends it (its closing line, the next opening, or the end).
+struct Block {
+    qsizetype open = -1;
+    qsizetype end = -1;
+    bool closed = false;
+};
+
+Block findBlock(const QStringList& lines, const QString& name) {
+    Block block;
+    for (qsizetype i = 0; i < lines.size(); ++i) {
+        const QString& line = lines[i];
+        if (block.open < 0) {
+            if (line.endsWith(kOpening) &&
+                line.chopped(kOpening.size()).compare(name, Qt::CaseInsensitive) == 0)
+                block.open = i;
+        } else if (line.endsWith(kOpening) || line.startsWith(u'}')) {
+            block.end = i;
+            block.closed = line.startsWith(u'}');
+            return block;
+        }
+    }
+    if (block.open >= 0) block.end = lines.size();
+    return block;
+}
+
 } // namespace
 
 MacroWrapper& MacroWrapper::instance() {
@@ -47,10 +73,48 @@ QStringList MacroWrapper::FileLines() {
     return ReadTextLines(fileName());
 }
 
-bool MacroWrapper::ReplaceFile(const QStringList& lines) {
-    const bool written = WriteTextLines(fileName(), lines);
+bool MacroWrapper::ReplaceFile(const QStringList& lines, QString* cause) {
+    const bool written = WriteTextLines(fileName(), lines, cause);
     Reload();
     return written;
+}
+
+QStringList MacroWrapper::Names() {
+    const std::optional<FileStamp> now = FileStamp::of(fileName());
+    if (now && now != m_loaded) Reload();
+    QStringList names;
+    for (const Macro& macro : m_macros)
+        names.append(macro.Name);
+    return names;
+}
+
+bool MacroWrapper::AddLine(const QString& Name, const QString& Line, QString* cause) {
+    if (Name.isEmpty() || Line.isEmpty() || Line.endsWith(kOpening) || Line.startsWith(u'}') ||
+        Name.endsWith(kOpening)) {
+        *cause = QStringLiteral("A macro's name and lines cannot be empty, and a line cannot "
+                                "start with \"}\" or end with \" {\"");
+        return false;
+    }
+    QStringList lines = FileLines();
+    const Block block = findBlock(lines, Name);
+    if (block.open < 0) {
+        lines << Name + kOpening << Line << QStringLiteral("}");
+    } else {
+        lines.insert(block.end, Line);
+        if (!block.closed) lines.insert(block.end + 1, QStringLiteral("}"));
+    }
+    return ReplaceFile(lines, cause);
+}
+
+bool MacroWrapper::RemoveMacro(const QString& Name, QString* cause) {
+    QStringList lines = FileLines();
+    const Block block = findBlock(lines, Name);
+    if (block.open < 0) {
+        cause->clear();
+        return false;
+    }
+    lines.remove(block.open, block.end - block.open + (block.closed ? 1 : 0));
+    return ReplaceFile(lines, cause);
 }
 
 void MacroWrapper::Grab(const QString& Name, QStringList& Lines, bool& Found) {

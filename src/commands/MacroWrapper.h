@@ -37,8 +37,19 @@ public:
     // is created empty when missing.
     static QStringList FileLines();
     // The control panel's save: the lines replace the file whole, then the
-    // macros are read from it. False when the file could not be written.
-    bool ReplaceFile(const QStringList& lines);
+    // macros are read from it. False, with the cause, when the file could not
+    // be written.
+    bool ReplaceFile(const QStringList& lines, QString* cause = nullptr);
+
+    // The names of the macros, in the file's order.
+    QStringList Names();
+    // Adds a line at the end of the macro, or a new macro holding it, and
+    // writes the file. False with the cause when the line cannot stand in a
+    // block (empty, opening or closing one) or the file could not be written.
+    bool AddLine(const QString& Name, const QString& Line, QString* cause);
+    // Takes the macro's block out of the file. False when there is no such
+    // macro (the cause then empty) or the file could not be written.
+    bool RemoveMacro(const QString& Name, QString* cause);
 
     static QString fileName();
 

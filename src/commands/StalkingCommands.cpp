@@ -10,6 +10,7 @@ namespace stalkingcommands {
 
 void Follow(const CommandContext& c) {
     // The friends list's answer tells where the stalked friend is.
+    ForgetStalkedWhereabouts(c.Index);
     Bots(c.Index).Connection.Output_FriendsList(c.Index);
 }
 

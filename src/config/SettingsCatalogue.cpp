@@ -105,6 +105,7 @@ QList<Entry> programValues() {
             flag("BalloonFriendOff", false),
             flag("BalloonFriendGame", false),
             text("WebHost"),
+            number("ScriptMemoryLimit", 256),
             number("WebPort", 0),
             text("WebAddress", "127.0.0.1")};
 }

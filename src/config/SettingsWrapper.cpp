@@ -216,6 +216,17 @@ bool SettingsWrapper::setTransparency(qint32 percent) {
                       isOneOf(percent, {20, 40, 60, 80, 100}) ? percent : 100);
 }
 
+// Read at the start of each script call: the default is looked up once.
+qint32 SettingsWrapper::ScriptMemoryLimit() const {
+    static const qint32 fallback =
+        SettingsCatalogue::ProgramDefault(QStringLiteral("ScriptMemoryLimit")).toInt();
+    return qMax(readDword(QStringLiteral("ScriptMemoryLimit"), fallback), 16);
+}
+
+bool SettingsWrapper::setScriptMemoryLimit(qint32 megabytes) {
+    return writeDword(QStringLiteral("ScriptMemoryLimit"), megabytes);
+}
+
 QString SettingsWrapper::readFont(const QString& valueName, bool* fellBack) const {
     const QString defaultValue = SettingsCatalogue::ProgramDefault(valueName);
     const QString stored = readString(valueName, defaultValue);

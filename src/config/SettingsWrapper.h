@@ -175,6 +175,11 @@ public:
     // count of users online. Empty: no web reads at all.
     CORVANTIDE_STRING_SETTING(WebHost)
 
+    // Scripts and plug-ins: how many megabytes each may grow the bot by
+    // before it is stopped and unloaded. Read as at least 16.
+    qint32 ScriptMemoryLimit() const;
+    bool setScriptMemoryLimit(qint32 megabytes);
+
 #undef CORVANTIDE_BOOL_SETTING
 #undef CORVANTIDE_DWORD_SETTING
 #undef CORVANTIDE_STRING_SETTING

@@ -51,6 +51,8 @@ VerbResult addUser(const QString& database, const QString& user, const QString& 
 }
 
 VerbResult bind(const QString& database, const QString& profile) {
+    if (ProfileLifecycle::HasControlCharacter(profile))
+        return VerbResult::refused(ProfileLifecycle::ControlCharacterRefusal());
     const ManageOutcome outcome = DatabaseManager::BindDatabase(profile, database);
     if (database.isEmpty())
         return answer(outcome, Quoted(profile) + QStringLiteral(" uses no database now."));

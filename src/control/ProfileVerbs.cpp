@@ -5,6 +5,8 @@
 #include "control/TypedValue.h"
 #include "session/ProfileLifecycle.h"
 
+#include <algorithm>
+
 namespace {
 
 using Entry = SettingsCatalogue::Entry;
@@ -153,6 +155,12 @@ QString ProfileVerbsHelp() {
 VerbResult RunProfileVerb(const QStringList& args) {
     const QString verb = args.value(0).toLower();
     const qsizetype n = args.size();
+    // The names, not the values: a value may hold what it likes.
+    const qsizetype names = (verb == u"clone" || verb == u"rename") ? 3 : 2;
+    for (qsizetype i = 1; i < std::min(n, names); ++i) {
+        if (ProfileLifecycle::HasControlCharacter(args[i]))
+            return VerbResult::refused(ProfileLifecycle::ControlCharacterRefusal());
+    }
     if (verb == u"list" && n == 1) return list();
     if (verb == u"show" && n == 2) return show(args[1]);
     if (verb == u"new" && n == 2) return create(args[1]);

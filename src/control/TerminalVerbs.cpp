@@ -6,7 +6,10 @@
 #include "config/SettingsWrapper.h"
 #include "control/ConfigVerbs.h"
 #include "control/DatabaseVerbs.h"
+#include "control/ListVerbs.h"
+#include "control/PluginVerbs.h"
 #include "control/ProfileVerbs.h"
+#include "control/SteeringVerbs.h"
 #include "control/WebToken.h"
 
 #include <QTextStream>
@@ -58,10 +61,10 @@ namespace TerminalVerbs {
 
 bool IsVerb(const QString& word) {
     for (const char* verb : {"profile", "config", "database", "import", "export", "commands",
-                               "web-token"}) {
+                               "plugin", "web-token"}) {
         if (word == QLatin1String(verb)) return true;
     }
-    return false;
+    return ListVerbs::IsVerb(word) || SteeringVerbs::IsVerb(word);
 }
 
 VerbResult Run(const QStringList& args) {
@@ -72,22 +75,29 @@ VerbResult Run(const QStringList& args) {
     if (verb == u"database") return RunDatabaseVerb(rest);
     if (verb == u"import") return import(args);
     if (verb == u"export") return exportKey(args);
-    if (verb == u"commands") return {0, CommandsPage::Text(), {}};
+    if (verb == u"commands")
+        return {0, CommandsPage::Text() + u'\n' + SteeringVerbs::TerminalHelp(), {}};
+    if (ListVerbs::IsVerb(verb)) return ListVerbs::Run(args);
+    if (SteeringVerbs::IsVerb(verb)) return SteeringVerbs::Run(args);
+    if (verb == u"plugin") return RunPluginVerb(rest);
     if (verb == u"web-token") return webToken(args);
-    return VerbResult::usage(QStringLiteral("profile|config|database|import|export|commands ..."));
+    return VerbResult::usage(
+        QStringLiteral("profile|config|database|import|export|commands|plugin|web-token ..."));
 }
 
 QString Help() {
     return QStringLiteral("Settings from the terminal (they work while a bot runs on the same "
                           "home):\n") +
-           ProfileVerbsHelp() + ConfigVerbsHelp() + DatabaseVerbsHelp() +
+           ProfileVerbsHelp() + ConfigVerbsHelp() + DatabaseVerbsHelp() + ListVerbs::Help() +
+           PluginVerbsHelp() +
            QStringLiteral("  import FILE                     import a REGEDIT4 file\n"
                           "  export KEY FILE                 export KEY and below to a new "
                           "REGEDIT4 file\n"
                           "  commands                        list the bot's commands with the "
                           "rank each needs\n"
                           "  web-token                       print the token the web page asks "
-                          "for\n");
+                          "for\n") +
+           SteeringVerbs::Help();
 }
 
 } // namespace TerminalVerbs

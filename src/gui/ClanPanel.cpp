@@ -4,12 +4,20 @@
 #include "gui/IconPainter.h"
 #include "gui/frmClanCreator.h"
 #include "session/SlotTable.h"
+#include "social/ClanNotices.h"
 #include "social/ClanPacket.h"
 
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QToolButton>
+
+namespace {
+
+constexpr int kShaman = 3;
+constexpr int kChieftain = 4;
+
+} // namespace
 
 ClanPanel::ClanPanel(QWidget* parent) : QWidget(parent) {
     auto* layout = new QGridLayout(this);
@@ -18,28 +26,34 @@ ClanPanel::ClanPanel(QWidget* parent) : QWidget(parent) {
     m_status->setObjectName(QStringLiteral("lblClan"));
     layout->addWidget(m_status, 0, 0, 1, 2);
     addCommand(QStringLiteral("Change chieftain of the clan to:"),
-               QStringLiteral("ChangeChieftain"), &ClanPacket::Output_SetChieftain);
+               QStringLiteral("ChangeChieftain"), &ClanPacket::Output_SetChieftain, kChieftain);
     addCommand(QStringLiteral("Invite user to join the clan:"), QStringLiteral("InviteUser"),
-               &ClanPacket::Output_Invite);
+               &ClanPacket::Output_Invite, kShaman);
     addCommand(QStringLiteral("Change clan message of the day:"), QStringLiteral("ChangeMessage"),
-               &ClanPacket::Output_SetMOTD);
-    connect(addLink(QStringLiteral("View/edit members"), QStringLiteral("guiMembersClan")),
+               &ClanPacket::Output_SetMOTD, kShaman);
+    connect(addLink(QStringLiteral("View/edit members"), QStringLiteral("guiMembersClan"), 0,
+                    kChieftain),
             &QToolButton::clicked, this, &ClanPanel::membersRequested);
-    m_create = addLink(QStringLiteral("Create new clan"), QStringLiteral("guiCreateClan"));
+    m_create = addLink(QStringLiteral("Create new clan"), QStringLiteral("guiCreateClan"), 0, 0);
     m_member.removeLast();
     connect(m_create, &QToolButton::clicked, this, [this] {
         frmClanCreator* form = frmClanCreator::forSlot(m_slot, window());
         form->show();
         form->raise();
     });
-    connect(addLink(QStringLiteral("Leave the clan"), QStringLiteral("guiLeaveClan")),
+    // A chieftain hands the clan on before leaving it.
+    connect(addLink(QStringLiteral("Leave the clan"), QStringLiteral("guiLeaveClan"), 0, kShaman),
             &QToolButton::clicked, this, [this] { ClanPacket::Output_Quit(m_slot); });
-    connect(addLink(QStringLiteral("Disband the clan"), QStringLiteral("guiDisbandClan")),
+    connect(addLink(QStringLiteral("Disband the clan"), QStringLiteral("guiDisbandClan"),
+                    kChieftain, kChieftain),
             &QToolButton::clicked, this, [this] { ClanPacket::Output_Disband(m_slot); });
+    connect(&ClanNotices::instance(), &ClanNotices::standingChanged, this, [this](int index) {
+        if (index == m_slot) showSlot(index);
+    });
 }
 
 QLineEdit* ClanPanel::addCommand(const QString& caption, const QString& name,
-                                 void (*act)(int, const QString&)) {
+                                 void (*act)(int, const QString&), int least) {
     auto* grid = static_cast<QGridLayout*>(layout());
     const int row = grid->rowCount();
     grid->addWidget(new QLabel(caption), row, 0, 1, 2);
@@ -55,11 +69,11 @@ QLineEdit* ClanPanel::addCommand(const QString& caption, const QString& name,
     connect(box, &QLineEdit::returnPressed, this, run);
     grid->addWidget(box, row + 1, 0);
     grid->addWidget(go, row + 1, 1);
-    m_member << box << go;
+    m_member << Gated{box, least, kChieftain} << Gated{go, least, kChieftain};
     return box;
 }
 
-QToolButton* ClanPanel::addLink(const QString& caption, const QString& name) {
+QToolButton* ClanPanel::addLink(const QString& caption, const QString& name, int least, int most) {
     auto* grid = static_cast<QGridLayout*>(layout());
     auto* link = new QToolButton;
     link->setObjectName(name);
@@ -67,7 +81,7 @@ QToolButton* ClanPanel::addLink(const QString& caption, const QString& name) {
     link->setAutoRaise(true);
     link->setCursor(Qt::PointingHandCursor);
     grid->addWidget(link, grid->rowCount(), 0, 1, 2, Qt::AlignLeft);
-    m_member << link;
+    m_member << Gated{link, least, most};
     return link;
 }
 
@@ -77,7 +91,8 @@ void ClanPanel::showSlot(int index) {
     const bool inClan = !tag.isEmpty();
     m_status->setText(inClan ? QStringLiteral("Member of: Clan ") + tag
                              : QStringLiteral("Not a member of a clan."));
-    for (QWidget* w : std::as_const(m_member))
-        w->setEnabled(inClan);
+    const int rank = Bots(index).ClanRank();
+    for (const Gated& g : std::as_const(m_member))
+        g.widget->setEnabled(inClan && rank >= g.least && rank <= g.most);
     m_create->setEnabled(!inClan && index > 0);
 }

@@ -8,8 +8,9 @@ class QToolButton;
 
 // The clan commands of the active slot: change the chieftain, invite a user,
 // change the message of the day, view the members, create, leave or disband
-// the clan. A slot in a clan has all but "Create new clan"; one in none has
-// only that.
+// the clan. A slot in a clan has those its own rank lets it do, as the server
+// would allow them, and follows the rank as it changes; one in none has only
+// "Create new clan".
 class ClanPanel : public QWidget {
     Q_OBJECT
 public:
@@ -23,12 +24,18 @@ Q_SIGNALS:
 
 private:
     // A text box with its go image; Enter in the box does the same.
+    // Each is enabled for a member whose rank lies between least and most.
     QLineEdit* addCommand(const QString& caption, const QString& name,
-                          void (*act)(int, const QString&));
-    QToolButton* addLink(const QString& caption, const QString& name);
+                          void (*act)(int, const QString&), int least);
+    QToolButton* addLink(const QString& caption, const QString& name, int least, int most);
 
+    struct Gated {
+        QWidget* widget;
+        int least;
+        int most;
+    };
     int m_slot = 0;
     QLabel* m_status;
-    QList<QWidget*> m_member; // enabled in a clan
+    QList<Gated> m_member; // enabled in a clan, by rank
     QToolButton* m_create;
 };

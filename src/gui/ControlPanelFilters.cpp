@@ -40,5 +40,6 @@ ControlPanelFilters::ControlPanelFilters(QWidget* parent)
                            "text will be removed from display."));
     addLines(
         "h3dMessages", QStringLiteral("MessageFilters.ini"),
-        [] { return entriesOf(MessageFilters()); }, ReplaceMessageFiltersFile);
+        [] { return entriesOf(MessageFilters()); },
+        [](const QStringList& lines) { return ReplaceMessageFiltersFile(lines); });
 }

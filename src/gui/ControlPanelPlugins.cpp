@@ -1,5 +1,6 @@
 #include "gui/ControlPanelPlugins.h"
 
+#include "config/SettingsWrapper.h"
 #include "gui/PanelHelpers.h"
 #include "platform/ListModel.h"
 #include "plugins/PluginHost.h"
@@ -7,11 +8,13 @@
 
 #include <QCheckBox>
 #include <QGridLayout>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QListView>
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSpinBox>
 #include <QVBoxLayout>
 
 namespace {
@@ -57,6 +60,19 @@ ControlPanelPlugins::ControlPanelPlugins(QWidget* parent) : ControlPanelPage(par
     layout->addWidget(m_options, 3, 1);
     layout->setColumnStretch(1, 1);
 
+    // What each script or plug-in may grow the bot by before it is unloaded.
+    m_memoryLimit = new QSpinBox;
+    m_memoryLimit->setObjectName(QStringLiteral("h3gMemory"));
+    m_memoryLimit->setRange(16, 65536);
+    m_memoryLimit->setSuffix(QStringLiteral(" MB"));
+    auto* memory = new QHBoxLayout;
+    memory->addWidget(new QLabel(QStringLiteral("Memory a script or plugin may use:")));
+    memory->addWidget(m_memoryLimit);
+    memory->addStretch(1);
+    layout->addLayout(memory, 4, 0, 1, 2);
+    connect(m_memoryLimit, &QSpinBox::editingFinished, this,
+            [this] { SettingsWrapper::instance().setScriptMemoryLimit(m_memoryLimit->value()); });
+
     connect(m_plugins, &QListWidget::currentRowChanged, this, [this] { showPlugin(); });
     connect(m_auto, &QCheckBox::clicked, this, &ControlPanelPlugins::toggleAutoLoad);
     connect(m_action, &QPushButton::clicked, this, &ControlPanelPlugins::startOrStop);
@@ -70,6 +86,7 @@ QString ControlPanelPlugins::selectedPlugin() const {
 }
 
 void ControlPanelPlugins::load() {
+    m_memoryLimit->setValue(SettingsWrapper::instance().ScriptMemoryLimit());
     FillChoosingFirst(m_plugins, PluginHost::PluginFiles());
     showPlugin();
 }

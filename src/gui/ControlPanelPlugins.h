@@ -7,11 +7,12 @@ class QLabel;
 class QListView;
 class QListWidget;
 class QPushButton;
+class QSpinBox;
 
 // "Manage Plugins:": the plug-in files of the Plugins folder, whether each
 // loads at start, its description, and starting or stopping it now. Below,
 // the entries that running plug-ins offer; a double click hands one to its
-// plug-in.
+// plug-in. At the foot, the memory each script or plug-in may use.
 class ControlPanelPlugins : public ControlPanelPage {
     Q_OBJECT
 public:
@@ -33,4 +34,5 @@ private:
     QCheckBox* m_auto;
     QLabel* m_description;
     QListView* m_options;
+    QSpinBox* m_memoryLimit;
 };

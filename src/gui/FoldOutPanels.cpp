@@ -101,7 +101,7 @@ void FoldOutPanels::refreshInformation() {
         QStringLiteral("Operating System: ") + m.OperatingSystem,
         QStringLiteral("Country: ") + m.CountryName,
         QStringLiteral("Language: ") + m.LanguageName,
-        QStringLiteral("Windows Username: ") + qEnvironmentVariable("USER"),
+        QStringLiteral("Windows Username: ") + m.UserName,
         QStringLiteral("Bot Path: ") + GetProgramFolder(),
         QStringLiteral("Settings Path: ") + GetSettingsPath(),
     }
@@ -214,13 +214,22 @@ QWidget* FoldOutPanels::makeMusic() {
 }
 
 QWidget* FoldOutPanels::makePlugins() {
+    auto* body = new QWidget;
+    auto* column = new QVBoxLayout(body);
+    column->setContentsMargins(0, 0, 0, 0);
+    QToolButton* view = linkButton(QStringLiteral("View/load plugins"),
+                                   QStringLiteral("The plug-ins page of the control panel"));
+    view->setObjectName(QStringLiteral("guiViewPlugins"));
+    connect(view, &QToolButton::clicked, this, &FoldOutPanels::pluginSettingsRequested);
+    column->addWidget(view, 0, Qt::AlignLeft);
     m_plugins = new QTreeWidget;
     m_plugins->setObjectName(QStringLiteral("lvPlugins"));
     m_plugins->setHeaderLabels({QStringLiteral("Plug-in"), QStringLiteral("Events")});
     m_plugins->setRootIsDecorated(false);
     m_plugins->setMinimumWidth(220);
     m_plugins->header()->setStretchLastSection(true);
-    return framed(QStringLiteral("Plugins"), m_plugins, QStringLiteral("guiPlugins"));
+    column->addWidget(m_plugins, 1);
+    return framed(QStringLiteral("Plugins"), body, QStringLiteral("guiPlugins"));
 }
 
 void FoldOutPanels::refreshPlugins() {

@@ -49,6 +49,8 @@ Q_SIGNALS:
     void musicUsed();
     // The music panel's "Settings".
     void mediaSettingsRequested();
+    // The plug-ins panel's "View/load plugins".
+    void pluginSettingsRequested();
 
 private:
     QWidget* makeInformation();

@@ -33,6 +33,10 @@ QChar escapeLetter(const QKeyEvent* event) {
 SendBox::SendBox(QWidget* parent) : QComboBox(parent) {
     setObjectName(QStringLiteral("cboSend"));
     setEditable(true);
+    // What is sent is what was typed: an editable box would otherwise finish
+    // a line that starts an earlier one with the rest of that line. The
+    // history stays on the arrow keys and the drop-down.
+    setCompleter(nullptr);
     setInsertPolicy(QComboBox::NoInsert);
     setMaxCount(kHistoryLength);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
@@ -57,7 +61,23 @@ void SendBox::enter() {
     const QString text = currentText();
     if (slot <= 0 || text.isEmpty()) return;
     send(slot, text);
+    startNewLine();
+}
+
+void SendBox::startNewLine() {
+    setCurrentIndex(-1);
     clearEditText();
+}
+
+// Up goes back through the history, Down forward again to an empty line.
+void SendBox::walkHistory(int step) {
+    const int next = currentIndex() + step;
+    if (next >= count()) return;
+    if (next < 0) {
+        startNewLine();
+        return;
+    }
+    setCurrentIndex(next);
 }
 
 void SendBox::pasteText(const QString& text) {
@@ -71,12 +91,17 @@ void SendBox::pasteText(const QString& text) {
     for (const QString& line : text.split(lineEnd)) {
         if (!line.isEmpty()) send(slot, line);
     }
-    clearEditText();
+    startNewLine();
 }
 
 bool SendBox::handleKey(QKeyEvent* event) {
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
         enter();
+        return true;
+    }
+    if (event->modifiers() == Qt::NoModifier &&
+        (event->key() == Qt::Key_Up || event->key() == Qt::Key_Down)) {
+        walkHistory(event->key() == Qt::Key_Up ? 1 : -1);
         return true;
     }
     if (const QChar letter = escapeLetter(event); !letter.isNull()) {

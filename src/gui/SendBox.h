@@ -3,7 +3,7 @@
 #include <QComboBox>
 
 // The input box under the chat: an editable line with the sent lines as its
-// drop-down history, newest first. Enter sends the line to the active slot,
+// drop-down history, newest first; Up and Down walk through it. Enter sends the line to the active slot,
 // Ctrl+I, Ctrl+B, Ctrl+U and Ctrl+S put the colour escapes at the caret, and
 // a pasted text of several lines sends each line. The console sends nothing.
 class SendBox : public QComboBox {
@@ -28,5 +28,8 @@ protected:
 private:
     // The slot's send road, then the history.
     void send(int slot, const QString& text);
+    // An empty box, with no line of the history chosen.
+    void startNewLine();
+    void walkHistory(int step);
     bool handleKey(QKeyEvent* event);
 };

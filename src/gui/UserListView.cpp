@@ -3,6 +3,7 @@
 #include "chat/BotElement.h"
 #include "commands/AliasesAndGroups.h"
 #include "commands/BlocksAndFilters.h"
+#include "gui/ClanMemberMenu.h"
 #include "gui/IconPainter.h"
 #include "platform/ListModel.h"
 #include "presentation/UserColors.h"
@@ -200,9 +201,10 @@ void UserListView::lookupProfile(int slot, const QString& name) {
 
 QMenu* UserListView::contextMenu() {
     const QString user = selectedUser();
-    if (user.isEmpty() || m_kind != Kind::Users) return nullptr;
+    if (user.isEmpty() || m_kind == Kind::Friends) return nullptr;
     // Made anew each time: the captions and the user change.
     delete m_menu;
+    if (m_kind == Kind::Clan) return m_menu = ClanMemberMenu(m_slot, user, this);
     m_menu = new QMenu(this);
     m_menu->setObjectName(QStringLiteral("mnuRclick"));
     const int slot = m_slot;

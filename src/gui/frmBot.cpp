@@ -22,9 +22,11 @@
 #include "media/SongWrapper.h"
 #include "platform/ChatDocument.h"
 #include "platform/ListModel.h"
+#include "plugins/PluginMainForm.h"
 #include "presentation/ChatWriter.h"
 #include "presentation/Theme.h"
 #include "session/MachineFacts.h"
+#include "session/DisconnectBot.h"
 #include "session/SlotTable.h"
 #include "shell/DesktopShell.h"
 #include "social/ClanPacket.h"
@@ -153,6 +155,8 @@ frmBot::frmBot(QWidget* parent) : QMainWindow(parent) {
     // The media page of the control panel.
     connect(m_panels, &FoldOutPanels::mediaSettingsRequested, this,
             [this] { openControlPanel(7); });
+    connect(m_panels, &FoldOutPanels::pluginSettingsRequested, this,
+            [this] { openControlPanel(17); });
     ConnectSocialForms(this);
     connect(&table, &SlotTable::channelListChanged, this, [this](int index) {
         if (index == SlotTable::instance().CurrentIndex()) DisplayChannels();
@@ -172,12 +176,24 @@ frmBot::frmBot(QWidget* parent) : QMainWindow(parent) {
         Qt::QueuedConnection);
     connect(&DesktopShell::instance(), &DesktopShell::clipboardTextOffered, this,
             [](const QString& text) { QApplication::clipboard()->setText(text); });
+    // The start and the stop hand the window its own steps.
+    connect(&DesktopShell::instance(), &DesktopShell::fontsRequested, this, &frmBot::LoadFonts);
+    connect(&DesktopShell::instance(), &DesktopShell::controlPropertiesRequested, this, [this] {
+        applyLayout();
+        refreshMenuMarks();
+    });
+    connect(&DesktopShell::instance(), &DesktopShell::formsKillRequested, this, [this] {
+        for (QWidget* form : findChildren<QWidget*>()) {
+            if (form->isWindow() && form->isVisible()) form->close();
+        }
+    });
     m_desktop = new DesktopIntegration(this, IconPainter::icon(IconPainter::Program), m_mnuSysTray);
     connect(&TimedEvents::instance(), &TimedEvents::statusChanged, this, &frmBot::onStatusChanged);
     connect(&SettingsWrapper::instance(), &SettingsWrapper::settingChanged, this,
             &frmBot::onSettingChanged);
     connect(&ThemeEvents::instance(), &ThemeEvents::styleSheetChosen, this, &frmBot::applyTheme);
     connect(&ThemeEvents::instance(), &ThemeEvents::themeLoaded, this, &frmBot::applyBackColor);
+    connectPluginRequests();
 
     m_tmrUpdate = new QTimer(this);
     m_tmrUpdate->setInterval(1000);
@@ -194,6 +210,18 @@ frmBot::frmBot(QWidget* parent) : QMainWindow(parent) {
 }
 
 frmBot::~frmBot() = default;
+
+// What plug-ins ask of the main form that only the window can do.
+void frmBot::connectPluginRequests() {
+    PluginMainForm& form = PluginMainForm::instance();
+    connect(&form, &PluginMainForm::resetRequested, this, &frmBot::tmrUpdate_Timer);
+    connect(&form, &PluginMainForm::listRequested, this, [this](const QString& list) {
+        SelectedList = list;
+        SelectList();
+    });
+    connect(&form, &PluginMainForm::channelsRequested, this, &frmBot::DisplayChannels);
+    connect(&form, &PluginMainForm::fontsRequested, this, &frmBot::LoadFonts);
+}
 
 // Menus ---------------------------------------------------------------------
 
@@ -248,6 +276,9 @@ QMenu* frmBot::buildBotMenu() {
                                           [this] { LookupProfile(this); });
     lookup->setObjectName(QStringLiteral("mnuLookupProfile"));
     lookup->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_L));
+    buildSendMessageActions();
+    m_mnuBot->addAction(m_mnuSendMessage);
+    m_mnuBot->addAction(m_mnuSendMessage4All);
 
     QMenu* request = m_mnuBot->addMenu(QStringLiteral("Request"));
     request->setObjectName(QStringLiteral("mnuRequest"));
@@ -443,7 +474,39 @@ void frmBot::openHelpPage(const QString& path) {
                   QStringLiteral("No program of this desktop opens ") + path + u'.');
 }
 
-// The tray icon's menu. Its lines go out at once, past the queue.
+// "Send message" and "Send message for all", in the tray's menu and in the
+// Bot menu alike (a desktop may have no tray). Their lines are typed lines:
+// they take the send queue, so flood control holds for them too.
+void frmBot::buildSendMessageActions() {
+    m_mnuSendMessage = new QAction(QStringLiteral("Send message"), this);
+    m_mnuSendMessage->setObjectName(QStringLiteral("mnuSendMessage"));
+    connect(m_mnuSendMessage, &QAction::triggered, this, [this] {
+        const int slot = SlotTable::instance().CurrentIndex();
+        if (slot == 0) {
+            WriteChat(0, Status::Error, QStringLiteral("There is no profile on screen to send to."));
+            return;
+        }
+        askInTurn(this, QStringLiteral("Enter message..."),
+                  {{QStringLiteral("Enter message to send for profile: ") + Bots(slot).Profile(),
+                    QString()}},
+                  [slot](const QStringList& a) {
+                      if (Bots(slot).IsLoaded) SendUserLine(slot, a[0]);
+                  });
+    });
+    m_mnuSendMessage4All = new QAction(QStringLiteral("Send message for all"), this);
+    m_mnuSendMessage4All->setObjectName(QStringLiteral("mnuSendMessage4All"));
+    connect(m_mnuSendMessage4All, &QAction::triggered, this, [this] {
+        askInTurn(this, QStringLiteral("Enter message..."),
+                  {{QStringLiteral("Enter message to send for all profiles"), QString()}},
+                  [](const QStringList& a) {
+                      SlotTable& table = SlotTable::instance();
+                      for (int i = 1; i <= table.highestIndex(); ++i)
+                          if (Bots(i).IsLoaded && Bots(i).Online()) SendUserLine(i, a[0]);
+                  });
+    });
+}
+
+// The tray icon's menu.
 void frmBot::buildTrayMenu() {
     m_mnuSysTray = new QMenu(this);
     m_mnuSysTray->setObjectName(QStringLiteral("mnuSysTray"));
@@ -453,35 +516,8 @@ void frmBot::buildTrayMenu() {
         ->setObjectName(QStringLiteral("mnuRestore"));
     m_mnuSysTray->addAction(QStringLiteral("Lookup profile"), this,
                             [this] { LookupProfile(this); });
-    m_mnuSysTray
-        ->addAction(QStringLiteral("Send message"), this,
-                    [this] {
-                        const int slot = SlotTable::instance().CurrentIndex();
-                        if (slot == 0) {
-                            WriteChat(0, Status::Error,
-                                      QStringLiteral("There is no profile on screen to send to."));
-                            return;
-                        }
-                        askInTurn(this, QStringLiteral("Enter message..."),
-                                  {{QStringLiteral("Enter message to send for profile: ") +
-                                        Bots(slot).Profile(),
-                                    QString()}},
-                                  [slot](const QStringList& a) { SendChatLine(slot, a[0]); });
-                    })
-        ->setObjectName(QStringLiteral("mnuSendMessage"));
-    m_mnuSysTray
-        ->addAction(QStringLiteral("Send message for all"), this,
-                    [this] {
-                        askInTurn(this, QStringLiteral("Enter message..."),
-                                  {{QStringLiteral("Enter message to send for all profiles"),
-                                    QString()}},
-                                  [](const QStringList& a) {
-                                      SlotTable& table = SlotTable::instance();
-                                      for (int i = 1; i <= table.highestIndex(); ++i)
-                                          if (Bots(i).Online()) SendChatLine(i, a[0]);
-                                  });
-                    })
-        ->setObjectName(QStringLiteral("mnuSendMessage4All"));
+    m_mnuSysTray->addAction(m_mnuSendMessage);
+    m_mnuSysTray->addAction(m_mnuSendMessage4All);
     m_mnuSysTray->addSeparator();
     m_mnuSysTray
         ->addAction(QStringLiteral("Exit"), this,
@@ -632,11 +668,7 @@ void frmBot::connectSlot(int slot) {
 }
 
 void frmBot::disconnectSlot(int slot) {
-    if (slot <= 0) return;
-    BotElement& bot = Bots(slot);
-    bot.CanConnect = false;
-    bot.setOnline(false);
-    bot.Connection.KillSocket(slot);
+    DisconnectBot(slot);
 }
 
 // Layout --------------------------------------------------------------------

@@ -106,10 +106,12 @@ protected:
 
 private:
     void buildMenus();
+    void connectPluginRequests();
     QMenu* buildBotMenu();
     QMenu* buildViewMenu();
     QMenu* buildWindowMenu();
     QMenu* buildHelpMenu();
+    void buildSendMessageActions();
     void buildTrayMenu();
     void openHelpPage(const QString& path);
     void buildProfileMenus();
@@ -156,6 +158,8 @@ private:
     QMenu* m_mnuBot = nullptr;
     QMenu* m_mnuHelp = nullptr;
     QMenu* m_mnuSysTray = nullptr;
+    QAction* m_mnuSendMessage = nullptr;
+    QAction* m_mnuSendMessage4All = nullptr;
     DesktopIntegration* m_desktop = nullptr;
     QMenu* m_mnuProfileClick = nullptr;
     QMenu* m_mnuProfileAdd = nullptr;

@@ -22,26 +22,6 @@ QHash<int, QPointer<frmClanCreator>>& forms() {
     return byslot;
 }
 
-struct Outcome {
-    int result;
-    const char* text;
-    quint32 colour;
-};
-
-constexpr Outcome kStep1[] = {{0, "Continue on to Step2!", 65280},
-                              {1, "Clan channel is already taken!", 255},
-                              {8, "This cdkey is clanned!", 255},
-                              {10, "Invalid clan tag specified!", 255}};
-constexpr Outcome kStep2[] = {{0, "Success, everyone accepted invitation!", 65280},
-                              {4, "Failed, not everyone accepted the invitation!", 255},
-                              {5, "Not available, not in channel or already in a clan!", 255}};
-
-const Outcome* findOutcome(const Outcome* begin, const Outcome* end, int result) {
-    for (const Outcome* o = begin; o != end; ++o)
-        if (o->result == result) return o;
-    return nullptr;
-}
-
 // A label that acts like its step's button when clicked.
 QLabel* clickable(const QString& text, QObject* owner, std::function<void()> action) {
     auto* label = new QLabel(QStringLiteral("<a href=\"#\">") + text + QStringLiteral("</a>"));
@@ -119,6 +99,10 @@ QWidget* frmClanCreator::makeStep2() {
     lblStep2->setObjectName(QStringLiteral("lblStep2"));
     layout->addWidget(lblStep2);
     layout->addWidget(Step2Result);
+    // Back to the tag, to look for candidates again.
+    QLabel* back = clickable(QStringLiteral("Search again"), this, [this] { Step1(); });
+    back->setObjectName(QStringLiteral("lblSearchAgain"));
+    layout->addWidget(back);
     return page;
 }
 
@@ -131,7 +115,8 @@ void frmClanCreator::Step2() {
 }
 
 void frmClanCreator::setResult(QLabel* label, const QString& text, quint32 colour) {
-    // Colours are red in the low byte.
+    // Colours are red in the low byte, and 0 means white.
+    if (colour == 0) colour = 0xFFFFFF;
     label->setText(text);
     label->setStyleSheet(QStringLiteral("color: rgb(%1, %2, %3);")
                              .arg(colour & 0xFF)
@@ -164,7 +149,7 @@ void frmClanCreator::Command2() {
 
 void frmClanCreator::candidatesFound(int Index, int Result, const QStringList& Names) {
     if (Index != m_index) return;
-    const Outcome* o = findOutcome(std::begin(kStep1), std::end(kStep1), Result);
+    const ClanNotices::Outcome* o = ClanNotices::outcome(0x70, Result);
     if (!o) return;
     setResult(Step1Result, QLatin1String(o->text), o->colour);
     if (Result != 0) return;
@@ -179,6 +164,6 @@ void frmClanCreator::candidatesFound(int Index, int Result, const QStringList& N
 
 void frmClanCreator::foundingAnswered(int Index, int Result) {
     if (Index != m_index) return;
-    if (const Outcome* o = findOutcome(std::begin(kStep2), std::end(kStep2), Result))
+    if (const ClanNotices::Outcome* o = ClanNotices::outcome(0x71, Result))
         setResult(Step2Result, QLatin1String(o->text), o->colour);
 }

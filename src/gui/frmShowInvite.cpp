@@ -15,9 +15,7 @@ frmShowInvite::frmShowInvite(const ClanInvitation& Invitation, QWidget* parent)
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(Bots(Invitation.Index).Profile() + QStringLiteral(" - Clan Invitation"));
     // Worded as the chat line of the same packet.
-    auto* what = new QLabel(Invitation.Kind == 1
-                                ? QStringLiteral("You have been invited to join a clan.")
-                                : QStringLiteral("You have been invited to help create a clan."));
+    auto* what = new QLabel(ClanNotices::invitationText(Invitation.Kind) + u'.');
     ClanName = new QLabel(Invitation.ClanName);
     ClanName->setObjectName(QStringLiteral("ClanName"));
     ClanInviter = new QLabel(Invitation.Inviter);

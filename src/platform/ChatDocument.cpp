@@ -82,6 +82,23 @@ QString ChatDocument::textFrom(int from) const {
     return out;
 }
 
+std::vector<TextRun> ChatDocument::runsBetween(int from, int to) const {
+    std::vector<TextRun> out;
+    from = std::max(0, from);
+    to = std::min(to, m_length);
+    if (from >= to) return out;
+    auto [index, start] = locate(from);
+    for (size_t i = index; i < m_runs.size() && start < to; ++i) {
+        const TextRun& run = m_runs[i];
+        const int end = start + int(run.text.size());
+        const int a = std::max(from, start);
+        const int b = std::min(to, end);
+        if (a < b) out.push_back({run.text.mid(a - start, b - a), run.format});
+        start = end;
+    }
+    return out;
+}
+
 void ChatDocument::append(QStringView text, const CharFormat& format) {
     if (text.isEmpty())
         return;
@@ -99,6 +116,7 @@ void ChatDocument::append(QStringView text, const CharFormat& format) {
 }
 
 void ChatDocument::clear() {
+    if (m_length > 0) Q_EMIT aboutToClear();
     m_runs.clear();
     m_escapes.clear();
     m_length = 0;

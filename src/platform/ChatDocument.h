@@ -37,6 +37,8 @@ public:
     // The text from `from` to the end.
     QString textFrom(int from) const;
     const std::vector<TextRun>& runs() const { return m_runs; }
+    // The runs of [from, to), cut at both ends.
+    std::vector<TextRun> runsBetween(int from, int to) const;
     // The character at `pos`; a null character outside the text.
     QChar at(int pos) const;
     // The format of the character at `pos`; the default outside the text.
@@ -66,6 +68,8 @@ public:
 Q_SIGNALS:
     // Everything from `from` to the end may differ from what was shown.
     void changed(int from);
+    // The text is about to go: the last chance to read what was written.
+    void aboutToClear();
     void cleared();
 
 private:

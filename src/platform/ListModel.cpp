@@ -123,9 +123,9 @@ QVariant ListModel::data(const QModelIndex& index, int role) const {
     case IconKeyRole:
         return sub ? it.subIconKey : it.iconKey;
     case ColorRole:
-        return it.color;
+        return sub ? it.subColor.value_or(it.color) : it.color;
     case TagRole:
-        return it.tag;
+        return sub ? it.subTag : it.tag;
     case Qt::ToolTipRole: {
         const QString& tip = sub ? it.subToolTip : it.toolTip;
         return tip.isEmpty() ? QVariant() : QVariant(tip);

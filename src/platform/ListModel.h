@@ -5,6 +5,7 @@
 #include <QAbstractTableModel>
 #include <QHash>
 #include <QString>
+#include <optional>
 #include <vector>
 
 // One row of a list view: the text, the key of its small icon, its colour, a
@@ -16,6 +17,9 @@ struct ListItem {
     QString tag;
     QString subText;
     QString subIconKey;
+    // The sub-item's own tag, and its colour when it differs from the item's.
+    QString subTag;
+    std::optional<quint32> subColor;
     QString toolTip;
     QString subToolTip;
     // A look-up key of the owner's choosing; the model counts the items of

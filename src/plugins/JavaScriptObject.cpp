@@ -4,6 +4,7 @@
 #include "plugins/objPlugin.h"
 
 #include <QHash>
+#include <new>
 
 namespace {
 
@@ -81,15 +82,43 @@ void JavaScriptObject::raiseIfError(const QJSValue& value) {
     throw PluginCallError(text);
 }
 
+JavaScriptObject::InterpreterOnly::InterpreterOnly() {
+    // The engine reads it once, as the process makes its first engine.
+    if (!qEnvironmentVariableIsSet("QV4_FORCE_INTERPRETER")) qputenv("QV4_FORCE_INTERPRETER", "1");
+}
+
 QJSValue JavaScriptObject::watched(const std::function<QJSValue()>& run) {
+    if (spent()) throw PluginCallError(stoppedBecause());
     ScriptWatchdog& watchdog = ScriptWatchdog::instance();
-    watchdog.enter(&m_engine);
-    const QJSValue result = run();
-    if (watchdog.leave(&m_engine))
+    watchdog.enter(&m_engine, m_footprint);
+    QJSValue result;
+    try {
+        result = run();
+    } catch (const std::bad_alloc&) {
+        watchdog.leave(&m_engine);
+        // The engine was left mid-call: it is never entered again.
+        stopIfOverMemory(true);
+    }
+    switch (watchdog.leave(&m_engine)) {
+    case ScriptWatchdog::Outcome::TimedOut:
         throw PluginCallError(QStringLiteral("it ran longer than ") +
                               QString::number(ScriptWatchdog::kBoundMs / 1000) +
                               QStringLiteral(" seconds and was stopped"));
+    case ScriptWatchdog::Outcome::OverMemory:
+        stopIfOverMemory();
+        break;
+    case ScriptWatchdog::Outcome::Finished:
+        if (!watchdog.settle(&m_engine, m_footprint)) stopIfOverMemory();
+        break;
+    }
     return result;
+}
+
+void JavaScriptObject::stopIfOverMemory(bool allocationFailed) {
+    if (!allocationFailed && !m_footprint.over.load()) return;
+    markSpent(m_footprint.over.load() ? ScriptWatchdog::overMemoryText()
+                                      : QStringLiteral("it ran out of memory and was stopped"));
+    throw PluginCallError(stoppedBecause());
 }
 
 void JavaScriptObject::load(const QString& code, const QString& fileName) {
@@ -110,6 +139,7 @@ void JavaScriptObject::installGlobals(objPlugin* plugin) {
 }
 
 bool JavaScriptObject::hasMember(const QString& member) const {
+    if (spent()) return false;
     return m_engine.globalObject().property(member).isCallable();
 }
 
@@ -123,6 +153,7 @@ QJSValue JavaScriptObject::toScript(const QVariant& value) {
 }
 
 QVariant JavaScriptObject::call(const QString& member, QVariantList& args) {
+    if (spent()) throw PluginCallError(stoppedBecause());
     QJSValue function = m_engine.globalObject().property(member);
     if (!function.isCallable()) {
         if (m_missing == MissingIsSilent) return {};

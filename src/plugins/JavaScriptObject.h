@@ -1,6 +1,7 @@
 #pragma once
 
 #include "plugins/PluginObject.h"
+#include "plugins/ScriptWatchdog.h"
 
 #include <QJSEngine>
 #include <QJSValue>
@@ -16,8 +17,10 @@ class objPlugin;
 // named like the arguments, e.g. `return { Message: "" }`. Any other result
 // changes nothing.
 //
-// A call that runs past ScriptWatchdog's bound is stopped and raises an error
-// of that call.
+// A call that runs past ScriptWatchdog's time bound is stopped and raises an
+// error of that call. One that passes the memory cap, or whose allocation
+// fails, is stopped too and the object is spent: it takes no more calls and
+// the host unloads it, which frees its engine.
 class JavaScriptObject : public PluginObject {
 public:
     enum MissingMember { MissingIsError, MissingIsSilent };
@@ -37,14 +40,22 @@ public:
     static QString missingMemberText(const QString& member);
 
 private:
-    // Runs engine work under the watchdog; throws when the bound stopped it.
+    // Runs engine work under the watchdog; throws when a bound stopped it.
     QJSValue watched(const std::function<QJSValue()>& run);
+    // Throws, marking the object spent, when it is past its memory cap.
+    void stopIfOverMemory(bool allocationFailed = false);
     QJSValue toScript(const QVariant& value);
     QJSValue wrapPlugin(objPlugin* plugin);
     // Throws PluginCallError for an error value; returns otherwise.
     static void raiseIfError(const QJSValue& value);
     static void takeBack(const QString& member, const QJSValue& result, QVariantList& args);
 
+    // The engine runs its code in the interpreter: a failed allocation then
+    // unwinds as a C++ exception to the call, which compiled code cannot do.
+    struct InterpreterOnly {
+        InterpreterOnly();
+    } m_interpreterOnly;
     QJSEngine m_engine;
     MissingMember m_missing;
+    ScriptFootprint m_footprint;
 };

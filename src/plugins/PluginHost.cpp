@@ -5,6 +5,7 @@
 #include "platform/ListModel.h"
 #include "platform/MediaControl.h"
 #include "plugins/PluginMainForm.h"
+#include "plugins/ProcessMemory.h"
 #include "plugins/objPlugin.h"
 #include "presentation/ChatWriter.h"
 
@@ -30,7 +31,7 @@ const QString kAutoLoad = QStringLiteral("AutoLoad");
 // an event's arguments only for such a plug-in: frames and chat events come
 // by the thousand, and mostly nobody listens.
 bool takes(const PluginRecord& p, PluginHost::Flag kind) {
-    return !p.Name.isEmpty() && (p.Flags & kind) && p.Object;
+    return !p.Name.isEmpty() && (p.Flags & kind) && p.Object && !p.Object->spent();
 }
 
 } // namespace
@@ -72,7 +73,8 @@ bool PluginHost::isLoaded(const QString& name) const {
 }
 
 int PluginHost::failed(int stage, const QString& line, const PluginCallError& error) {
-    redLine(line + error.description());
+    m_lastFailure = line + error.description();
+    redLine(m_lastFailure);
     return stage;
 }
 
@@ -172,6 +174,39 @@ int PluginHost::StopPlugin(const QString& name) {
     return 0;
 }
 
+void PluginHost::unloadSpentSoon() {
+    if (m_unloadPending) return;
+    m_unloadPending = true;
+    // The senders walk the table while a plug-in runs: it changes after.
+    QTimer::singleShot(0, [this] { unloadSpent(); });
+}
+
+void PluginHost::unloadSpent() {
+    m_unloadPending = false;
+    const auto why = [](const PluginObject& object) {
+        return QStringLiteral(" is unloaded and its memory freed: ") + object.stoppedBecause() +
+               u'.';
+    };
+    bool any = false;
+    for (size_t i = 1; i < m_plugins.size();) {
+        const PluginRecord& p = m_plugins[i];
+        if (!p.Object || !p.Object->spent()) {
+            ++i;
+            continue;
+        }
+        redLine(QStringLiteral("Error -> Plugin ") + p.Name + why(*p.Object));
+        m_plugins.erase(m_plugins.begin() + qsizetype(i));
+        any = true;
+    }
+    if (m_script && m_script->spent()) {
+        redLine(QStringLiteral("Error -> Script.txt") + why(*m_script) +
+                QStringLiteral(" It runs again at the next start."));
+        m_script.reset();
+        any = true;
+    }
+    if (any) ProcessMemory::ReturnFreedMemory();
+}
+
 QString PluginHost::Description(const QString& name) {
     try {
         if (m_factory) {
@@ -258,7 +293,7 @@ void PluginHost::sendSocketEvent(const QString& member, const MakeArgs& makeArgs
 
 void PluginHost::RunScript(int /*Index*/, const QString& sub, QVariantList args,
                            const QString& lineName) {
-    if (!m_script) return;
+    if (!m_script || m_script->spent()) return;
     try {
         m_script->call(sub, args);
     } catch (const PluginCallError& e) {

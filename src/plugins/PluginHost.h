@@ -36,6 +36,10 @@ public:
     // The loader of plug-in files sets it; until then nothing can start.
     using Factory = std::function<std::shared_ptr<PluginObject>(const QString& name)>;
     void setFactory(Factory factory) { m_factory = std::move(factory); }
+    // Whether plug-ins can be started here: only a running bot has a loader.
+    bool canStart() const { return bool(m_factory); }
+    // The red line of the last start or stop that failed.
+    const QString& lastFailure() const { return m_lastFailure; }
 
     // The base names of the plug-in files in the Plugins folder of the
     // program, in name order.
@@ -57,6 +61,10 @@ public:
     // Calls its Shutdown and takes it out of the table; the later plug-ins
     // move down one slot. 0 also when no plug-in has that name.
     int StopPlugin(const QString& name);
+    // Once the event in progress is over: every plug-in, and the script,
+    // stopped for good for its memory is unloaded with a red line naming it,
+    // and the memory it held is handed back to the system.
+    void unloadSpentSoon();
     // What a separate object of the plug-in says of itself; the words of the
     // Plugins page when it cannot.
     QString Description(const QString& name);
@@ -112,9 +120,13 @@ private:
     // What Startup receives: the main form and the given objPlugin.
     static QVariantList startupArguments(objPlugin* plugin);
     // Shows a red console line and gives the stage of a failed start or stop.
-    static int failed(int stage, const QString& line, const PluginCallError& error);
+    int failed(int stage, const QString& line, const PluginCallError& error);
+
+    void unloadSpent();
 
     std::vector<PluginRecord> m_plugins;
+    bool m_unloadPending = false;
+    QString m_lastFailure;
     QString m_lastSong;
     std::shared_ptr<PluginObject> m_script;
     Factory m_factory;

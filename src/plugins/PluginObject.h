@@ -2,7 +2,6 @@
 
 #include <QString>
 #include <QVariant>
-
 #include <stdexcept>
 
 // What a plug-in raised; its text is the error's description.
@@ -20,4 +19,16 @@ public:
     virtual ~PluginObject() = default;
     // Arguments passed by reference may be changed in place.
     virtual QVariant call(const QString& member, QVariantList& args) = 0;
+
+    // It was stopped for good (it took too much memory): it takes no more
+    // calls, and the host unloads it as soon as the call in progress is over.
+    bool spent() const { return !m_stopped.isEmpty(); }
+    // Why, in the words of an error of a call: "it used more than ...".
+    const QString& stoppedBecause() const { return m_stopped; }
+
+protected:
+    void markSpent(const QString& because);
+
+private:
+    QString m_stopped;
 };

@@ -1,13 +1,11 @@
 #include "plugins/SharedObjectPlugin.h"
 
+#define CORVANTIDE_HOST
 #include "corvantide/plugin.h"
 #include "plugins/JavaScriptObject.h"
-#include "plugins/PluginHost.h"
-#include "plugins/PluginMainForm.h"
-#include "plugins/objCache.h"
-#include "plugins/objPlugin.h"
+#include "plugins/NativeHostTable.h"
 
-#include <cstring>
+#include <cstddef>
 #include <vector>
 
 namespace {
@@ -15,50 +13,8 @@ namespace {
 // Room a plug-in has to rewrite a text argument.
 constexpr qsizetype kTextRoom = 4096;
 
-objPlugin& plugin() {
-    static auto* object = new objPlugin(&PluginMainForm::instance());
-    return *object;
-}
-
-objCache& cache() {
-    return *static_cast<objCache*>(plugin().Cache());
-}
-
-// Keeps a text the host hands out alive until the next call.
-const char* handOut(const QString& text) {
-    static QByteArray kept;
-    kept = text.toUtf8();
-    return kept.constData();
-}
-
-const corvantide_host& hostTable() {
-    static const corvantide_host table{
-        CORVANTIDE_PLUGIN_VERSION,
-        [](const char* name, uint32_t flags) {
-            PluginHost::instance().RegisterPlugin(QString::fromUtf8(name), flags);
-        },
-        [](const char* owner, const char* name, int icon, int arg) {
-            PluginHost::instance().AddOption(QString::fromUtf8(owner), QString::fromUtf8(name),
-                                             icon, arg);
-        },
-        [](const char* owner, int arg) {
-            return int(PluginHost::instance().DeleteOption(QString::fromUtf8(owner), arg));
-        },
-        [] { return plugin().BotIndex(); },
-        [](int index, int count, const uint32_t* colours, const char* const* texts) {
-            QVariantList pairs;
-            for (int i = 0; i < count; ++i)
-                pairs << colours[i] << QString::fromUtf8(texts[i]);
-            plugin().AddText(index, pairs);
-        },
-        [](int index, const char* text) { plugin().AddQueue(index, QString::fromUtf8(text)); },
-        [](int i) { return int(cache().BotOnline(i)); },
-        [](int i) { return handOut(cache().BotName(i)); },
-        [](int i) { return handOut(cache().BotChannel(i)); },
-        [](int i) { return cache().UserCount(i); },
-    };
-    return table;
-}
+// What a plug-in built before the interface had a version mark knows.
+constexpr corvantide_abi kFirstInterface{1, offsetof(corvantide_host, GetBaseName)};
 
 bool isText(const QVariant& value) {
     return value.metaType().id() == QMetaType::QString;
@@ -76,11 +32,32 @@ bool isNumber(const QVariant& value) {
 
 SharedObjectPlugin::SharedObjectPlugin(const QString& path) : m_library(path) {
     if (!m_library.load()) throw PluginCallError(m_library.errorString());
+    const auto* mark =
+        reinterpret_cast<const corvantide_abi*>(m_library.resolve("corvantide_plugin_abi"));
+    const corvantide_abi built = mark ? *mark : kFirstInterface;
+    QString refusal;
+    if (built.version > CORVANTIDE_PLUGIN_VERSION || built.host_size > sizeof(corvantide_host))
+        refusal = QStringLiteral("it was built for plug-in interface version %1, newer than this "
+                                 "bot's version %2; build it against this bot's "
+                                 "corvantide/plugin.h or update the bot")
+                      .arg(built.version)
+                      .arg(CORVANTIDE_PLUGIN_VERSION);
+    else if (built.version < 1 || built.host_size < kFirstInterface.host_size)
+        refusal = QStringLiteral("its interface mark (version %1, %2 bytes) is damaged")
+                      .arg(built.version)
+                      .arg(built.host_size);
+    if (!refusal.isEmpty()) {
+        m_library.unload();
+        throw PluginCallError(refusal);
+    }
 }
 
-SharedObjectPlugin::~SharedObjectPlugin() = default;
+SharedObjectPlugin::~SharedObjectPlugin() {
+    m_library.unload();
+}
 
 QVariant SharedObjectPlugin::call(const QString& member, QVariantList& args) {
+    if (spent()) throw PluginCallError(stoppedBecause());
     const auto function = reinterpret_cast<corvantide_member>(m_library.resolve(member.toLatin1()));
     if (!function) throw PluginCallError(JavaScriptObject::missingMemberText(member));
 
@@ -103,10 +80,23 @@ QVariant SharedObjectPlugin::call(const QString& member, QVariantList& args) {
         }
     }
     corvantide_call call{};
-    call.host = &hostTable();
+    call.host = &NativeHostTable();
     call.argc = int(values.size());
     call.argv = values.data();
-    if (function(&call) != 0) {
+    // Native code cannot be interrupted: the time bound does not hold it, and
+    // passing its memory cap stops it when the member returns.
+    ScriptWatchdog& watchdog = ScriptWatchdog::instance();
+    static int depth = 0;
+    watchdog.enter(nullptr, m_footprint);
+    ++depth;
+    const int status = function(&call);
+    if (--depth == 0) ReleaseHandedOutTexts();
+    if (watchdog.leave(nullptr) == ScriptWatchdog::Outcome::OverMemory ||
+        !watchdog.settle(nullptr, m_footprint)) {
+        markSpent(ScriptWatchdog::overMemoryText());
+        throw PluginCallError(stoppedBecause());
+    }
+    if (status != 0) {
         call.error[sizeof call.error - 1] = '\0';
         throw PluginCallError(QString::fromUtf8(call.error));
     }

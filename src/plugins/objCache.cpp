@@ -76,7 +76,7 @@ QString objCache::CpuOS() const {
 }
 
 QString objCache::CpuName() const {
-    return qEnvironmentVariable("USER");
+    return Machine().ProcessorName;
 }
 
 QString objCache::CpuLanguage() const {

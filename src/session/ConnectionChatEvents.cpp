@@ -6,6 +6,7 @@
 #include "commands/AliasesAndGroups.h"
 #include "commands/BlocksAndFilters.h"
 #include "commands/BotMail.h"
+#include "commands/ChatProfanity.h"
 #include "commands/ChatInput.h"
 #include "commands/CommandWrapper.h"
 #include "commands/DatabaseWrapper.h"
@@ -331,9 +332,10 @@ void ConnectionWrapper::Handle_ChatEvent_Talk(int Index, const QString& Username
         shown = !gated;
     }
     if (shown) {
+        const QString seen = ShownWithProfanitySettings(Text);
         ParseOutput(Index, rtbChat(Index), CurrentTheme().events.talk, EventUser::fromRaw(Username),
-                    Text, {}, Ping, Flags);
-        NotifyEvent(Index, NoticeEvent::Talk, Username, Text);
+                    seen, {}, Ping, Flags);
+        NotifyEvent(Index, NoticeEvent::Talk, Username, seen);
     }
     runScript(Index, "Event_UserTalk", {Username, Text, Flags, Ping});
 }
@@ -350,9 +352,10 @@ void ConnectionWrapper::Handle_ChatEvent_Emote(int Index, const QString& Usernam
     }
     if (settings().DecodeUTF8()) Text = DecodeUTF8(Text);
     if (!(IsBlocked(plain) || IsFiltered(Text))) {
+        const QString seen = ShownWithProfanitySettings(Text);
         ParseOutput(Index, rtbChat(Index), CurrentTheme().events.emote, EventUser::fromRaw(Username),
-                    Text, {}, Ping, Flags);
-        NotifyEvent(Index, NoticeEvent::Emote, Username, Text);
+                    seen, {}, Ping, Flags);
+        NotifyEvent(Index, NoticeEvent::Emote, Username, seen);
     }
     runScript(Index, "Event_UserEmote", {Username, Text, Flags, Ping}, "Event_Emote");
 }
@@ -372,12 +375,13 @@ void ConnectionWrapper::Handle_ChatEvent_WhisperFrom(int Index, const QString& U
     }
     if (passes && !(IsBlocked(plain) || IsFiltered(Text))) {
         ChatDocument& view = settings().WhisperPanel() ? rtbWhisper(Index) : rtbChat(Index);
-        ParseOutput(Index, view, CurrentTheme().events.whisperfrom, EventUser::fromRaw(Username), Text,
+        const QString seen = ShownWithProfanitySettings(Text);
+        ParseOutput(Index, view, CurrentTheme().events.whisperfrom, EventUser::fromRaw(Username), seen,
                     {}, Ping, Flags);
         const QString trigger = bot.Config.Trigger();
         if (!Text.isEmpty() && !trigger.isEmpty() && Text[0] == trigger[0])
             CommandWrapper().SearchCommands(Index, Username, Text.mid(1), false);
-        NotifyEvent(Index, NoticeEvent::Whisper, Username, Text);
+        NotifyEvent(Index, NoticeEvent::Whisper, Username, seen);
     }
     const bool friendExited =
         matchesPattern(Text, QStringLiteral("Your friend * has exited Battle.net."));
@@ -395,8 +399,8 @@ void ConnectionWrapper::Handle_ChatEvent_WhisperTo(int Index, const QString& Use
     Bots(Index).LastWhispered = Username;
     if (settings().DecodeUTF8()) Text = DecodeUTF8(Text);
     ChatDocument& view = settings().WhisperPanel() ? rtbWhisper(Index) : rtbChat(Index);
-    ParseOutput(Index, view, CurrentTheme().events.whisperto, EventUser::fromRaw(Username), Text, {},
-                Ping, Flags);
+    ParseOutput(Index, view, CurrentTheme().events.whisperto, EventUser::fromRaw(Username),
+                ShownWithProfanitySettings(Text), {}, Ping, Flags);
     runScript(Index, "Event_WhisperTo", {Username, Text, Flags, Ping});
 }
 

@@ -2,13 +2,25 @@
 
 #include "platform/TickCount.h"
 
+#include <QFile>
+#include <QHash>
 #include <QLocale>
-#include <QSysInfo>
 #include <QStringList>
-
+#include <QSysInfo>
+#include <pwd.h>
+#include <unistd.h>
 #include <utility>
 
 namespace {
+
+// $USER, as a login shell sets it; a service or a cron job may start the
+// program without it, and the account's entry still names the user.
+QString loginName() {
+    QString name = qEnvironmentVariable("USER");
+    if (!name.isEmpty()) return name;
+    if (const passwd* entry = getpwuid(getuid())) name = QString::fromLocal8Bit(entry->pw_name);
+    return name;
+}
 
 // Three-letter country codes for the territories Qt names with two letters.
 // A territory missing here falls back to its two-letter code.
@@ -27,18 +39,40 @@ constexpr std::pair<const char*, const char*> kCountryCodes[] = {
 
 QString threeLetterCountry(const QString& twoLetters) {
     for (const auto& [two, three] : kCountryCodes) {
-        if (twoLetters == QLatin1String(two))
-            return QString::fromLatin1(three);
+        if (twoLetters == QLatin1String(two)) return QString::fromLatin1(three);
     }
     return twoLetters;
+}
+
+// The processor as the kernel names it: "model name" on x86, else the first of
+// the names other machines give; the architecture when none is there.
+QString processorName() {
+    QFile file(QStringLiteral("/proc/cpuinfo"));
+    QHash<QString, QString> fields;
+    if (file.open(QIODevice::ReadOnly)) {
+        for (const QByteArray& line : file.readAll().split('\n')) {
+            const qsizetype colon = line.indexOf(':');
+            if (colon < 0) continue;
+            const QString key = QString::fromUtf8(line.left(colon)).trimmed().toLower();
+            if (!fields.contains(key))
+                fields.insert(key, QString::fromUtf8(line.mid(colon + 1)).simplified());
+        }
+    }
+    for (const char* key : {"model name", "hardware", "cpu model", "cpu", "processor"}) {
+        const QString value = fields.value(QString::fromLatin1(key));
+        // "processor" on x86 is only the core's number.
+        bool number = false;
+        value.toInt(&number);
+        if (!value.isEmpty() && !number) return value;
+    }
+    return QSysInfo::currentCpuArchitecture();
 }
 
 } // namespace
 
 QString MachineFacts::versionText(bool withBuild) const {
     QString text = QString::number(VersionMajor) + u'.' + QString::number(VersionMinor);
-    if (withBuild)
-        text += QStringLiteral(" (Build ") + QString::number(VersionRevision) + u')';
+    if (withBuild) text += QStringLiteral(" (Build ") + QString::number(VersionRevision) + u')';
     return text;
 }
 
@@ -55,6 +89,8 @@ void ReadMachineFacts() {
     m.VersionRevision = version.value(2).toInt();
 
     m.OperatingSystem = QSysInfo::prettyProductName();
+    m.UserName = loginName();
+    m.ProcessorName = processorName();
     m.StartTick = GetTickCount();
 
     const QLocale locale = QLocale::system();

@@ -10,6 +10,8 @@ struct MachineFacts {
     QString LanguageAbbreviation; // e.g. "ENU"
     QString LanguageName;         // in the language itself
     QString OperatingSystem;      // e.g. "Debian GNU/Linux 12 (bookworm)"
+    QString UserName;             // the login name the program runs under
+    QString ProcessorName;        // e.g. "AMD EPYC 7B13", from /proc/cpuinfo
     quint32 StartTick = 0;        // when the program started
     int VersionMajor = 0;
     int VersionMinor = 0;

@@ -46,8 +46,24 @@ QString FindProfile(const QString& name) {
     return {};
 }
 
+bool HasControlCharacter(const QString& name) {
+    for (QChar c : name) {
+        const QChar::Category kind = c.category();
+        if (kind == QChar::Other_Control || kind == QChar::Separator_Line ||
+            kind == QChar::Separator_Paragraph)
+            return true;
+    }
+    return false;
+}
+
+QString ControlCharacterRefusal() {
+    return QStringLiteral("A profile name cannot contain control characters (tabs, line breaks, "
+                          "escapes).");
+}
+
 ProfileOutcome CreateProfile(const QString& name) {
     if (name.isEmpty()) return refused(QStringLiteral("You must enter a name for the profile."));
+    if (HasControlCharacter(name)) return refused(ControlCharacterRefusal());
     for (QChar c : {u'/', u'\\', u',', u'?'}) {
         if (name.contains(c))
             return refused(QStringLiteral(
@@ -66,6 +82,7 @@ ProfileOutcome CloneProfile(const QString& from, const QString& to) {
     if (to.contains(u'\\'))
         return refused(QStringLiteral("Could not clone profile, cannot contain \\ in name!"));
     if (to.isEmpty()) return refused(QStringLiteral("Could not clone the profile, invalid name!"));
+    if (HasControlCharacter(to)) return refused(ControlCharacterRefusal());
     if (!RegistryWrapper::instance().CloneKey(profilesParent(), from, to))
         return refused(QStringLiteral("Could not clone the profile, it may already exist!"));
     SlotTable::instance().DisplayProfiles();
@@ -76,6 +93,7 @@ ProfileOutcome RenameProfile(const QString& from, const QString& to) {
     if (to.contains(u'\\'))
         return refused(QStringLiteral("Could not rename profile, cannot contain \\ in name!"));
     if (to.isEmpty()) return refused(QStringLiteral("Could not rename the profile, invalid name!"));
+    if (HasControlCharacter(to)) return refused(ControlCharacterRefusal());
     if (!RegistryWrapper::instance().RenameKey(profilesParent(), from, to))
         return refused(QStringLiteral("Could not rename the profile, it may already exist!"));
     SlotTable& table = SlotTable::instance();

@@ -25,6 +25,12 @@ QStringList ListProfiles();
 // The stored spelling of a profile compared case-blind, empty when none.
 QString FindProfile(const QString& name);
 
+// A control character (a tab, a line break, a terminal escape) in a name
+// would break the lines that show it and could steer the terminal that
+// prints it: no profile is named with one.
+bool HasControlCharacter(const QString& name);
+QString ControlCharacterRefusal();
+
 ProfileOutcome CreateProfile(const QString& name);
 ProfileOutcome CloneProfile(const QString& from, const QString& to);
 // Every slot holding the profile (case-blind) takes the new name and keeps

@@ -17,6 +17,7 @@ ShutdownSequence::ShutdownSequence() {
              DesktopShell::instance().UnregisterHideHotkey();
              DesktopShell::instance().RemoveTrayIcon();
          }},
+        {QStringLiteral("Killing forms.."), [] { DesktopShell::instance().KillForms(); }},
     };
 }
 

@@ -199,6 +199,16 @@ bool registerHotkey() {
     return true;
 }
 
+bool loadFonts() {
+    DesktopShell::instance().LoadFonts();
+    return true;
+}
+
+bool applyControlProperties() {
+    DesktopShell::instance().ApplyControlProperties();
+    return true;
+}
+
 bool countOnlineUsers() {
     DesktopShell::instance().RefreshUsersOnline();
     return true;
@@ -227,6 +237,7 @@ StartupSequence::StartupSequence() {
         {QStringLiteral("Importing script file.."), importScript},
         {QString(), openStore},
         {QStringLiteral("Registering hide/show hotkey (Alt+M)..."), registerHotkey},
+        {QStringLiteral("Applying fonts..."), loadFonts},
         {QStringLiteral("Printing welcome message..."), printWelcome},
         {QStringLiteral("Applying previous Theme.."), applyPreviousTheme},
         {QStringLiteral("Checking BNCSutil..."), checkLogonLibrary},
@@ -239,6 +250,7 @@ StartupSequence::StartupSequence() {
         {QStringLiteral("Importing Plugins.."), importPlugins},
         {QStringLiteral("Importing Profiles.."), importProfiles},
         {QStringLiteral("Importing Themes.."), importThemes},
+        {QStringLiteral("Applying control properties.."), applyControlProperties},
         {QStringLiteral("Initializing timers..."), startTimers},
         {QStringLiteral("Checking for online users..."), countOnlineUsers},
         {QStringLiteral("Checking for updates..."), checkForUpdates},

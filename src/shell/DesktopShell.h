@@ -41,6 +41,11 @@ public:
     void UnregisterHideHotkey() { Q_EMIT hideHotkeyRequested(false); }
     void RefreshUsersOnline() { Q_EMIT usersOnlineRequested(); }
     void CheckForUpdates() { Q_EMIT updateCheckRequested(); }
+    // The window's own steps: its fonts and the properties of its controls
+    // at start, and the end of its other forms at the stop.
+    void LoadFonts() { Q_EMIT fontsRequested(); }
+    void ApplyControlProperties() { Q_EMIT controlPropertiesRequested(); }
+    void KillForms() { Q_EMIT formsKillRequested(); }
 
 Q_SIGNALS:
     void quitRequested();
@@ -52,6 +57,9 @@ Q_SIGNALS:
     void hideHotkeyRequested(bool registered);
     void usersOnlineRequested();
     void updateCheckRequested();
+    void fontsRequested();
+    void controlPropertiesRequested();
+    void formsKillRequested();
 
 private:
     DesktopShell() = default;

@@ -12,6 +12,25 @@ ClanNotices& ClanNotices::instance() {
     return notices;
 }
 
+QString ClanNotices::invitationText(int Kind) {
+    return Kind == 1 ? QStringLiteral("You have been invited to help create a clan")
+                     : QStringLiteral("You have been invited to join a clan");
+}
+
+const ClanNotices::Outcome* ClanNotices::outcome(quint8 PacketID, int Result) {
+    static constexpr Outcome kOutcomes[] = {
+        {0x70, 0, "Continue on to Step2!", 65280},
+        {0x70, 1, "Clan channel is already taken!", 255},
+        {0x70, 8, "This cdkey is clanned!", 255},
+        {0x70, 10, "Invalid clan tag specified!", 255},
+        {0x71, 0, "Success, everyone accepted invitation!", 65280},
+        {0x71, 4, "Failed, not everyone accepted the invitation!", 255},
+        {0x71, 5, "Not available, not in channel or already in a clan!", 255}};
+    for (const Outcome& o : kOutcomes)
+        if (o.packet == PacketID && o.result == Result) return &o;
+    return nullptr;
+}
+
 void ClanNotices::invitationReceived(const ClanInvitation& Invitation) {
     m_pending.push_back(Invitation);
     if (isSignalConnected(QMetaMethod::fromSignal(&ClanNotices::invitation))) {

@@ -49,9 +49,13 @@ void report(int Index, const QString& text) {
     WriteChat(Index, Status::Warning, text);
 }
 
-bool refuse(int Index, const char* text) {
-    WriteChat(Index, Status::Error, QLatin1String(text));
+bool refuse(int Index, const QString& text) {
+    WriteChat(Index, Status::Error, text);
     return false;
+}
+
+bool refuse(int Index, const char* text) {
+    return refuse(Index, QLatin1String(text));
 }
 
 // A request begins with its cookie, the tick count at sending.
@@ -70,6 +74,7 @@ void sendName(int Index, quint8 PacketID, const QString& Name) {
 void dressMember(ListItem& item, quint8 Rank, bool Online) {
     const QString rankName = GetClanRankName(Rank);
     item.iconKey = QStringLiteral("ClanRank") + QString::number(std::max<int>(Rank, 1));
+    item.key = QString::number(Rank);
     item.color = Online ? StatusColor(Status::Success) : CurrentTheme().interface.ForeColor;
     item.toolTip = item.text +
                    (Rank == kChieftain ? QStringLiteral(" is the ") : QStringLiteral(" is a ")) +
@@ -91,12 +96,18 @@ void ClanPacket::install() {
 QString ClanPacket::CreateClanTag(const QString& Tag) {
     QString wire = Tag;
     std::reverse(wire.begin(), wire.end());
-    return (wire + QString(4, QChar(0))).left(4);
+    wire.truncate(4);
+    return QString(4 - wire.size(), QChar(0)) + wire;
 }
 
 QString ClanPacket::ShowClanTag(const QString& WireTag) {
-    QString tag = WireTag;
-    tag.remove(QChar(0));
+    qsizetype first = 0;
+    qsizetype last = WireTag.size();
+    while (first < last && WireTag[first].isNull())
+        ++first;
+    while (last > first && WireTag[last - 1].isNull())
+        --last;
+    QString tag = WireTag.mid(first, last - first);
     std::reverse(tag.begin(), tag.end());
     return tag;
 }
@@ -185,6 +196,60 @@ void ClanPacket::Output_MembersList(int Index) {
     request().SendPacket(Index, 0x7D);
 }
 
+bool ClanPacket::isSelf(int Index, const QString& Name) {
+    return Name.compare(Bots(Index).Config.Account(), Qt::CaseInsensitive) == 0;
+}
+
+int ClanPacket::MemberRank(int Index, const QString& Name) {
+    const int row = lvClan(Index).find(Name);
+    return row > 0 ? lvClan(Index).item(row).key.toInt() : -1;
+}
+
+ClanPacket::Rights ClanPacket::RightsOver(int Index, const QString& Name) {
+    const int member = MemberRank(Index, Name);
+    const int own = Bots(Index).ClanRank();
+    if (member < 0 || own < kShaman || member >= own || isSelf(Index, Name)) return {};
+    Rights rights;
+    rights.remove = true;
+    rights.promote = member >= 1 && member + 1 < own;
+    rights.demote = member >= 2;
+    return rights;
+}
+
+bool ClanPacket::mayAct(int Index, const QString& Name, const char* Verb, bool Rights::*Right) {
+    if (!CheckClanMember(Index)) return false;
+    const int member = MemberRank(Index, Name);
+    if (member < 0)
+        return refuse(Index, QStringLiteral("[BNET] ") + Name +
+                                 QStringLiteral(" is not a member of Clan ") + displayTag(Index) +
+                                 u'.');
+    if (RightsOver(Index, Name).*Right) return true;
+    return refuse(Index, QStringLiteral("[BNET] Cannot ") + QLatin1String(Verb) + u' ' + Name +
+                             QStringLiteral(", a ") + GetClanRankName(quint8(member)) +
+                             QStringLiteral(", as a ") + GetClanRankName(Bots(Index).ClanRank()) +
+                             u'.');
+}
+
+// The name as the clan list spells it, which is how the server knows it.
+QString ClanPacket::memberName(int Index, const QString& Name) {
+    return lvClan(Index).item(lvClan(Index).find(Name)).text;
+}
+
+void ClanPacket::Promote(int Index, const QString& Name) {
+    if (mayAct(Index, Name, "promote", &Rights::promote))
+        Output_SetRank(Index, memberName(Index, Name), quint8(MemberRank(Index, Name) + 1));
+}
+
+void ClanPacket::Demote(int Index, const QString& Name) {
+    if (mayAct(Index, Name, "demote", &Rights::demote))
+        Output_SetRank(Index, memberName(Index, Name), quint8(MemberRank(Index, Name) - 1));
+}
+
+void ClanPacket::Remove(int Index, const QString& Name) {
+    if (mayAct(Index, Name, "remove", &Rights::remove))
+        Output_RemoveMember(Index, memberName(Index, Name));
+}
+
 void ClanPacket::Output_FindCandidates(int Index, const QString& Tag) {
     PacketWriter w = request();
     w.WriteVOID(cp1252::encode(CreateClanTag(Tag)));
@@ -232,14 +297,18 @@ void ClanPacket::Handle_NewMember(int Index, const QString& Name, quint8 Rank, b
 }
 
 void ClanPacket::Handle_StatusChanged(int Index, const QString& Name, quint8 Rank, bool Online,
-                                      const QString&) {
+                                      const QString& Location) {
     ListModel& list = lvClan(Index);
+    bool known = false;
     for (int i = list.count(); i >= 1; --i) {
         if (list.item(i).tag.toUpper() != Name.toUpper()) continue;
         ListItem item = list.item(i);
         dressMember(item, Rank, Online);
         list.setItem(i, item);
+        known = true;
     }
+    // Servers tell of a member who joined after the list came by this notice alone.
+    if (!known) Handle_NewMember(Index, Name, Rank, Online, Location);
 }
 
 void ClanPacket::Handle_RemovedMember(int Index, const QString& Name) {
@@ -253,7 +322,12 @@ void ClanPacket::Handle_RankChanged(int Index, quint8 Old, quint8 New, const QSt
               QStringLiteral("[BNET] Bot's clan rank was changed by ") + By +
                   QStringLiteral(" from ") + GetClanRankName(Old) + QStringLiteral(" to ") +
                   GetClanRankName(New) + u'.');
-    Bots(Index).setClanRank(New);
+    setOwnRank(Index, New);
+}
+
+void ClanPacket::setOwnRank(int Index, quint8 Rank) {
+    Bots(Index).setClanRank(Rank);
+    Q_EMIT ClanNotices::instance().standingChanged(Index);
 }
 
 void ClanPacket::writeResult(int Index, quint8 PacketID, quint8 Result) {
@@ -263,11 +337,28 @@ void ClanPacket::writeResult(int Index, quint8 PacketID, quint8 Result) {
     }
 }
 
+// A founding step typed on the terminal gets its answer as lines.
+void ClanPacket::writeFoundingStep(int Index, quint8 PacketID, quint8 Result,
+                                   const QStringList& Names) {
+    const QString tag = ClanNotices::instance().takeTypedFounding(Index);
+    const ClanNotices::Outcome* o = ClanNotices::outcome(PacketID, Result);
+    if (tag.isEmpty() || !o) return;
+    if (PacketID != 0x70 || Result != 0)
+        return WriteChat(Index, {{o->colour, QStringLiteral("[BNET] ") + QLatin1String(o->text)}});
+    WriteChat(Index,
+              {{o->colour, QStringLiteral("[BNET] Clan tag ") + tag + QStringLiteral(" is free; ") +
+                               QString::number(Names.size()) + QStringLiteral(" candidates: ") +
+                               Names.join(QStringLiteral(", ")) + u'.'}});
+    WriteChat(Index, Status::Information,
+              QStringLiteral("Found the clan with /myclan create ") + tag +
+                  QStringLiteral(" NAME,NAME,... CLAN NAME, naming at least 9 of them."));
+}
+
 void ClanPacket::handleMembership(int Index, PacketReader& Reader) {
     BotElement& bot = Bots(Index);
     Reader.Skip(1);
     bot.setClanTag(cp1252::decode(Reader.ReadVOID(4)));
-    bot.setClanRank(Reader.ReadBYTE());
+    setOwnRank(Index, Reader.ReadBYTE());
     WriteChat(Index, Status::Success,
               QStringLiteral("[BNET] You are a ") + GetClanRankName(bot.ClanRank()) +
                   QStringLiteral(" of Clan ") + displayTag(Index) + u'.');
@@ -296,8 +387,8 @@ void ClanPacket::handleInvitation(int Index, PacketReader& Reader, int Kind) {
     invitation.Inviter = Reader.ReadSTRING();
     invitation.Tick = GetTickCount();
     WriteChat(Index, Status::Information,
-              Kind == 1 ? QStringLiteral("[BNET] You have been invited to join a clan...")
-                        : QStringLiteral("[BNET] You have been invited to help create a clan..."));
+              QStringLiteral("[BNET] ") + ClanNotices::invitationText(Kind) +
+                  QStringLiteral("..."));
     ClanNotices::instance().invitationReceived(invitation);
 }
 
@@ -314,7 +405,6 @@ void ClanPacket::dispatch(int Index, PacketReader& Reader, quint8 PacketID) {
         if (Reader.ReadBYTE() != 1) return;
         WriteChat(Index, Status::Information,
                   QStringLiteral("[BNET] You have been removed from the clan!"));
-        bot.setClanRank(0);
         bot.setClanTag(QString());
         return;
     case 0x7D:
@@ -326,6 +416,8 @@ void ClanPacket::dispatch(int Index, PacketReader& Reader, quint8 PacketID) {
         const QString name = Reader.ReadSTRING();
         const quint8 rank = Reader.ReadBYTE();
         const bool online = Reader.ReadBYTE() != 0;
+        // After a change of chieftain servers tell the bot its own new rank this way.
+        if (isSelf(Index, name) && rank != bot.ClanRank()) setOwnRank(Index, rank);
         return Handle_StatusChanged(Index, name, rank, online, Reader.ReadSTRING());
     }
     case 0x81: {
@@ -346,11 +438,11 @@ void ClanPacket::dispatch(int Index, PacketReader& Reader, quint8 PacketID) {
         for (int i = 0; i < count; ++i)
             names << Reader.ReadSTRING();
         Q_EMIT ClanNotices::instance().candidatesFound(Index, result, names);
-        return;
+        return writeFoundingStep(Index, PacketID, result, names);
     }
     case 0x71:
         Q_EMIT ClanNotices::instance().foundingAnswered(Index, result);
-        return;
+        return writeFoundingStep(Index, PacketID, result, {});
     case 0x74:
         if (result == 0)
             WriteChat(Index, Status::Information,
@@ -370,6 +462,8 @@ void ClanPacket::dispatch(int Index, PacketReader& Reader, quint8 PacketID) {
     default:
         writeResult(Index, PacketID, result);
         if (PacketID == 0x73 && result == 0) bot.setClanTag(QString());
+        // Asked again, so the newcomer shows where a server sends no notice of it.
+        if (PacketID == 0x77 && result == 0) Output_MembersList(Index);
         return;
     }
 }

@@ -25,6 +25,11 @@ public:
     static void Output_Quit(int Index);
     static void Output_SetRank(int Index, const QString& Name, quint8 Rank);
     static void Output_MembersList(int Index);
+    // A member one rank up or down, or out of the clan, after the checks of
+    // RightsOver: the typed commands and the clan list's menu.
+    static void Promote(int Index, const QString& Name);
+    static void Demote(int Index, const QString& Name);
+    static void Remove(int Index, const QString& Name);
     // The two steps of founding: the tag's candidates, then the invitations.
     static void Output_FindCandidates(int Index, const QString& Tag);
     static void Output_InviteMultiple(int Index, const QString& ClanName, const QString& Tag,
@@ -37,9 +42,23 @@ public:
     static void Handle_RemovedMember(int Index, const QString& Name);
     static void Handle_RankChanged(int Index, quint8 Old, quint8 New, const QString& By);
 
-    // The wire form of a tag: turned round, NUL-padded behind, four characters.
+    // What the slot's own rank lets it do to a member, as the server allows it:
+    // a shaman or chieftain acts on ranks below its own; a new peon's rank is
+    // fixed for its first week; nobody acts on itself.
+    struct Rights {
+        bool promote = false;
+        bool demote = false;
+        bool remove = false;
+    };
+    static Rights RightsOver(int Index, const QString& Name);
+    // The rank of a member of the clan list; -1 for a name not in it.
+    static int MemberRank(int Index, const QString& Name);
+
+    // The wire form of a tag: the DWORD servers read as big-endian text, so
+    // the text turned round and NUL-padded in front, four characters.
     static QString CreateClanTag(const QString& Tag);
-    // A tag as a person reads it: its NULs removed, turned round.
+    // A tag as a person reads it: its NUL padding removed at either end,
+    // turned round; both paddings read back the same.
     static QString ShowClanTag(const QString& WireTag);
     // The user list's Invite item: refused for other products and for realm names.
     static void InviteUser(int Index, const QString& Tag);
@@ -52,4 +71,11 @@ private:
     static void handleMembers(int Index, PacketReader& Reader);
     static void handleInvitation(int Index, PacketReader& Reader, int Kind);
     static void writeResult(int Index, quint8 PacketID, quint8 Result);
+    static void setOwnRank(int Index, quint8 Rank);
+    static bool isSelf(int Index, const QString& Name);
+    // Writes the refusal and returns false when the slot's rank does not give the right.
+    static bool mayAct(int Index, const QString& Name, const char* Verb, bool Rights::*Right);
+    static QString memberName(int Index, const QString& Name);
+    static void writeFoundingStep(int Index, quint8 PacketID, quint8 Result,
+                                  const QStringList& Names);
 };

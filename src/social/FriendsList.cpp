@@ -8,6 +8,8 @@
 #include "session/SlotTable.h"
 #include "shell/DesktopShell.h"
 
+#include <QHash>
+
 namespace {
 
 // The four letters of a product code from the DWORD that carries it.
@@ -134,6 +136,32 @@ bool isStalked(int Index, const QString& account) {
     return config.Stalk() && config.Stalker().toLower() == account.toLower();
 }
 
+// Where the stalked friend was last heard to be, in the session of the slot.
+struct Whereabouts {
+    QString account;
+    quint8 location = 0;
+    QString where;
+    quint32 session = 0;
+
+    bool operator==(const Whereabouts&) const = default;
+};
+
+QHash<int, Whereabouts>& lastHeard() {
+    static QHash<int, Whereabouts> bySlot;
+    return bySlot;
+}
+
+// One hop reaches the bot as several records telling the same place (friend
+// updates and the list asked on the friend's leave): only the first moves it.
+bool isNews(int Index, const FriendRecord& f) {
+    const Whereabouts now{f.Account.toLower(), f.Location, f.LocationName.toLower(),
+                          Bots(Index).OnlineTick};
+    Whereabouts& last = lastHeard()[Index];
+    if (last == now) return false;
+    last = now;
+    return true;
+}
+
 } // namespace
 
 void UpdateFriend(int Index, const FriendRecord& Friend) {
@@ -149,7 +177,11 @@ void UpdateFriend(int Index, const FriendRecord& Friend) {
     setStatus(item, Friend.Status);
     setLocation(item, Friend.Location, Friend.LocationName);
     friends.add(item);
-    if (isStalked(Index, Friend.Account)) followStalked(Index, Friend);
+    if (isStalked(Index, Friend.Account) && isNews(Index, Friend)) followStalked(Index, Friend);
+}
+
+void ForgetStalkedWhereabouts(int Index) {
+    lastHeard().remove(Index);
 }
 
 void MoveFriendPosition(int Index, int OldPosition, int NewPosition) {

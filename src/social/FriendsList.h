@@ -20,6 +20,9 @@ struct FriendRecord {
 
 // Puts the friend at the end of the list, replacing any item of the name.
 void UpdateFriend(int Index, const FriendRecord& Friend);
+// The next record of the stalked friend is followed even when it tells the
+// place the bot last heard of (FOLLOW asks for it by hand).
+void ForgetStalkedWhereabouts(int Index);
 // Moves an item; positions counted from 1.
 void MoveFriendPosition(int Index, int OldPosition, int NewPosition);
 // The friends list can hold no more than this.

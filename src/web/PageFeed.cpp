@@ -2,7 +2,8 @@
 
 #include "chat/BotElement.h"
 #include "chat/TimedEvents.h"
-#include "platform/ChatDocument.h"
+#include "control/ChatFeed.h"
+#include "control/FeedMessages.h"
 #include "platform/ListModel.h"
 #include "presentation/Theme.h"
 #include "session/SlotTable.h"
@@ -14,129 +15,15 @@
 
 namespace {
 
-const QString kType = QStringLiteral("t");
+const QString kType = QStringLiteral("event");
 
 QString cssColour(quint32 bgr) {
     const quint32 rgb = ((bgr & 0xFF) << 16) | (bgr & 0xFF00) | ((bgr >> 16) & 0xFF);
     return QStringLiteral("#%1").arg(rgb, 6, 16, QLatin1Char('0'));
 }
 
-int styleBits(const CharFormat& f) {
-    return (f.bold ? 1 : 0) | (f.italic ? 2 : 0) | (f.underline ? 4 : 0) | (f.strike ? 8 : 0);
-}
-
 QString compact(const QJsonObject& object) {
     return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
-}
-
-// JSON text written by hand: a line costs the chat path a few appends
-// rather than a tree of JSON values built and serialised.
-void appendJsonString(QString& out, QStringView text) {
-    out += u'"';
-    qsizetype plain = 0; // start of the stretch that needs no escape
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        const char16_t u = text[i].unicode();
-        if (u != u'"' && u != u'\\' && u >= 0x20) continue;
-        out += text.mid(plain, i - plain);
-        out += u < 0x20 ? QStringLiteral("\\u%1").arg(int(u), 4, 16, QLatin1Char('0'))
-                        : QString{u'\\', QChar(u)};
-        plain = i + 1;
-    }
-    out += text.mid(plain);
-    out += u'"';
-}
-
-void appendColour(QString& out, quint32 bgr) {
-    static const char16_t digits[] = u"0123456789abcdef";
-    const quint32 rgb = ((bgr & 0xFF) << 16) | (bgr & 0xFF00) | ((bgr >> 16) & 0xFF);
-    out += u"\"#";
-    for (int shift = 20; shift >= 0; shift -= 4)
-        out += QChar(digits[(rgb >> shift) & 0xF]);
-    out += u'"';
-}
-
-// The document's runs from `from` to `to` as a JSON list of lines, each a
-// list of runs [text, colour, style]; the text between holds whole lines.
-QString linesOf(const ChatDocument& document, int from, int to, int* count) {
-    QString out;
-    out.reserve(2 * (to - from) + 64);
-    out += u'[';
-    int lines = 0;
-    bool lineOpen = false;
-    bool firstRun = true;
-    // New text is at the end: find its first run from there, not from the
-    // start of a view that holds thousands.
-    const std::vector<TextRun>& runs = document.runs();
-    size_t first = runs.size();
-    int pos = document.length();
-    while (first > 0 && pos > from) {
-        --first;
-        pos -= int(runs[first].text.size());
-    }
-    for (size_t r = first; r < runs.size() && pos < to; ++r) {
-        const TextRun& run = runs[r];
-        const int runEnd = pos + int(run.text.size());
-        const int a = std::max(pos, from);
-        const int b = std::min(runEnd, to);
-        const QStringView piece = QStringView(run.text).mid(a - pos, b - a);
-        qsizetype start = 0;
-        while (a < b && start < piece.size()) {
-            const qsizetype end = piece.indexOf(u"\r\n", start);
-            const qsizetype stop = end < 0 ? piece.size() : end;
-            if (!lineOpen) {
-                out += lines > 0 ? u",[" : u"[";
-                lineOpen = true;
-                firstRun = true;
-            }
-            if (stop > start) {
-                out += firstRun ? u"[" : u",[";
-                firstRun = false;
-                appendJsonString(out, piece.mid(start, stop - start));
-                out += u',';
-                appendColour(out, run.format.color);
-                out += u',';
-                out += QChar(u'0' + styleBits(run.format));
-                out += u']';
-            }
-            if (end < 0) break;
-            out += u']';
-            lineOpen = false;
-            ++lines;
-            start = end + 2;
-        }
-        pos = runEnd;
-    }
-    out += u']';
-    if (count) *count = lines;
-    return out;
-}
-
-// Where the document's last complete line ends, looking back from the end
-// no further than `from`; `from` when no line ended after it.
-int completeEnd(const ChatDocument& document, int from) {
-    const std::vector<TextRun>& runs = document.runs();
-    int end = document.length();
-    QChar after; // the first character of the run after the one looked at
-    for (size_t r = runs.size(); r > 0 && end > from; --r) {
-        const QString& text = runs[r - 1].text;
-        if (after == u'\n' && text.endsWith(u'\r')) return end + 1;
-        const qsizetype last = text.lastIndexOf(QLatin1String("\r\n"));
-        if (last >= 0) return std::max(from, end - int(text.size()) + int(last) + 2);
-        after = text.isEmpty() ? after : text.front();
-        end -= int(text.size());
-    }
-    return from;
-}
-
-// Where the last `n` lines of the text before `end` start.
-int recentStart(const ChatDocument& document, int end, int n) {
-    const QString text = document.text().left(end);
-    qsizetype pos = text.size() - 2; // skip the last line's own end
-    for (int i = 0; i < n && pos > 0; ++i) {
-        pos = text.lastIndexOf(QLatin1String("\r\n"), pos - 1);
-        if (pos < 0) return 0;
-    }
-    return pos <= 0 ? 0 : int(pos) + 2;
 }
 
 QJsonObject usersOf(int slot) {
@@ -155,7 +42,7 @@ QJsonObject usersOf(int slot) {
                                  {QStringLiteral("f"), GetUserFlagNames(quint32(flags))}});
     }
     return {{kType, QStringLiteral("users")},
-            {QStringLiteral("slot"), slot},
+            {QStringLiteral("profile"), bot.Profile()},
             {QStringLiteral("channel"), bot.Channel()},
             {QStringLiteral("items"), items}};
 }
@@ -185,22 +72,22 @@ QJsonObject statusNow() {
             {QStringLiteral("text"), TimedEvents::instance().StatusLine()}};
 }
 
-QString linesMessage(int slot, const QString& view, const QString& lines) {
-    return QStringLiteral("{\"t\":\"lines\",\"slot\":%1,\"view\":\"%2\",\"lines\":")
-               .arg(slot)
-               .arg(view) +
-           lines + u'}';
+// The profile a line belongs to as the followers name it; the console's is
+// empty.
+QString profileOf(int slot) {
+    return slot > 0 ? Bots(slot).Profile() : QString();
 }
 
 } // namespace
 
 PageFeed::PageFeed(QObject* parent) : QObject(parent) {
+    connect(&ChatFeed::instance(), &ChatFeed::linesWritten, this, &PageFeed::linesWritten);
     SlotTable& table = SlotTable::instance();
-    for (int i = 0; i <= table.highestIndex(); ++i)
-        watch(i);
-    connect(&table, &SlotTable::slotCreated, this, &PageFeed::watch);
-    // Loads, renames, going on- and offline, a new channel, the status line:
-    // looked at twice a second, sent when they differ.
+    for (int i = 1; i <= table.highestIndex(); ++i)
+        watchUsers(i);
+    connect(&table, &SlotTable::slotCreated, this, &PageFeed::watchUsers);
+    // Loads, renames, going on- and offline, a new channel, the status line,
+    // the user lists: looked at twice a second, sent when they differ.
     m_stateTimer.setInterval(500);
     connect(&m_stateTimer, &QTimer::timeout, this, &PageFeed::flushState);
 }
@@ -213,22 +100,17 @@ void PageFeed::setListening(bool listening) {
         return;
     }
     // The pages start from the snapshot: only what comes after it is news.
-    for (Watched& w : m_watched)
-        w.sent = completeEnd(*w.document, 0);
     m_dirtyUsers.clear();
     m_lastSlots = compact(slotsNow());
     m_lastStatus = compact(statusNow());
     m_stateTimer.start();
 }
 
-void PageFeed::watch(int slot) {
-    watchDocument(&rtbChat(slot), slot, QStringLiteral("chat"));
-    watchDocument(&rtbWhisper(slot), slot, QStringLiteral("whisper"));
+void PageFeed::watchUsers(int slot) {
     if (slot == 0) return;
     ListModel* users = &lvUsers(slot);
     const auto dirty = [this, slot] {
-        if (!m_listening) return;
-        m_dirtyUsers.insert(slot);
+        if (m_listening) m_dirtyUsers.insert(slot);
     };
     connect(users, &QAbstractItemModel::rowsInserted, this, dirty);
     connect(users, &QAbstractItemModel::rowsRemoved, this, dirty);
@@ -236,39 +118,13 @@ void PageFeed::watch(int slot) {
     connect(users, &QAbstractItemModel::modelReset, this, dirty);
 }
 
-void PageFeed::watchDocument(ChatDocument* document, int slot, const QString& view) {
-    m_watched.push_back({document, slot, view, completeEnd(*document, 0)});
-    const size_t index = m_watched.size() - 1;
-    connect(document, &ChatDocument::changed, this, [this] { scheduleLines(); });
-    connect(document, &ChatDocument::cleared, this, [this, index] {
-        Watched& w = m_watched[index];
-        w.sent = 0;
-        if (!m_listening) return;
-        Q_EMIT state(QStringLiteral("clear %1 %2").arg(w.slot).arg(w.view),
-                     compact({{kType, QStringLiteral("clear")},
-                              {QStringLiteral("slot"), w.slot},
-                              {QStringLiteral("view"), w.view}}));
-    });
-}
-
-void PageFeed::scheduleLines() {
-    // A line is finished by the writer (escapes applied) before it goes.
-    if (!m_listening || m_linesPending) return;
-    m_linesPending = true;
-    QMetaObject::invokeMethod(this, &PageFeed::flushLines, Qt::QueuedConnection);
-}
-
-void PageFeed::flushLines() {
-    m_linesPending = false;
-    if (!m_listening) return;
-    for (Watched& w : m_watched) {
-        const int end = completeEnd(*w.document, w.sent);
-        if (end <= w.sent) continue;
-        int count = 0;
-        const QString lines = linesOf(*w.document, w.sent, end, &count);
-        w.sent = end;
-        if (count > 0) Q_EMIT this->lines(linesMessage(w.slot, w.view, lines), count);
-    }
+// A burst of lines goes to the pages as one message of many lines.
+void PageFeed::linesWritten(const QList<FeedLine>& lines) {
+    if (!m_listening || lines.isEmpty()) return;
+    QByteArray messages;
+    for (const FeedLine& line : lines)
+        messages += FeedMessages::Line(line, profileOf(line.slot));
+    Q_EMIT this->lines(QString::fromUtf8(messages), int(lines.size()));
 }
 
 void PageFeed::flushState() {
@@ -283,25 +139,25 @@ void PageFeed::flushState() {
         Q_EMIT state(QStringLiteral("status"), status);
     }
     for (int slot : std::as_const(m_dirtyUsers)) {
-        if (slot <= SlotTable::instance().highestIndex())
+        if (slot <= SlotTable::instance().highestIndex() && Bots(slot).IsLoaded)
             Q_EMIT state(QStringLiteral("users %1").arg(slot), compact(usersOf(slot)));
     }
     m_dirtyUsers.clear();
 }
 
+// The caller flushes the chat feed first, so that no line is both in the
+// snapshot and still on its way.
 std::vector<QString> PageFeed::snapshot() const {
     std::vector<QString> messages{compact(slotsNow()), compact(statusNow())};
-    for (const Watched& w : m_watched) {
-        if (w.slot > 0 && !Bots(w.slot).IsLoaded) continue;
-        const int end = m_listening ? w.sent : completeEnd(*w.document, 0);
-        const int start = recentStart(*w.document, end, kRecentLines);
-        int count = 0;
-        const QString lines = linesOf(*w.document, start, end, &count);
-        if (count > 0) messages.push_back(linesMessage(w.slot, w.view, lines));
-    }
+    const ChatFeed& feed = ChatFeed::instance();
     SlotTable& table = SlotTable::instance();
-    for (int i = 1; i <= table.highestIndex(); ++i) {
-        if (Bots(i).IsLoaded) messages.push_back(compact(usersOf(i)));
+    for (int i = 0; i <= table.highestIndex(); ++i) {
+        if (i > 0 && !Bots(i).IsLoaded) continue;
+        QByteArray recent;
+        for (const FeedLine& line : feed.recentLines(i, kRecentLines))
+            recent += FeedMessages::Line(line, profileOf(i));
+        if (!recent.isEmpty()) messages.push_back(QString::fromUtf8(recent));
+        if (i > 0) messages.push_back(compact(usersOf(i)));
     }
     return messages;
 }

@@ -6,13 +6,13 @@
 #include <QTimer>
 #include <vector>
 
-class ChatDocument;
+struct FeedLine;
 
-// What the pages see, as the window shows it: the runs appended to each
-// slot's chat and whisper documents (timestamps included, in the theme's
-// colours), the user lists, the loaded slots and the status line. It turns
-// the core's change signals into messages once, for every page alike, and
-// only while a page listens.
+// What the pages see, as the window shows it: the lines the chat feed hands
+// on (the followers' own messages, one JSON object a line, so the page and
+// `corvantide tail` read the same thing), and beside them what only a page
+// shows: the user lists, the loaded slots and the status line. Messages are
+// made once for every page alike, and only while a page listens.
 class PageFeed : public QObject {
     Q_OBJECT
 public:
@@ -22,31 +22,21 @@ public:
     explicit PageFeed(QObject* parent = nullptr);
     void setListening(bool listening);
 
-    // Everything a new page needs, as messages in order.
+    // Everything a new page needs, in order.
     std::vector<QString> snapshot() const;
 
 Q_SIGNALS:
-    // Chat lines (droppable when a page falls behind).
-    void lines(const QString& message, int count);
+    // Chat lines, `count` of them (droppable when a page falls behind).
+    void lines(const QString& messages, int count);
     // The latest state of what `key` names.
     void state(const QString& key, const QString& message);
 
 private:
-    struct Watched {
-        ChatDocument* document;
-        int slot;
-        QString view; // "chat" or "whisper"
-        int sent = 0;
-    };
-    void watch(int slot);
-    void watchDocument(ChatDocument* document, int slot, const QString& view);
-    void scheduleLines();
-    void flushLines();
+    void linesWritten(const QList<FeedLine>& lines);
+    void watchUsers(int slot);
     void flushState();
 
     bool m_listening = false;
-    bool m_linesPending = false;
-    std::vector<Watched> m_watched;
     QSet<int> m_dirtyUsers;
     QTimer m_stateTimer;
     QString m_lastSlots;

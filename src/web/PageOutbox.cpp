@@ -1,7 +1,6 @@
 #include "web/PageOutbox.h"
 
-#include <QJsonDocument>
-#include <QJsonObject>
+#include "control/FeedMessages.h"
 
 void PageOutbox::pushLines(const QString& message, int lines) {
     if (int(m_queue.size()) < kMostQueued) {
@@ -29,7 +28,5 @@ QString PageOutbox::take() {
     Entry entry = std::move(m_queue.front());
     m_queue.pop_front();
     if (entry.skipped == 0) return entry.message;
-    const QJsonObject notice{{QStringLiteral("t"), QStringLiteral("skipped")},
-                             {QStringLiteral("count"), entry.skipped}};
-    return QString::fromUtf8(QJsonDocument(notice).toJson(QJsonDocument::Compact));
+    return QString::fromUtf8(FeedMessages::Skipped(entry.skipped));
 }

@@ -2,10 +2,11 @@
 
 #include "config/RegistryWrapper.h"
 #include "config/SettingsWrapper.h"
+#include "control/ChatFeed.h"
+#include "control/SteeringVerbs.h"
 #include "control/WebToken.h"
 #include "presentation/ChatWriter.h"
 #include "web/PageFeed.h"
-#include "web/PageRequests.h"
 #include "web/WebListener.h"
 #include "web/WebPage.h"
 
@@ -14,6 +15,7 @@
 #include <QHttpServerRequest>
 #include <QHttpServerResponder>
 #include <QHttpServerResponse>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QWebSocket>
@@ -40,11 +42,25 @@ QHttpServerResponse pageFile(const QString& name, const QByteArray& type) {
     return response;
 }
 
-QString message(const char* type, const QString& text, bool ok = true) {
-    return QString::fromUtf8(QJsonDocument(QJsonObject{{QStringLiteral("t"), QLatin1String(type)},
-                                                       {QStringLiteral("ok"), ok},
-                                                       {QStringLiteral("text"), text}})
-                                 .toJson(QJsonDocument::Compact));
+QString message(const QJsonObject& object) {
+    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+}
+
+// What a page may ask: the steering verbs, as the control socket takes them
+// ({"args": [...]}) and with the same answer ({"status", "out", "err"}).
+// Settings, files and lists stay with the terminal and the window.
+VerbResult runRequest(const QJsonObject& request) {
+    QStringList args;
+    for (const QJsonValue& word : request.value(QStringLiteral("args")).toArray())
+        args.append(word.toString());
+    static const QStringList allowed{QStringLiteral("status"), QStringLiteral("send"),
+                                     QStringLiteral("load"), QStringLiteral("unload"),
+                                     QStringLiteral("connect"), QStringLiteral("disconnect"),
+                                     QStringLiteral("reconnect")};
+    if (!allowed.contains(args.value(0)))
+        return VerbResult::refused(QStringLiteral("A page may ask for ") +
+                                   allowed.join(QStringLiteral(", ")) + QStringLiteral(" only."));
+    return SteeringVerbs::Run(args);
 }
 
 } // namespace
@@ -157,28 +173,33 @@ void WebFront::onMessage(WebPage* page, const QString& text) {
         greet(page, text);
         return;
     }
-    const QJsonObject request = QJsonDocument::fromJson(text.toUtf8()).object();
-    const PageRequests::Answer answer = PageRequests::Run(request);
-    page->sendNow(message("reply", answer.text, answer.ok));
+    const VerbResult result = runRequest(QJsonDocument::fromJson(text.toUtf8()).object());
+    page->sendNow(message({{QStringLiteral("event"), QStringLiteral("reply")},
+                           {QStringLiteral("status"), result.status},
+                           {QStringLiteral("out"), result.out},
+                           {QStringLiteral("err"), result.err}}));
 }
 
-// The first message is {"t": "hello", "token": ...}; anything else, or a
+// The first message is {"event": "hello", "token": ...}; anything else, or a
 // wrong token, closes the page.
 void WebFront::greet(WebPage* page, const QString& text) {
     const QJsonObject hello = QJsonDocument::fromJson(text.toUtf8()).object();
     const QByteArray offered = hello.value(QStringLiteral("token")).toString().toUtf8();
     QString error;
     const QByteArray expected = WebToken::Ensure(&error).toUtf8();
-    if (hello.value(QStringLiteral("t")).toString() != u"hello" ||
+    if (hello.value(QStringLiteral("event")).toString() != u"hello" ||
         !WebToken::Matches(offered, expected)) {
         reportWrongToken(QHostAddress(page->peer().section(u' ', 0, 0)));
         page->refuse(QStringLiteral("The token is wrong. `corvantide web-token` prints it."));
         return;
     }
+    // Lines still on their way go to the pages already open; the new one
+    // finds them in its snapshot.
+    ChatFeed::instance().flush();
     page->admit();
     m_listener->admit(page->peer());
     m_feed->setListening(true);
-    page->sendNow(message("welcome", {}));
+    page->sendNow(message({{QStringLiteral("event"), QStringLiteral("welcome")}}));
     int part = 0;
     for (const QString& snapshot : m_feed->snapshot())
         page->sendState(QStringLiteral("snapshot %1").arg(part++), snapshot);

@@ -49,7 +49,7 @@ void WebPage::sendNow(const QString& message) {
 void WebPage::refuse(const QString& text) {
     if (m_closed) return;
     sendNow(QString::fromUtf8(
-        QJsonDocument(QJsonObject{{QStringLiteral("t"), QStringLiteral("refused")},
+        QJsonDocument(QJsonObject{{QStringLiteral("event"), QStringLiteral("refused")},
                                   {QStringLiteral("text"), text}})
             .toJson(QJsonDocument::Compact)));
     m_socket->close(QWebSocketProtocol::CloseCodePolicyViolated, text.left(120));

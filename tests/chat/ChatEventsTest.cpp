@@ -140,6 +140,9 @@ TEST_F(ChatEventsTest, ABusyMomentOfDifferentUsersIsNoPurge) {
     clock.advance(1100);
     Bots(slot).ShowDelayedEvent(slot);
     ASSERT_EQ(lvUsers(slot).count(), 2);
+    EXPECT_EQ(lvUsers(slot).index(0, 1).data(ListModel::TagRole).toString(),
+              QStringLiteral("RATS 0"))
+        << "the ping's column keeps the statstring";
 
     // One leaves, another joins, a third talks, all at once: each is shown.
     event(3, QStringLiteral("leaver"));

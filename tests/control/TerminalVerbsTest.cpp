@@ -1,12 +1,16 @@
 // The terminal's verbs on the store and on loaded slots, as the running bot
 // applies them for a person at a terminal.
 #include "chat/BotElement.h"
+#include "commands/AliasesAndGroups.h"
+#include "commands/BlocksAndFilters.h"
+#include "commands/MacroWrapper.h"
 #include "common/SlotFixture.h"
 #include "config/QtPrinters.h"
 #include "config/RegistryWrapper.h"
 #include "config/SettingsWrapper.h"
 #include "control/TerminalVerbs.h"
 #include "platform/ChatDocument.h"
+#include "platform/ListModel.h"
 #include "session/ProfileLifecycle.h"
 
 #include <QSignalSpy>
@@ -52,6 +56,15 @@ TEST_F(TerminalVerbs_, ProfilesChangeUnderTheirLoadedSlots) {
                   QStringLiteral("Could not clone the profile, it may already exist!"));
     expectRefused(QStringLiteral("profile|rename|Beta|a\\b"),
                   QStringLiteral("Could not rename profile, cannot contain \\ in name!"));
+    // A name that would steer the terminal printing it goes in nowhere.
+    const QString noControls =
+        QStringLiteral("A profile name cannot contain control characters (tabs, line breaks, "
+                       "escapes).");
+    for (const char* line : {"profile|new|Demo\x1b[2J", "profile|clone|Beta|Be\nta2",
+                             "profile|rename|Beta|Be\tta", "profile|set|Beta\r|Trigger|~",
+                             "database|bind|Crew|Beta\x07"})
+        expectRefused(QString::fromLatin1(line), noControls);
+    EXPECT_EQ(ProfileLifecycle::ListProfiles(), QStringList{QStringLiteral("Beta")});
     EXPECT_TRUE(run(QStringLiteral("profile|set|Beta|Colour|red"))
                     .err.startsWith(QStringLiteral("A profile has no value 'Colour'; it has: ")));
     expectRefused(QStringLiteral("profile|set|Beta|LagPlug|maybe"),
@@ -138,4 +151,74 @@ TEST_F(TerminalVerbs_, UserbasesAreMadeFilledAndBoundInOneLineEach) {
     expectRefused(QStringLiteral("database|list|Crew"),
                   QStringLiteral("There is no database called \"Crew\"."));
     run(QStringLiteral("profile|delete|Keeper"));
+}
+
+TEST_F(TerminalVerbs_, ListsChangeInOneLineEachAndTheBotUsesThemAtOnce) {
+    SettingsWrapper::instance().setFloodMode(0);
+    const int slot = loadConnected(QStringLiteral("Lister"));
+    Bots(slot).setOnline(true);
+    wsBNET(slot).simulateData(chatEventFrame(1, 0, 20, QStringLiteral("bob"), QStringLiteral("RATS 0")));
+    ASSERT_EQ(lvUsers(slot).count(), 1);
+
+    struct Step {
+        const char* line;
+        int status;
+        const char* said; // standard output, or standard error for a refusal
+    };
+    const Step steps[] = {
+        {"filter|list", 0, "No message filters yet; add one with: corvantide filter add '*word*'"},
+        {"filter|add|*spam*", 0, "Added filter '*spam*'."},
+        {"filter|add|*SPAM*", 1, "'*SPAM*' is a filter already."},
+        {"filter|add|spam", 1,
+         "A filter needs a '*', which stands for any run of characters: '*spam*' holds back "
+         "every line with spam in it."},
+        {"filter|list", 0, "*spam*"},
+        {"block|add|pest#2", 0, "Blocked 'pest#2'."},
+        {"block|list", 0, "pest"},
+        {"block|remove|nobody", 1, "'nobody' is not blocked."},
+        {"macro|add|greet|Hello", 0, "Added a line to macro 'greet'."},
+        {"macro|add|Greet|/me|waves", 0, "Added a line to macro 'Greet'."},
+        {"macro|add|greet|}", 1,
+         "A macro's name and lines cannot be empty, and a line cannot start with \"}\" or end "
+         "with \" {\"; Macros.ini is as it was."},
+        {"macro|add|bye|See you", 0, "Added a line to macro 'bye'."},
+        {"macro|list", 0, "greet\nbye"},
+        {"macro|list|GREET", 0, "Hello\n/me waves"},
+        {"macro|remove|greet", 0, "Removed macro 'greet'."},
+        {"macro|list|greet", 1, "There is no macro 'greet'."},
+        {"alias|add|Pal|bob", 0, "Made alias 'Pal': bob."},
+        {"alias|add|pal", 1, "Alias 'Pal' exists already."},
+        {"alias|remove|Pal|carol", 1, "'carol' is not in alias 'Pal'; nothing changed."},
+        {"group|add|Crew|bob|carol", 0, "Made group 'Crew': bob, carol."},
+        {"group|color|crew|#FF8000", 0, "Group 'Crew': #FF8000, prefix 'Crew'."},
+        {"group|color|crew|orange", 1,
+         "'orange' is not a colour: give six hexadecimal digits, #RRGGBB, or none."},
+        {"group|list", 0, "Crew\t#FF8000\tCrew"},
+        {"group|remove|crew|carol", 0, "Removed carol from group 'Crew'."},
+        {"group|list|Crew", 0, "bob"},
+        {"group|remove|Nobody", 1, "There is no group 'Nobody'."},
+        {"alias|frobnicate", 2, nullptr},
+    };
+    for (const Step& step : steps) {
+        const QString line = QString::fromLatin1(step.line);
+        const VerbResult result = run(line);
+        EXPECT_EQ(result.status, step.status) << step.line;
+        if (step.said) {
+            EXPECT_EQ(step.status == 0 ? result.out : result.err,
+                      QString::fromLatin1(step.said) + u'\n')
+                << step.line;
+        }
+    }
+
+    // The bot holds the lines back, sends the macro and names the user at once.
+    EXPECT_TRUE(IsFiltered(QStringLiteral("cheap spam here")));
+    EXPECT_TRUE(IsBlocked(QStringLiteral("Pest")));
+    QStringList lines;
+    bool found = false;
+    MacroWrapper::instance().Grab(QStringLiteral("bye"), lines, found);
+    EXPECT_EQ(lines, QStringList{QStringLiteral("See you")});
+    EXPECT_EQ(FindAlias(QStringLiteral("bob")), QStringLiteral("Pal"));
+    EXPECT_EQ(lvUsers(slot).item(1).color, 0x0080FFu) << "the group's colour, red in the low byte";
+    EXPECT_EQ(run(QStringLiteral("alias|remove|pal")).out, QStringLiteral("Removed alias 'Pal'.\n"));
+    EXPECT_TRUE(FindAlias(QStringLiteral("bob")).isEmpty());
 }

@@ -3,6 +3,7 @@
 // spammer's burst vanishes unseen, and the idle message keeps its minute on
 // the bot's own clock.
 #include "chat/TimedEvents.h"
+#include "commands/ProfanityReader.h"
 #include "common/SandboxProcess.h"
 #include "common/SlotFixture.h"
 #include "config/SettingsWrapper.h"
@@ -239,6 +240,50 @@ TEST_F(ChatEndToEnd, ALeaveRejoinTalkBurstVanishesUnseen) {
     EXPECT_TRUE(followsChannel(i, QStringLiteral("Sandbox"), false));
     EXPECT_LT(Bots(i).UserFind(QStringLiteral("Spammer")),
               Bots(i).UserFind(QStringLiteral("guard")));
+}
+
+TEST_F(ChatEndToEnd, ProfanityIsCensoredOrUncensoredWhereItShowsOnly) {
+    ASSERT_TRUE(startSandbox({QStringLiteral("--residents"), QStringLiteral("2"),
+                              QStringLiteral("--seed"), QStringLiteral("7")}));
+    ASSERT_EQ(sandbox.control({"residents pause", "user Sailor", "join Sailor Sandbox"}),
+              QStringList(3, QStringLiteral("ok")));
+    const auto table = [](const QByteArray& pairs) {
+        QFile file(ProfanityReader::file());
+        return file.open(QIODevice::WriteOnly) && file.write("[Main]\r\n" + pairs) > 0;
+    };
+    ASSERT_TRUE(table("d**n=damn\r\n"));
+    SettingsWrapper& settings = SettingsWrapper::instance();
+    settings.setFloodMode(0); // one user's lines close together are all shown
+    settings.setRemoveProfanity(true);
+    settings.setImproveProfanity(false);
+    const int i = load(QStringLiteral("censor"), QStringLiteral("Sandbox"));
+    SlotTable::instance().ConnectBot(i);
+    ASSERT_TRUE(followsChannel(i, QStringLiteral("Sandbox"), false));
+
+    // Censored as shown, both ways; the server gets what was said.
+    ASSERT_EQ(sandbox.control(QStringLiteral("talk Sailor damn this wind")), QStringLiteral("ok"));
+    Bots(i).Queue << QStringLiteral("damn the torpedoes");
+    ASSERT_TRUE(waitFor([&] {
+        return chat(i).contains(QStringLiteral("d**n the torpedoes")) &&
+               chat(i).contains(QStringLiteral("d**n this wind"));
+    })) << chat(i).toStdString();
+    EXPECT_TRUE(chatLinesAtServer().contains("damn the torpedoes"));
+
+    // A changed table counts from the next line.
+    ASSERT_TRUE(table("d**n=damn\r\nh*ck=heck\r\n"));
+    ASSERT_EQ(sandbox.control(QStringLiteral("talk Sailor heck of a day")), QStringLiteral("ok"));
+    ASSERT_TRUE(waitFor([&] { return chat(i).contains(QStringLiteral("h*ck of a day")); }))
+        << chat(i).toStdString();
+
+    // Uncensoring turns the table's words back into the plain ones.
+    settings.setRemoveProfanity(false);
+    settings.setImproveProfanity(true);
+    ASSERT_EQ(sandbox.control(QStringLiteral("talk Sailor what the h*ck")), QStringLiteral("ok"));
+    EXPECT_TRUE(waitFor([&] { return chat(i).contains(QStringLiteral("what the heck")); }))
+        << chat(i).toStdString();
+    EXPECT_FALSE(chat(i).contains(QStringLiteral("damn")));
+    settings.setRemoveProfanity(true);
+    settings.setImproveProfanity(false);
 }
 
 TEST_F(ChatEndToEnd, TheIdleMessageGoesOutOnTheMinuteOfTheBotsClock) {

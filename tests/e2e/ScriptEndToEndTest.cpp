@@ -1,7 +1,8 @@
 // The user's script and plug-ins in a sandbox channel: the shipped
 // examples do what they promise, a runaway script is stopped while the bot
-// goes on, and plug-ins in JavaScript and in C hear packets and chat, and
-// tidy the lines the user types.
+// goes on, plug-ins in JavaScript and in C hear packets and chat, and tidy
+// the lines the user types, and both reach the main form, a C plug-in of an
+// older interface loading and one of a newer interface refused.
 #include "chat/TimedEvents.h"
 #include "common/SandboxProcess.h"
 #include "common/SlotFixture.h"
@@ -14,6 +15,7 @@
 #include "plugins/PluginLoader.h"
 #include "plugins/PluginMainForm.h"
 #include "plugins/objPlugin.h"
+#include "session/MachineFacts.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -218,6 +220,59 @@ TEST_F(ScriptEndToEnd, PluginsInJavaScriptAndCHearPacketsAndChatAndTidyTypedLine
     Bots(i).Queue << QStringLiteral("#note to self") << QStringLiteral("brb, coffee");
     EXPECT_TRUE(serverHears(QStringLiteral("be right back, coffee")));
     EXPECT_FALSE(linesAtServer().contains(QStringLiteral("#note to self")));
+}
+
+TEST_F(ScriptEndToEnd, PluginsOfEachInterfaceReachTheMainFormAndANewerOneIsRefused) {
+    ReadMachineFacts();
+    SlotTable& table = SlotTable::instance();
+    table.UnloadProfile(QStringLiteral("Stored")); // kept in the store, not in a slot
+    Bots(table.LoadProfile(QStringLiteral("Stored"))).Config.setTrigger(QStringLiteral("!"));
+    ASSERT_TRUE(table.UnloadProfile(QStringLiteral("Stored")));
+
+    const QString folder = GetProgramFolder() + QStringLiteral("/Plugins/");
+    QDir().mkpath(folder);
+    for (const char* name : {"older", "reach", "newer"}) {
+        const QString file = QString::fromLatin1(name) + QStringLiteral(".so");
+        ASSERT_TRUE(QFile::copy(QStringLiteral(CORVANTIDE_BINARY_DIR "/tests/plugins/") + file,
+                                folder + file));
+    }
+    write(folder + QStringLiteral("reachjs.js"), R"(
+        function Startup(form, plugin) {
+            var slot = form.LoadProfile("Stored");
+            form.SelectBot(slot);
+            form.WriteChat(slot, 0xFF00, "reachjs.js loaded Stored into slot " + slot +
+                           ", on screen " + form.CurrentIndex() +
+                           ", unknown " + form.LoadProfile("Nobody"));
+        })");
+    InstallPluginLoader();
+    PluginHost& host = PluginHost::instance();
+
+    EXPECT_EQ(host.StartPlugin(QStringLiteral("older")), 0) << console().toStdString();
+    EXPECT_TRUE(console().contains(QStringLiteral("older.so speaks through the first interface")));
+    EXPECT_NE(host.StartPlugin(QStringLiteral("newer")), 0);
+    EXPECT_TRUE(console().contains(
+        QStringLiteral("it was built for plug-in interface version 3, newer than this bot's "
+                       "version 2")))
+        << console().toStdString();
+    EXPECT_FALSE(host.isLoaded(QStringLiteral("newer")));
+
+    ASSERT_EQ(host.StartPlugin(QStringLiteral("reachjs")), 0) << console().toStdString();
+    const int slot = table.findProfile(QStringLiteral("Stored"));
+    ASSERT_GT(slot, 0);
+    EXPECT_EQ(table.CurrentIndex(), slot);
+    EXPECT_TRUE(rtbChat(slot).text().contains(
+        QStringLiteral("reachjs.js loaded Stored into slot %1, on screen %1, unknown 0").arg(slot)))
+        << rtbChat(slot).text().toStdString();
+
+    ASSERT_EQ(host.StartPlugin(QStringLiteral("reach")), 0) << console().toStdString();
+    const QString processor = Machine().ProcessorName;
+    EXPECT_FALSE(processor.isEmpty());
+    EXPECT_NE(processor, qEnvironmentVariable("USER"));
+    EXPECT_TRUE(rtbChat(slot).text().contains(
+        QStringLiteral("reach.so found Stored in slot %1, trigger !, processor %2")
+            .arg(slot)
+            .arg(processor)))
+        << rtbChat(slot).text().toStdString();
 }
 
 } // namespace

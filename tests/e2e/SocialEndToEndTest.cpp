@@ -1,7 +1,7 @@
-// Profiles and clans against the sandbox: the account report on entering
-// chat, a resident's profile, the bot's own profile saved and read back; a
-// WarCraft III bot founds a clan with nine residents and runs it, and a second
-// bot is invited and accepts by a typed line.
+// Profiles, clans and friends against the sandbox: the account report on
+// entering chat, a resident's profile, the bot's own profile saved and read
+// back; a WarCraft III bot founds a clan and runs it by typed commands; a
+// stalked friend is followed.
 #include "chat/TimedEvents.h"
 #include "commands/ChatInput.h"
 #include "common/SandboxProcess.h"
@@ -90,75 +90,118 @@ TEST_F(SocialEndToEnd, ReportOnEnteringChatAResidentsProfileAndTheBotsOwnSavedAn
     EXPECT_FALSE(ConnectionWrapper::IsOwnProfile(i, resident));
 }
 
-TEST_F(SocialEndToEnd, AWarcraftBotFoundsAClanRunsItAndASecondBotAcceptsAnInvitation) {
+// Typed as on the terminal. The founding and an invitation are answered by a
+// second bot; tags of two and three letters travel as servers read them, and
+// the chieftain's own rank follows the status notice a change of chieftain brings.
+TEST_F(SocialEndToEnd, AWarcraftBotFoundsATwoLetterClanAndRunsItByTypedCommands) {
     ASSERT_TRUE(sandbox.start({"--control", "--residents", "9", "--seed", "2"}));
     const QStringList nine = residents();
     ASSERT_EQ(nine.size(), 9);
+    const int recruit = connect(QStringLiteral("Recruit"), QStringLiteral("WAR3"));
     const int chief = connect(QStringLiteral("Chief"), QStringLiteral("WAR3"));
     EXPECT_TRUE(saw(chief, QStringLiteral("Account Information for: Chief")));
     EXPECT_FALSE(chat(chief).contains(QLatin1String("Record: ")));
 
-    ClanNotices& notices = ClanNotices::instance();
-    QStringList candidates;
-    int founding = -1;
-    QObject::connect(&notices, &ClanNotices::candidatesFound,
-                     [&](int, int result, const QStringList& names) {
-                         if (result == 0) candidates = names;
-                     });
-    QObject::connect(&notices, &ClanNotices::foundingAnswered,
-                     [&](int, int result) { founding = result; });
-    ClanPacket::Output_FindCandidates(chief, QStringLiteral("Tst"));
-    ASSERT_TRUE(waitFor([&] { return candidates.size() == 9; }));
-    ClanPacket::Output_InviteMultiple(chief, QStringLiteral("Testers"), QStringLiteral("Tst"),
-                                      candidates);
-    ASSERT_TRUE(waitFor([&] { return founding == 0 && lvClan(chief).count() == 10; }));
-    EXPECT_TRUE(saw(chief, QStringLiteral("[BNET] You are a Chieftain of Clan Tst.")));
-    EXPECT_EQ(Bots(chief).ClanTag(), ClanPacket::CreateClanTag(QStringLiteral("Tst")));
-    EXPECT_EQ(lvClan(chief).item(1).text, QLatin1String("Chief"));
+    SendChatLine(chief, QStringLiteral("/myclan create Tq"));
+    EXPECT_TRUE(saw(chief, QStringLiteral("[BNET] Clan tag Tq is free; 10 candidates: ")));
+    const QStringList founders = nine.mid(0, 8) << QStringLiteral("Recruit");
+    SendChatLine(chief, QStringLiteral("/myclan create Tq ") + founders.join(u',') +
+                            QStringLiteral(" The Testers"));
+    EXPECT_TRUE(
+        saw(recruit, QStringLiteral("[BNET] You have been invited to help create a clan...")));
+    SendChatLine(recruit, QStringLiteral("/accept"));
+    EXPECT_TRUE(saw(chief, QStringLiteral("[BNET] Success, everyone accepted invitation!")));
+    EXPECT_TRUE(saw(chief, QStringLiteral("[BNET] You are a Chieftain of Clan Tq.")));
+    EXPECT_TRUE(saw(recruit, QStringLiteral("[BNET] You are a Peon of Clan Tq.")));
+    EXPECT_EQ(Bots(chief).ClanTag(), QString::fromLatin1("\0\0qT", 4));
+    ASSERT_TRUE(waitFor([&] { return lvClan(chief).count() == 10; }));
     EXPECT_EQ(lvClan(chief).item(1).toolTip, QLatin1String("Chief is the Chieftain."));
 
-    ClanPacket::Output_SetMOTD(chief, QStringLiteral("Practice at nine."));
-    const QString shaman = nine[0];
-    ClanPacket::Output_SetRank(chief, shaman, 3);
-    EXPECT_TRUE(saw(chief, QStringLiteral("[BNET] Successfully changed members rank.")));
-    const int row = lvClan(chief).find(shaman);
-    ASSERT_GT(row, 0);
-    EXPECT_TRUE(
-        waitFor([&] { return lvClan(chief).item(row).toolTip == shaman + " is a Shaman."; }));
-    ClanPacket::Output_RemoveMember(chief, nine[1]);
-    EXPECT_TRUE(saw(chief, QStringLiteral("[BNET] Successfully removed member from the clan.")));
-    EXPECT_TRUE(waitFor([&] { return lvClan(chief).count() == 9; }));
-    const QString clan = sandbox.control(QStringLiteral("clan members Tst"));
-    EXPECT_TRUE(clan.startsWith(QLatin1String("clan 9 Chief:4 "))) << clan.toStdString();
-    EXPECT_TRUE(clan.contains(shaman + QStringLiteral(":3"))) << clan.toStdString();
-    EXPECT_TRUE(clan.endsWith(QLatin1String("motd:Practice at nine."))) << clan.toStdString();
-
-    const int recruit = connect(QStringLiteral("Recruit"), QStringLiteral("WAR3"));
-    ClanPacket::Output_Invite(chief, QStringLiteral("Recruit"));
-    EXPECT_TRUE(saw(recruit, QStringLiteral("type /accept or /decline within 39 seconds.")));
-    SendChatLine(recruit, QStringLiteral("/accept"));
+    // A member who joins after the list came shows at once.
+    SendChatLine(chief, QStringLiteral("/myclan invite ") + nine[8]);
     EXPECT_TRUE(saw(chief, QStringLiteral("[BNET] Invitation accepted!")));
-    EXPECT_TRUE(saw(recruit, QStringLiteral("[BNET] You are a New Peon of Clan Tst.")));
-    EXPECT_TRUE(waitFor([&] { return lvClan(recruit).count() == 10; }));
-    SendChatLine(recruit, QStringLiteral("/accept"));
-    EXPECT_TRUE(saw(recruit, QStringLiteral("No clan invitation is waiting for an answer.")));
+    EXPECT_TRUE(waitFor([&] { return lvClan(chief).count() == 11; }));
+    SendChatLine(chief, QStringLiteral("/members"));
+    EXPECT_TRUE(saw(chief, nine[8] + QStringLiteral(" is a New Peon.")));
 
-    ClanPacket::Output_SetChieftain(chief, shaman);
-    EXPECT_TRUE(saw(chief, QStringLiteral("[BNET] Successfully changed the clan's chieftain!")));
-    EXPECT_TRUE(saw(
-        chief,
-        QStringLiteral("[BNET] Bot's clan rank was changed by Chief from Chieftain to Grunt.")));
-    EXPECT_EQ(Bots(chief).ClanRank(), 2);
-    ClanPacket::Output_Disband(chief);
-    EXPECT_TRUE(saw(
-        chief,
-        QStringLiteral("[BNET] Cannot disband the clan, you must be the chieftain of the clan.")));
-    ClanPacket::Output_Quit(recruit);
-    EXPECT_TRUE(saw(recruit, QStringLiteral("[BNET] Successfully removed member from the clan.")));
+    const auto lines = [](int i, const QString& text) { return int(chat(i).count(text)); };
+    const auto rankChange = [&](const QString& line, const QString& from, const QString& to) {
+        const int before =
+            lines(chief, QStringLiteral("[BNET] Successfully changed members rank."));
+        SendChatLine(chief, line);
+        EXPECT_TRUE(
+            saw(recruit, QStringLiteral("[BNET] Bot's clan rank was changed by Chief from ") +
+                             from + QStringLiteral(" to ") + to + u'.'));
+        EXPECT_EQ(lines(chief, QStringLiteral("[BNET] Successfully changed members rank.")),
+                  before + 1);
+    };
+    rankChange(QStringLiteral("/myclan promote recruit"), QStringLiteral("Peon"),
+               QStringLiteral("Grunt"));
+    EXPECT_TRUE(saw(chief, QStringLiteral("[BNET] Attempting to change Recruit's rank to Grunt.")));
+    rankChange(QStringLiteral("/myclan promote Recruit"), QStringLiteral("Grunt"),
+               QStringLiteral("Shaman"));
+    rankChange(QStringLiteral("/myclan demote Recruit"), QStringLiteral("Shaman"),
+               QStringLiteral("Grunt"));
+    SendChatLine(chief, QStringLiteral("/myclan promote ") + nine[8]);
+    EXPECT_TRUE(saw(chief, QStringLiteral("[BNET] Cannot promote ") + nine[8] +
+                               QStringLiteral(", a New Peon, as a Chieftain.")));
+    SendChatLine(chief, QStringLiteral("/myclan motd Practice at nine."));
+    SendChatLine(chief, QStringLiteral("/myclan remove Recruit"));
+    EXPECT_TRUE(saw(chief, QStringLiteral("[BNET] Successfully removed member from the clan.")));
     // The removal notice is five bytes: it is cut when the next frame comes.
     SendChatLine(chief, QStringLiteral("Farewell."));
     EXPECT_TRUE(saw(recruit, QStringLiteral("[BNET] You have been removed from the clan!")));
-    EXPECT_TRUE(Bots(recruit).ClanTag().isEmpty());
+    const QString clan = sandbox.control(QStringLiteral("clan members Tq"));
+    EXPECT_TRUE(clan.startsWith(QLatin1String("clan 10 Chief:4 "))) << clan.toStdString();
+    EXPECT_TRUE(clan.endsWith(QLatin1String("motd:Practice at nine."))) << clan.toStdString();
+
+    // Padded behind, a three-letter tag read as no tag: the two-letter clan's.
+    SendChatLine(recruit, QStringLiteral("/myclan create Xyz"));
+    EXPECT_TRUE(saw(recruit, QStringLiteral("[BNET] Clan tag Xyz is free; ")));
+
+    SendChatLine(chief, QStringLiteral("/myclan invite Recruit"));
+    EXPECT_TRUE(saw(recruit, QStringLiteral("[BNET] You have been invited to join a clan...")));
+    SendChatLine(recruit, QStringLiteral("/accept"));
+    EXPECT_TRUE(saw(recruit, QStringLiteral("[BNET] You are a New Peon of Clan Tq.")));
+    EXPECT_TRUE(waitFor([&] { return lvClan(chief).find(QStringLiteral("Recruit")) > 0; }));
+
+    SendChatLine(chief, QStringLiteral("/myclan chieftain ") + nine[0]);
+    EXPECT_TRUE(saw(chief, QStringLiteral("[BNET] Successfully changed the clan's chieftain!")));
+    EXPECT_TRUE(waitFor([&] { return Bots(chief).ClanRank() == 2; }));
+    SendChatLine(chief, QStringLiteral("/myclan disband"));
+    EXPECT_TRUE(saw(
+        chief,
+        QStringLiteral("[BNET] Cannot disband the clan, you must be the chieftain of the clan.")));
+    SendChatLine(recruit, QStringLiteral("/myclan leave"));
+    EXPECT_TRUE(saw(recruit, QStringLiteral("[BNET] Successfully removed member from the clan.")));
+    SendChatLine(chief, QStringLiteral("Farewell again."));
+    EXPECT_TRUE(waitFor([&] { return Bots(recruit).ClanTag().isEmpty(); }));
+    EXPECT_FALSE(chat(chief).contains(QLatin1String("not authorized")));
+}
+
+// One hop of the stalked friend brings friend updates and the list asked on
+// its leave, all telling the same place: the bot joins once, and says once
+// that the friend went offline.
+TEST_F(SocialEndToEnd, AStalkedFriendIsFollowedOnceAHop) {
+    ASSERT_TRUE(sandbox.start({"--control", "--residents", "1", "--seed", "6"}));
+    const int shadow = connect(QStringLiteral("Shadow"));
+    const int quarry = connect(QStringLiteral("Quarry"));
+    SendChatLine(quarry, QStringLiteral("/f a Shadow"));
+    SendUserLine(shadow, QStringLiteral("/stalk Quarry"));
+    SendUserLine(shadow, QStringLiteral("/stalking on"));
+    ASSERT_TRUE(waitFor([&] { return lvFriends(shadow).count() == 1; }));
+
+    SendChatLine(quarry, QStringLiteral("/join Backroom"));
+    ASSERT_TRUE(waitFor([&] { return Bots(shadow).Channel() == QLatin1String("Backroom"); }));
+    const auto settled = [&](const QString& text) {
+        waitFor([] { return false; }, 3000); // any further join would have left by now
+        return int(chat(shadow).count(text));
+    };
+    EXPECT_EQ(settled(QStringLiteral("Attempting to follow/stalk user Quarry..")), 1);
+
+    SlotTable::instance().UnloadProfile(QStringLiteral("Quarry"));
+    EXPECT_TRUE(saw(shadow, QStringLiteral("Quarry cannot be stalked")));
+    EXPECT_EQ(settled(QStringLiteral("Quarry cannot be stalked")), 1) << chat(shadow).toStdString();
 }
 
 TEST_F(SocialEndToEnd, FriendsAddedAndRemovedByChatCommandsReachTheFriendsList) {

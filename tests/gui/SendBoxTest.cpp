@@ -1,9 +1,13 @@
 #include "gui/SendBox.h"
 
+#include "DialogAnswers.h"
 #include "WindowFixture.h"
 #include "commands/ChatInput.h"
 
+#include <QAction>
 #include <QClipboard>
+#include <QInputDialog>
+#include <QMenu>
 #include <QLineEdit>
 #include <QTest>
 
@@ -51,6 +55,43 @@ TEST_F(SendBoxTest, EnterOnAProfileQueuesTheLineAndEmptiesTheBox) {
     ASSERT_EQ(box->count(), 2);
     EXPECT_EQ(box->itemText(0), QStringLiteral("second"));
     EXPECT_EQ(box->itemText(1), QStringLiteral("first"));
+}
+
+TEST_F(SendBoxTest, AStartOfAnEarlierLineSendsOnlyWhatWasTyped) {
+    const int slot = onlineSlot(QStringLiteral("Auditor"));
+    SlotTable::instance().SelectBot(slot);
+    for (const char* line : {"Audit test line one", "Audit", "/p Istmir", "/p"}) {
+        type(QString::fromLatin1(line));
+        QTest::keyClick(edit, Qt::Key_Return);
+    }
+    EXPECT_EQ(Bots(slot).Queue, (QStringList{"Audit test line one", "Audit", "/p Istmir", "/p"}));
+    // The earlier lines are still a key away, newest first.
+    QTest::keyClick(edit, Qt::Key_Up);
+    EXPECT_EQ(box->currentText(), QStringLiteral("/p"));
+    QTest::keyClick(edit, Qt::Key_Up);
+    QTest::keyClick(edit, Qt::Key_Up);
+    EXPECT_EQ(box->currentText(), QStringLiteral("Audit"));
+    QTest::keyClick(edit, Qt::Key_Down);
+    EXPECT_EQ(box->currentText(), QStringLiteral("/p Istmir"));
+    QTest::keyClick(edit, Qt::Key_Down);
+    QTest::keyClick(edit, Qt::Key_Down);
+    EXPECT_TRUE(box->currentText().isEmpty());
+}
+
+TEST_F(SendBoxTest, TheMenusMessageTakesTheSendQueue) {
+    const int slot = onlineSlot(QStringLiteral("Trayed"));
+    SlotTable::instance().SelectBot(slot);
+    const auto answer = answerNext<QInputDialog>([](QInputDialog* box) {
+        box->setTextValue(QStringLiteral("from the tray"));
+        box->accept();
+    });
+    window->findChild<QAction*>(QStringLiteral("mnuSendMessage"))->trigger();
+    EXPECT_TRUE(QTest::qWaitFor([slot] { return !Bots(slot).Queue.isEmpty(); }, 2000));
+    EXPECT_EQ(Bots(slot).Queue, QStringList{QStringLiteral("from the tray")});
+    // The same items serve a desktop without a tray, in the Bot menu.
+    auto* forAll = window->findChild<QAction*>(QStringLiteral("mnuSendMessage4All"));
+    EXPECT_TRUE(window->mnuSysTray()->actions().contains(forAll));
+    EXPECT_TRUE(window->findChild<QMenu*>(QStringLiteral("mnuBot"))->actions().contains(forAll));
 }
 
 TEST_F(SendBoxTest, APasteOfSeveralLinesSendsEachLine) {

@@ -58,10 +58,13 @@ TEST_F(ClanPacketTest, LocalChecksRefuseWithoutSendingAndTagsTravelTurnedRound) 
     // The quit names the account as configured, behind the cookie.
     EXPECT_EQ(wsBNET(slot).sent[1].mid(8), QByteArray("Clansman", 9));
 
-    EXPECT_EQ(ClanPacket::CreateClanTag(QStringLiteral("AB")), QString::fromLatin1("BA\0\0", 4));
+    // Right-aligned: the DWORD holds the text big-endian. Either padding reads back.
+    EXPECT_EQ(ClanPacket::CreateClanTag(QStringLiteral("AB")), QString::fromLatin1("\0\0BA", 4));
+    EXPECT_EQ(ClanPacket::CreateClanTag(QStringLiteral("ABC")), QString::fromLatin1("\0CBA", 4));
     EXPECT_EQ(ClanPacket::CreateClanTag(QStringLiteral("ABCD")), QStringLiteral("DCBA"));
     EXPECT_EQ(ClanPacket::CreateClanTag(QStringLiteral("ABCDE")), QStringLiteral("EDCB"));
     EXPECT_EQ(ClanPacket::ShowClanTag(QString::fromLatin1("BA\0\0", 4)), QStringLiteral("AB"));
+    EXPECT_EQ(ClanPacket::ShowClanTag(QString::fromLatin1("\0\0BA", 4)), QStringLiteral("AB"));
 }
 
 TEST_F(ClanPacketTest, MemberListPutsTheChieftainFirstAndNoticesKeepItCurrent) {
@@ -82,13 +85,15 @@ TEST_F(ClanPacketTest, MemberListPutsTheChieftainFirstAndNoticesKeepItCurrent) {
     EXPECT_EQ(clan.item(2).iconKey, "ClanRank1");
     EXPECT_EQ(clan.item(2).toolTip, "Anna is a New Peon.");
 
-    PacketWriter stranger;
-    stranger.WriteSTRING(QStringLiteral("Nobody"));
-    stranger.WriteBYTE(1);
-    stranger.WriteBYTE(0);
-    stranger.WriteSTRING(QString());
-    arrive(0x7F, stranger);
-    EXPECT_EQ(clan.count(), 3);
+    // A member who joined after the list came is told by a status notice alone.
+    PacketWriter newcomer;
+    newcomer.WriteSTRING(QStringLiteral("Dora"));
+    newcomer.WriteBYTE(0);
+    newcomer.WriteBYTE(1);
+    newcomer.WriteSTRING(QString());
+    arrive(0x7F, newcomer);
+    ASSERT_EQ(clan.count(), 4);
+    EXPECT_EQ(clan.item(4).toolTip, "Dora is a New Peon.");
 
     PacketWriter notRemoved;
     notRemoved.WriteBYTE(0);
@@ -101,7 +106,8 @@ TEST_F(ClanPacketTest, MemberListPutsTheChieftainFirstAndNoticesKeepItCurrent) {
     PacketWriter gone;
     gone.WriteSTRING(QStringLiteral("Carl"));
     arrive(0x7E, gone);
-    EXPECT_EQ(clan.count(), 2);
+    EXPECT_EQ(clan.count(), 3);
+    EXPECT_EQ(clan.find(QStringLiteral("Carl")), 0);
     EXPECT_TRUE(Bots(slot).ClanTag().isEmpty());
     EXPECT_EQ(Bots(slot).ClanRank(), 0);
     EXPECT_FALSE(rtbChat(slot).text().contains(QLatin1String("Unhandled")));

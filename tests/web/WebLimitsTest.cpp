@@ -36,13 +36,13 @@ struct Page {
         QObject::connect(&socket, &QWebSocket::textMessageReceived,
                          [this](const QString& m) { heard.append(m); });
         QObject::connect(&socket, &QWebSocket::connected, [this, token] {
-            socket.sendTextMessage(QStringLiteral("{\"t\":\"hello\",\"token\":\"%1\"}").arg(token));
+            socket.sendTextMessage(QStringLiteral("{\"event\":\"hello\",\"token\":\"%1\"}").arg(token));
         });
         socket.open(QUrl(QStringLiteral("ws://127.0.0.1:%1/socket").arg(port)));
     }
     bool heardType(const char* type) const {
         return std::any_of(heard.begin(), heard.end(), [type](const QString& m) {
-            return m.contains(QStringLiteral("\"t\":\"%1\"").arg(QLatin1String(type)));
+            return m.contains(QStringLiteral("\"event\":\"%1\"").arg(QLatin1String(type)));
         });
     }
 };
@@ -62,7 +62,7 @@ public:
         waitFor([&] { return m_socket.bytesAvailable() > 0 && m_socket.peek(4096).contains("\r\n\r\n"); });
         const QByteArray head = m_socket.peek(4096);
         m_socket.read(head.indexOf("\r\n\r\n") + 4);
-        sendMasked(QStringLiteral("{\"t\":\"hello\",\"token\":\"%1\"}").arg(token).toUtf8());
+        sendMasked(QStringLiteral("{\"event\":\"hello\",\"token\":\"%1\"}").arg(token).toUtf8());
         m_socket.setReadBufferSize(1);
     }
     // Reads on again and gives the text of every frame received.
@@ -90,7 +90,7 @@ public:
                 m_buffer.remove(0, header + length);
             }
             return std::any_of(texts.begin(), texts.end(),
-                               [](const QString& t) { return t.contains(u"\"t\":\"skipped\""); });
+                               [](const QString& t) { return t.contains(u"\"event\":\"skipped\""); });
         }, 20000);
         return texts;
     }
@@ -188,7 +188,7 @@ TEST_F(WebLimits, AStalledPageCostsABoundedQueueAndHearsWhatItMissed) {
     EXPECT_FALSE(reader.heardType("skipped"));
     const QStringList texts = stalled.drain();
     EXPECT_TRUE(std::any_of(texts.begin(), texts.end(), [](const QString& t) {
-        return t.contains(u"\"t\":\"skipped\"") && !t.contains(u"\"count\":0");
+        return t.contains(u"\"event\":\"skipped\"") && !t.contains(u"\"lines\":0");
     }));
 }
 

@@ -15,13 +15,6 @@ namespace {
 constexpr int kClanLimit = 100;
 constexpr quint8 kAccept = 6;
 
-QString displayTag(const QByteArray& wire) {
-    QByteArray t = wire;
-    t.replace('\0', QByteArray());
-    std::reverse(t.begin(), t.end());
-    return QString::fromLatin1(t);
-}
-
 bool same(const QString& a, const QString& b) {
     return a.compare(b, Qt::CaseInsensitive) == 0;
 }
@@ -34,12 +27,19 @@ ClanDesk::ClanDesk(ChatHub& hub, QObject* parent) : QObject(parent), m_hub(hub) 
 
 ClanDesk::~ClanDesk() = default;
 
-QByteArray ClanDesk::wireTag(const QString& tag) {
-    QByteArray t = tag.toLatin1();
+QByteArray ClanDesk::wireTag(const QByteArray& tag) {
+    QByteArray t = tag.left(4);
     std::reverse(t.begin(), t.end());
-    t = t.left(4);
-    t.append(QByteArray(4 - t.size(), '\0'));
-    return t;
+    return QByteArray(4 - t.size(), '\0') + t;
+}
+
+// As servers in use read it: the DWORD's bytes from the highest down, up to the first NUL. A
+// tag padded behind its letters ("B", "A", 0, 0) so reads as no tag at all.
+QByteArray ClanDesk::tagText(const QByteArray& wire) {
+    QByteArray t = wire.left(4);
+    std::reverse(t.begin(), t.end());
+    const qsizetype end = t.indexOf('\0');
+    return end < 0 ? t : t.left(end);
 }
 
 ClanDesk::Clan* ClanDesk::clanOf(const QString& account) {
@@ -75,7 +75,7 @@ void ClanDesk::sendResult(ChatUser& to, quint8 id, quint32 cookie, quint8 result
 void ClanDesk::sendInfo(const Clan& clan, const Member& m) {
     PacketWriter w;
     w.WriteBYTE(0);
-    w.WriteVOID(clan.tag);
+    w.WriteVOID(wireTag(clan.tag));
     w.WriteBYTE(m.rank);
     send(m.account, 0x75, w.payload());
 }
@@ -161,12 +161,14 @@ bool ClanDesk::handle(ChatUser& from, quint8 id, PacketReader& r) {
 // Candidates are the others in the founder's channel who are in no clan.
 void ClanDesk::findCandidates(ChatUser& from, PacketReader& r) {
     const quint32 cookie = r.ReadDWORD();
-    const QByteArray tag = r.ReadVOID(4);
+    const QByteArray tag = tagText(r.ReadVOID(4));
+    const bool letters = std::all_of(
+        tag.begin(), tag.end(), [](char c) { return QChar::fromLatin1(c).isLetterOrNumber(); });
     PacketWriter w;
     w.WriteDWORD(cookie);
     if (clanOf(from.account)) {
         w.WriteBYTE(8);
-    } else if (tag.size() != 4 || tag.startsWith('\0') || displayTag(tag).trimmed().isEmpty()) {
+    } else if (!letters) {
         w.WriteBYTE(10);
     } else if (clanByTag(tag)) {
         w.WriteBYTE(1);
@@ -188,7 +190,7 @@ void ClanDesk::inviteMultiple(ChatUser& from, PacketReader& r) {
     f.creator = from.account;
     f.cookie = r.ReadDWORD();
     f.name = r.ReadSTRING();
-    f.tag = r.ReadVOID(4);
+    f.tag = tagText(r.ReadVOID(4));
     const int count = r.ReadBYTE();
     for (int i = 0; i < count; ++i)
         f.invitees << r.ReadSTRING();
@@ -199,7 +201,7 @@ void ClanDesk::inviteMultiple(ChatUser& from, PacketReader& r) {
     if (!free || !reachable) return sendResult(from, 0x71, f.cookie, 5);
     PacketWriter w;
     w.WriteDWORD(f.cookie);
-    w.WriteVOID(f.tag);
+    w.WriteVOID(wireTag(f.tag));
     w.WriteSTRING(f.name);
     w.WriteSTRING(from.account);
     w.WriteBYTE(quint8(count));
@@ -246,7 +248,7 @@ void ClanDesk::foundingAnswered(Founding& f, const QString& account, bool yes) {
 
 void ClanDesk::answerInvitation(ChatUser& from, quint8 id, PacketReader& r) {
     r.ReadDWORD();
-    const QByteArray tag = r.ReadVOID(4);
+    const QByteArray tag = tagText(r.ReadVOID(4));
     const QString inviter = r.ReadSTRING();
     const bool yes = r.ReadBYTE() == kAccept;
     if (id == 0x72) {
@@ -290,8 +292,12 @@ void ClanDesk::makeChieftain(ChatUser& from, PacketReader& r) {
     Member* heir = clan ? memberOf(*clan, name) : nullptr;
     if (!me || me->rank != 4 || !heir || heir == me) return sendResult(from, 0x74, cookie, 1);
     sendResult(from, 0x74, cookie, 0);
-    rankChanged(*clan, *heir, 4, from.account);
-    rankChanged(*clan, *me, 2, from.account);
+    // Servers in use tell a change of chieftain by status notices alone, to the old chieftain
+    // about itself too, rather than by a rank change.
+    heir->rank = 4;
+    me->rank = 2;
+    broadcastStatus(*clan, *heir);
+    broadcastStatus(*clan, *me);
 }
 
 void ClanDesk::invite(ChatUser& from, PacketReader& r) {
@@ -319,7 +325,7 @@ bool ClanDesk::invite(const QString& inviter, quint32 cookie, const QString& tar
     m_invitations.push_back({0x79, inviter, invitee->account, cookie, clan->tag, clan->name});
     PacketWriter w;
     w.WriteDWORD(cookie);
-    w.WriteVOID(clan->tag);
+    w.WriteVOID(wireTag(clan->tag));
     w.WriteSTRING(clan->name);
     w.WriteSTRING(inviter);
     send(invitee->account, 0x79, w.payload());
@@ -361,7 +367,8 @@ void ClanDesk::changeRank(ChatUser& from, PacketReader& r) {
     Member* target = clan ? memberOf(*clan, name) : nullptr;
     if (!me || me->rank < 3) return sendResult(from, 0x7A, cookie, 7);
     if (!target || target == me) return sendResult(from, 0x7A, cookie, 1);
-    if (rank < 1 || rank >= me->rank || target->rank >= me->rank)
+    // A new peon keeps its rank for its first week.
+    if (rank < 1 || rank >= me->rank || target->rank >= me->rank || target->rank == 0)
         return sendResult(from, 0x7A, cookie, 8);
     sendResult(from, 0x7A, cookie, 0);
     rankChanged(*clan, *target, rank, from.account);
@@ -395,7 +402,7 @@ bool ClanDesk::control(const QString& command, const QString& rest, QString& ans
     const QStringList words = rest.split(u' ', Qt::SkipEmptyParts);
     const QString verb = words.value(0).toLower();
     if (verb == QLatin1String("create") && words.size() >= 4) {
-        const QByteArray tag = wireTag(words[1]);
+        const QByteArray tag = words[1].toLatin1();
         ChatUser* chief = m_hub.find(words[3]);
         if (clanByTag(tag)) return (answer = QStringLiteral("error: tag taken")), true;
         Clan clan{tag, words[2], {}, {}};
@@ -423,7 +430,7 @@ bool ClanDesk::control(const QString& command, const QString& rest, QString& ans
         return true;
     }
     if (verb == QLatin1String("members") && words.size() == 2) {
-        const Clan* clan = clanByTag(wireTag(words[1]));
+        const Clan* clan = clanByTag(words[1].toLatin1());
         answer = QStringLiteral("clan %1").arg(clan ? clan->members.size() : 0);
         if (clan) {
             for (const Member& m : clan->members)

@@ -34,8 +34,10 @@ public:
     // "clan members TAG": the answer line, or false for a command that is not a clan one.
     bool control(const QString& command, const QString& rest, QString& answer);
 
-    // The wire form of a tag as a person writes it: turned round, NUL-padded to 4 bytes.
-    static QByteArray wireTag(const QString& tag);
+    // The wire form of a tag as a person writes it: a DWORD holding the text big-endian, so
+    // turned round and NUL-padded in front to 4 bytes.
+    static QByteArray wireTag(const QByteArray& tag);
+    static QByteArray tagText(const QByteArray& wire);
 
 private:
     struct Member {
@@ -45,7 +47,7 @@ private:
         QString location;
     };
     struct Clan {
-        QByteArray tag;
+        QByteArray tag; // as a person writes it
         QString name;
         QString motd;
         std::vector<Member> members;

@@ -1,0 +1,59 @@
+// The lines a running bot hands to its terminal and followers: finished,
+// across views in the order written, and none lost when a full view is
+// emptied.
+#include "common/SlotFixture.h"
+#include "config/SettingsWrapper.h"
+#include "control/ChatFeed.h"
+#include "platform/ChatDocument.h"
+#include "presentation/ChatWriter.h"
+
+#include <QCoreApplication>
+
+TEST_F(SlotFixture, ChatFeedHandsOnFinishedLinesInWritingOrderAndBeforeAViewIsEmptied) {
+    SettingsWrapper::instance().setTimeStamp(false);
+    SettingsWrapper::instance().setColorDisp(0);
+    ChatFeed& feed = ChatFeed::instance();
+    const int a = SlotTable::instance().LoadProfile(QStringLiteral("A"));
+    std::vector<FeedLine> seen;
+    const auto collect = QObject::connect(&feed, &ChatFeed::linesWritten,
+                                          [&](const QList<FeedLine>& lines) {
+                                              for (const FeedLine& l : lines)
+                                                  seen.push_back(l);
+                                          });
+
+    WriteChat(0, Status::Information, QStringLiteral("console one"));
+    WriteChat(a, Status::Information, QStringLiteral("slot one"));
+    WriteChatView(rtbWhisper(a), {{0xFFFFFF, QStringLiteral("<From: b> hi\r\n")}});
+    WriteChat(0, Status::Information, QStringLiteral("console two"));
+    // The escape colours the rest of its line after the line end went in.
+    WriteChat(a, {{0xFFFFFF, QStringLiteral("plain \u00C1Yred")}});
+    // Enough to empty the console's view several times in one go.
+    constexpr int kFill = 20000;
+    for (int i = 0; i < kFill; ++i)
+        WriteChat(0, Status::Information, QStringLiteral("fill %1").arg(i));
+    QCoreApplication::processEvents();
+    QObject::disconnect(collect);
+
+    ASSERT_EQ(seen.size(), size_t(5 + kFill));
+    const std::vector<std::tuple<int, bool, QString>> first{
+        {0, false, QStringLiteral("console one")},
+        {a, false, QStringLiteral("slot one")},
+        {a, true, QStringLiteral("<From: b> hi")},
+        {0, false, QStringLiteral("console two")},
+        {a, false, QStringLiteral("plain red")}};
+    for (size_t i = 0; i < first.size(); ++i) {
+        EXPECT_EQ(seen[i].slot, std::get<0>(first[i])) << i;
+        EXPECT_EQ(seen[i].whisper, std::get<1>(first[i])) << i;
+        EXPECT_EQ(seen[i].text(), std::get<2>(first[i])) << i;
+    }
+    ASSERT_EQ(seen[4].runs.size(), 2u);
+    EXPECT_NE(seen[4].runs[1].format.color, seen[4].runs[0].format.color);
+    for (int i = 0; i < kFill; ++i)
+        ASSERT_EQ(seen[size_t(5 + i)].text(), QStringLiteral("fill %1").arg(i));
+
+    // What a follower is shown first: the last lines the slot's views hold.
+    const QList<FeedLine> recent = feed.recentLines(a, 2);
+    ASSERT_EQ(recent.size(), 2);
+    EXPECT_EQ(recent[0].text(), QStringLiteral("plain red"));
+    EXPECT_EQ(recent[1].text(), QStringLiteral("<From: b> hi"));
+}

@@ -1,0 +1,234 @@
+// A bot that runs as a service, steered and followed from other terminals: a
+// headless bot without input and two profiles against the sandbox; `status`,
+// `load`, `connect`, `send`, `tail`, `disconnect` and `unload` while it runs,
+// and a burst of lines that all reach its standard output.
+#include "common/SandboxProcess.h"
+#include "common/TerminalVerb.h"
+
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace {
+
+QString program() {
+    return ProgramBinary();
+}
+
+using Answer = VerbAnswer;
+
+class SteeringEndToEnd : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(sandbox.start({QStringLiteral("--control")}));
+        for (const QString& name : {QStringLiteral("Alpha"), QStringLiteral("Beta")}) {
+            setUp({QStringLiteral("profile"), QStringLiteral("new"), name});
+            const QList<QPair<QString, QString>> values{
+                {QStringLiteral("Account"), name.toLower() + QStringLiteral("bot")},
+                {QStringLiteral("Password"), QStringLiteral("secret")},
+                {QStringLiteral("Product"), QStringLiteral("STAR")},
+                {QStringLiteral("Verbyte"), QStringLiteral("d3")},
+                {QStringLiteral("Cdkey1"), QStringLiteral("7178075237576")},
+                {QStringLiteral("Server"), sandbox.bncsServer()},
+                {QStringLiteral("ServerBNLS"), sandbox.bnlsServer()},
+                {QStringLiteral("Channel"), QStringLiteral("Steer")}};
+            for (const auto& [key, value] : values)
+                setUp({QStringLiteral("profile"), QStringLiteral("set"), name, key, value});
+        }
+        setUp({QStringLiteral("profile"), QStringLiteral("set"), QStringLiteral("Alpha"),
+               QStringLiteral("Load at Startup"), QStringLiteral("on")});
+        // Every talk event shows, however fast it comes.
+        setUp({QStringLiteral("config"), QStringLiteral("set"), QStringLiteral("Settings"),
+               QStringLiteral("FloodMode"), QStringLiteral("0")});
+    }
+    void TearDown() override {
+        for (QProcess* p : {&bot, &tail}) {
+            if (p->state() == QProcess::NotRunning) continue;
+            p->terminate();
+            if (!p->waitForFinished(10000)) p->kill();
+        }
+    }
+
+    // One verb from another terminal, answered while the bot runs.
+    Answer verb(const QStringList& words) { return RunVerb(home.path(), words); }
+    void setUp(const QStringList& words) {
+        const Answer run = verb(words);
+        ASSERT_EQ(run.status, 0) << words.join(u' ').toStdString() << ": "
+                                 << run.err.toStdString();
+    }
+
+    void startBot() {
+        bot.start(program(), {QStringLiteral("--headless"), QStringLiteral("--no-input"),
+                              QStringLiteral("--connect"), QStringLiteral("--home"),
+                              home.path()});
+        ASSERT_TRUE(bot.waitForStarted());
+        ASSERT_TRUE(botSays(QStringLiteral("[Alpha] "), QStringLiteral("alphabot is present")));
+    }
+
+    // Waits until `text` has come out of `process` (everything it printed is
+    // kept in `seen`); the text may stand after a prefix on its line.
+    static bool says(QProcess& process, QString& seen, const QString& text, int ms = 20000) {
+        return waitFor(
+            [&] {
+                seen += QString::fromUtf8(process.readAllStandardOutput());
+                return seen.contains(text);
+            },
+            ms);
+    }
+    bool botSays(const QString& prefix, const QString& text) {
+        return waitFor(
+            [&] {
+                botOut += QString::fromUtf8(bot.readAllStandardOutput());
+                const QRegularExpression line(u'^' + QRegularExpression::escape(prefix) +
+                                                  QStringLiteral(".*") +
+                                                  QRegularExpression::escape(text),
+                                              QRegularExpression::MultilineOption);
+                return line.match(botOut).hasMatch();
+            },
+            20000);
+    }
+    // Until a row of `status` matches the pattern.
+    bool statusShows(const QString& row) {
+        const QRegularExpression pattern(u'^' + row, QRegularExpression::MultilineOption);
+        return waitFor(
+            [&] { return pattern.match(verb({QStringLiteral("status")}).out).hasMatch(); },
+            20000);
+    }
+
+    SandboxProcess sandbox;
+    QTemporaryDir home;
+    QProcess bot;
+    QString botOut;
+    QProcess tail;
+    QString tailOut;
+};
+
+} // namespace
+
+TEST_F(SteeringEndToEnd, AServiceBotIsSteeredAndFollowedFromOtherTerminals) {
+    setUp({QStringLiteral("config"), QStringLiteral("set"), QStringLiteral("Settings"),
+           QStringLiteral("WhisperPanel"), QStringLiteral("1")});
+    startBot();
+    ASSERT_TRUE(statusShows(QStringLiteral("Alpha +online +Steer +1 +\\d+ ms +-$")));
+
+    // The second profile is loaded and connected from here.
+    Answer a = verb({QStringLiteral("load"), QStringLiteral("beta")});
+    ASSERT_EQ(a.status, 0) << a.err.toStdString();
+    EXPECT_TRUE(a.out.startsWith(QStringLiteral("Loaded 'Beta'"))) << a.out.toStdString();
+    a = verb({QStringLiteral("load"), QStringLiteral("Beta")});
+    EXPECT_EQ(a.status, 1);
+    EXPECT_EQ(a.err, QStringLiteral("Cannot load profile (Beta) it is already loaded.\n"));
+    EXPECT_TRUE(statusShows(QStringLiteral("Beta +offline +- +- +- +-$")));
+    ASSERT_EQ(verb({QStringLiteral("connect"), QStringLiteral("Beta")}).status, 0);
+    ASSERT_TRUE(statusShows(QStringLiteral("Beta +online +Steer +2 ")));
+
+    // A follower gets the last lines first, then each line as it comes: what
+    // `send` types, and a whisper that the whisper panel takes.
+    tail.start(program(), {QStringLiteral("--home"), home.path(), QStringLiteral("tail"),
+                           QStringLiteral("Beta"), QStringLiteral("-n"), QStringLiteral("3")});
+    // The account's facts end the logon: the last three lines are theirs.
+    ASSERT_TRUE(says(tail, tailOut, QStringLiteral("Time Logged:"))) << tailOut.toStdString();
+    EXPECT_EQ(tailOut.count(u'\n'), 3) << tailOut.toStdString();
+    EXPECT_TRUE(tailOut.contains(QStringLiteral("Last Logoff:")));
+    a = verb({QStringLiteral("send"), QStringLiteral("Beta"), QStringLiteral("hello"),
+              QStringLiteral("from"), QStringLiteral("afar")});
+    ASSERT_EQ(a.status, 0) << a.err.toStdString();
+    EXPECT_TRUE(says(tail, tailOut, QStringLiteral("<betabot> hello from afar")));
+    a = verb({QStringLiteral("send"), QStringLiteral("Beta"), QStringLiteral("/ver")});
+    EXPECT_TRUE(a.out.contains(QStringLiteral("Corvantide v"))) << a.out.toStdString();
+    ASSERT_EQ(sandbox.control({QStringLiteral("user Ghost"),
+                               QStringLiteral("whisper Ghost betabot psst, beta")}),
+              QStringList({QStringLiteral("ok"), QStringLiteral("ok")}));
+    EXPECT_TRUE(says(tail, tailOut, QStringLiteral("<From: Ghost> psst, beta")));
+    EXPECT_TRUE(botSays(QStringLiteral("[Beta] "), QStringLiteral("<From: Ghost> psst, beta")));
+    EXPECT_FALSE(tailOut.contains(QStringLiteral("[Alpha]")));
+
+    // Disconnected and unloaded from here; the follower is told, and a line
+    // for a profile no longer loaded is refused.
+    ASSERT_EQ(verb({QStringLiteral("disconnect"), QStringLiteral("Beta")}).status, 0);
+    EXPECT_TRUE(says(tail, tailOut, QStringLiteral("[Connections Closed]")));
+    EXPECT_TRUE(statusShows(QStringLiteral("Beta +offline +- ")));
+    ASSERT_EQ(verb({QStringLiteral("unload"), QStringLiteral("Beta")}).status, 0);
+    EXPECT_TRUE(says(tail, tailOut, QStringLiteral("-- 'Beta' was unloaded")));
+    a = verb({QStringLiteral("send"), QStringLiteral("Beta"), QStringLiteral("hi")});
+    EXPECT_EQ(a.status, 1);
+    EXPECT_TRUE(a.err.startsWith(QStringLiteral("No profile named 'Beta' is loaded")));
+    EXPECT_FALSE(verb({QStringLiteral("status")}).out.contains(QStringLiteral("Beta")));
+
+    // Loaded again, the follower picks it up by name.
+    ASSERT_EQ(verb({QStringLiteral("load"), QStringLiteral("Beta")}).status, 0);
+    ASSERT_EQ(verb({QStringLiteral("reconnect"), QStringLiteral("Beta")}).status, 0);
+    EXPECT_TRUE(says(tail, tailOut, QStringLiteral("-- 'Beta' was loaded.")));
+    EXPECT_TRUE(says(tail, tailOut, QStringLiteral("Joined Private channel:")));
+
+    // A loaded profile deleted from the store leaves its slot, and loading
+    // goes on working.
+    setUp({QStringLiteral("profile"), QStringLiteral("clone"), QStringLiteral("Beta"),
+           QStringLiteral("Gamma")});
+    setUp({QStringLiteral("profile"), QStringLiteral("delete"), QStringLiteral("Beta")});
+    EXPECT_TRUE(waitFor([&] {
+        tailOut += QString::fromUtf8(tail.readAllStandardOutput());
+        return tailOut.count(QStringLiteral("-- 'Beta' was unloaded")) == 2;
+    }));
+    a = verb({QStringLiteral("load"), QStringLiteral("Gamma")});
+    EXPECT_EQ(a.status, 0) << a.err.toStdString();
+    EXPECT_TRUE(statusShows(QStringLiteral("Gamma +offline")));
+
+    // The bot going away ends the follower.
+    bot.terminate();
+    ASSERT_TRUE(bot.waitForFinished(20000));
+    ASSERT_TRUE(tail.waitForFinished(20000));
+    EXPECT_TRUE(tail.readAllStandardError().contains("The bot stopped"));
+
+    // Without a running bot the steering verbs say so.
+    a = verb({QStringLiteral("status")});
+    EXPECT_EQ(a.status, 1);
+    EXPECT_TRUE(a.err.startsWith(QStringLiteral("No Corvantide runs on this home"))) << a.err.toStdString();
+}
+
+// Ten thousand talk events in one burst: each is a line on the bot's standard
+// output (a pipe, as under a service manager), in order, though the chat view
+// is emptied many times meanwhile. A follower reading at the same time sees
+// each line or has it counted as skipped.
+TEST_F(SteeringEndToEnd, EveryLineOfABurstReachesStandardOutputInOrder) {
+    startBot();
+    ASSERT_EQ(sandbox.control(QStringLiteral("join Ghost Steer")), QStringLiteral("ok"));
+    ASSERT_TRUE(botSays(QStringLiteral("[Alpha] "), QStringLiteral("Ghost has joined")));
+    // The follower is in place once the last line before it has reached it.
+    tail.start(program(), {QStringLiteral("--home"), home.path(), QStringLiteral("tail"),
+                           QStringLiteral("Alpha"), QStringLiteral("-n"), QStringLiteral("1")});
+    ASSERT_TRUE(says(tail, tailOut, QStringLiteral("Ghost has joined")));
+
+    constexpr int kLines = 10000;
+    QStringList burst;
+    for (int i = 1; i <= kLines; ++i)
+        burst << QStringLiteral("talk Ghost burst line %1").arg(i);
+    ASSERT_EQ(sandbox.control(burst, 60000).size(), kLines);
+    ASSERT_TRUE(botSays(QStringLiteral("[Alpha] "), QStringLiteral("burst line %1").arg(kLines)));
+    const QRegularExpression talk(QStringLiteral("^\\[Alpha\\] .*<Ghost> burst line (\\d+)$"),
+                                  QRegularExpression::MultilineOption);
+    int expected = 1;
+    for (auto it = talk.globalMatch(botOut); it.hasNext();) {
+        ASSERT_EQ(it.next().captured(1).toInt(), expected) << "a line missing or out of order";
+        ++expected;
+    }
+    EXPECT_EQ(expected - 1, kLines);
+
+    // Shown plus skipped: every line of the burst, whatever the follower's pace.
+    const QRegularExpression shown(QStringLiteral("<Ghost> burst line \\d+$"),
+                                   QRegularExpression::MultilineOption);
+    const QRegularExpression skipped(QStringLiteral("^\\.\\.\\. (\\d+) lines skipped$"),
+                                     QRegularExpression::MultilineOption);
+    int accounted = 0;
+    ASSERT_TRUE(waitFor([&] {
+        tailOut += QString::fromUtf8(tail.readAllStandardOutput());
+        accounted = 0;
+        for (auto it = shown.globalMatch(tailOut); it.hasNext(); it.next())
+            ++accounted;
+        for (auto it = skipped.globalMatch(tailOut); it.hasNext();)
+            accounted += it.next().captured(1).toInt();
+        return accounted >= kLines;
+    }, 30000)) << accounted;
+    EXPECT_EQ(accounted, kLines);
+}

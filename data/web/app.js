@@ -8,6 +8,7 @@
 
 const $ = (id) => document.getElementById(id);
 const MAX_LINES = 1000;
+const decoder = new TextDecoder();
 
 const state = {
   socket: null,
@@ -70,8 +71,10 @@ function open() {
   state.socket = socket;
   state.refused = false;
   socket.onopen = () => socket.send(JSON.stringify({ event: "hello", token: state.token }));
+  socket.binaryType = "arraybuffer";
   socket.onmessage = (event) => {
-    for (const text of event.data.split("\n")) if (text) receive(JSON.parse(text));
+    const text = typeof event.data === "string" ? event.data : decoder.decode(event.data);
+    for (const line of text.split("\n")) if (line) receive(JSON.parse(line));
   };
   socket.onclose = () => {
     if (state.socket !== socket) return;

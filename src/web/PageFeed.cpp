@@ -22,8 +22,8 @@ QString cssColour(quint32 bgr) {
     return QStringLiteral("#%1").arg(rgb, 6, 16, QLatin1Char('0'));
 }
 
-QString compact(const QJsonObject& object) {
-    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+QByteArray compact(const QJsonObject& object) {
+    return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
 }
 
 QJsonObject usersOf(int slot) {
@@ -124,16 +124,16 @@ void PageFeed::linesWritten(const QList<FeedLine>& lines) {
     QByteArray messages;
     for (const FeedLine& line : lines)
         messages += FeedMessages::Line(line, profileOf(line.slot));
-    Q_EMIT this->lines(QString::fromUtf8(messages), int(lines.size()));
+    Q_EMIT this->lines(messages, int(lines.size()));
 }
 
 void PageFeed::flushState() {
-    const QString slots = compact(slotsNow());
+    const QByteArray slots = compact(slotsNow());
     if (slots != m_lastSlots) {
         m_lastSlots = slots;
         Q_EMIT state(QStringLiteral("slots"), slots);
     }
-    const QString status = compact(statusNow());
+    const QByteArray status = compact(statusNow());
     if (status != m_lastStatus) {
         m_lastStatus = status;
         Q_EMIT state(QStringLiteral("status"), status);
@@ -147,8 +147,8 @@ void PageFeed::flushState() {
 
 // The caller flushes the chat feed first, so that no line is both in the
 // snapshot and still on its way.
-std::vector<QString> PageFeed::snapshot() const {
-    std::vector<QString> messages{compact(slotsNow()), compact(statusNow())};
+std::vector<QByteArray> PageFeed::snapshot() const {
+    std::vector<QByteArray> messages{compact(slotsNow()), compact(statusNow())};
     const ChatFeed& feed = ChatFeed::instance();
     SlotTable& table = SlotTable::instance();
     for (int i = 0; i <= table.highestIndex(); ++i) {
@@ -156,7 +156,7 @@ std::vector<QString> PageFeed::snapshot() const {
         QByteArray recent;
         for (const FeedLine& line : feed.recentLines(i, kRecentLines))
             recent += FeedMessages::Line(line, profileOf(i));
-        if (!recent.isEmpty()) messages.push_back(QString::fromUtf8(recent));
+        if (!recent.isEmpty()) messages.push_back(recent);
         if (i > 0) messages.push_back(compact(usersOf(i)));
     }
     return messages;

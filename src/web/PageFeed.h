@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QObject>
 #include <QSet>
 #include <QString>
@@ -23,13 +24,13 @@ public:
     void setListening(bool listening);
 
     // Everything a new page needs, in order.
-    std::vector<QString> snapshot() const;
+    std::vector<QByteArray> snapshot() const;
 
 Q_SIGNALS:
     // Chat lines, `count` of them (droppable when a page falls behind).
-    void lines(const QString& messages, int count);
+    void lines(const QByteArray& messages, int count);
     // The latest state of what `key` names.
-    void state(const QString& key, const QString& message);
+    void state(const QString& key, const QByteArray& message);
 
 private:
     void linesWritten(const QList<FeedLine>& lines);
@@ -39,6 +40,6 @@ private:
     bool m_listening = false;
     QSet<int> m_dirtyUsers;
     QTimer m_stateTimer;
-    QString m_lastSlots;
-    QString m_lastStatus;
+    QByteArray m_lastSlots;
+    QByteArray m_lastStatus;
 };

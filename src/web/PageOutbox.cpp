@@ -2,7 +2,7 @@
 
 #include "control/FeedMessages.h"
 
-void PageOutbox::pushLines(const QString& message, int lines) {
+void PageOutbox::pushLines(const QByteArray& message, int lines) {
     if (int(m_queue.size()) < kMostQueued) {
         m_queue.push_back({{}, message, 0});
         return;
@@ -13,7 +13,7 @@ void PageOutbox::pushLines(const QString& message, int lines) {
     m_queue.back().skipped += lines;
 }
 
-void PageOutbox::pushState(const QString& key, const QString& message) {
+void PageOutbox::pushState(const QString& key, const QByteArray& message) {
     for (Entry& entry : m_queue) {
         if (entry.key == key) {
             entry.message = message;
@@ -23,10 +23,10 @@ void PageOutbox::pushState(const QString& key, const QString& message) {
     m_queue.push_back({key, message, 0});
 }
 
-QString PageOutbox::take() {
+QByteArray PageOutbox::take() {
     if (m_inFlight >= kMostInFlight || m_queue.empty()) return {};
     Entry entry = std::move(m_queue.front());
     m_queue.pop_front();
     if (entry.skipped == 0) return entry.message;
-    return QString::fromUtf8(FeedMessages::Skipped(entry.skipped));
+    return FeedMessages::Skipped(entry.skipped);
 }

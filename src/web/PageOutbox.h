@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <deque>
 
@@ -16,12 +17,12 @@ public:
     static constexpr qint64 kMostInFlight = 256 * 1024;
 
     // `lines` is how many chat lines the message holds.
-    void pushLines(const QString& message, int lines);
+    void pushLines(const QByteArray& message, int lines);
     // A state message; `key` names what it describes ("users 3", "status").
-    void pushState(const QString& key, const QString& message);
+    void pushState(const QString& key, const QByteArray& message);
 
     // The next message that may go now; empty when none may.
-    QString take();
+    QByteArray take();
     void sent(qint64 bytes) { m_inFlight += bytes; }
     void written(qint64 bytes) { m_inFlight = std::max<qint64>(0, m_inFlight - bytes); }
 
@@ -31,7 +32,7 @@ public:
 private:
     struct Entry {
         QString key; // empty for chat lines
-        QString message; // shared with every page's copy
+        QByteArray message; // shared with every page's copy
         qint64 skipped = 0; // a gap: lines dropped at this place
     };
     std::deque<Entry> m_queue;

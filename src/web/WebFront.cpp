@@ -42,8 +42,8 @@ QHttpServerResponse pageFile(const QString& name, const QByteArray& type) {
     return response;
 }
 
-QString message(const QJsonObject& object) {
-    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+QByteArray message(const QJsonObject& object) {
+    return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
 }
 
 // What a page may ask: the steering verbs, as the control socket takes them
@@ -70,12 +70,12 @@ WebFront::WebFront(QObject* parent)
       m_listener(new WebListener(this)), m_feed(new PageFeed(this)) {
     addRoutes();
     connect(m_http.get(), &QHttpServer::newWebSocketConnection, this, &WebFront::acceptPages);
-    connect(m_feed, &PageFeed::lines, this, [this](const QString& message, int count) {
+    connect(m_feed, &PageFeed::lines, this, [this](const QByteArray& message, int count) {
         for (WebPage* page : m_pages) {
             if (page->admitted()) page->sendLines(message, count);
         }
     });
-    connect(m_feed, &PageFeed::state, this, [this](const QString& key, const QString& message) {
+    connect(m_feed, &PageFeed::state, this, [this](const QString& key, const QByteArray& message) {
         for (WebPage* page : m_pages) {
             if (page->admitted()) page->sendState(key, message);
         }
@@ -201,7 +201,7 @@ void WebFront::greet(WebPage* page, const QString& text) {
     m_feed->setListening(true);
     page->sendNow(message({{QStringLiteral("event"), QStringLiteral("welcome")}}));
     int part = 0;
-    for (const QString& snapshot : m_feed->snapshot())
+    for (const QByteArray& snapshot : m_feed->snapshot())
         page->sendState(QStringLiteral("snapshot %1").arg(part++), snapshot);
 }
 

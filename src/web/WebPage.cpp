@@ -31,34 +31,36 @@ QString WebPage::peer() const {
     return WebListener::peerOf(m_socket->peerAddress(), m_socket->peerPort());
 }
 
-void WebPage::sendLines(const QString& message, int count) {
+void WebPage::sendLines(const QByteArray& message, int count) {
     m_outbox.pushLines(message, count);
     pump();
 }
 
-void WebPage::sendState(const QString& key, const QString& message) {
+void WebPage::sendState(const QString& key, const QByteArray& message) {
     m_outbox.pushState(key, message);
     pump();
 }
 
-void WebPage::sendNow(const QString& message) {
+// The messages are JSON text as UTF-8, one object a line, as the control
+// socket carries them; they go in binary frames so that the bytes made once
+// for every page are not converted again for each.
+void WebPage::sendNow(const QByteArray& message) {
     if (m_closed) return;
-    m_outbox.sent(m_socket->sendTextMessage(message));
+    m_outbox.sent(m_socket->sendBinaryMessage(message));
 }
 
 void WebPage::refuse(const QString& text) {
     if (m_closed) return;
-    sendNow(QString::fromUtf8(
-        QJsonDocument(QJsonObject{{QStringLiteral("event"), QStringLiteral("refused")},
-                                  {QStringLiteral("text"), text}})
-            .toJson(QJsonDocument::Compact)));
+    sendNow(QJsonDocument(QJsonObject{{QStringLiteral("event"), QStringLiteral("refused")},
+                                      {QStringLiteral("text"), text}})
+                .toJson(QJsonDocument::Compact));
     m_socket->close(QWebSocketProtocol::CloseCodePolicyViolated, text.left(120));
 }
 
 void WebPage::pump() {
     if (m_closed) return;
-    for (QString message = m_outbox.take(); !message.isEmpty(); message = m_outbox.take())
-        m_outbox.sent(m_socket->sendTextMessage(message));
+    for (QByteArray message = m_outbox.take(); !message.isEmpty(); message = m_outbox.take())
+        m_outbox.sent(m_socket->sendBinaryMessage(message));
 }
 
 void WebPage::onDisconnected() {

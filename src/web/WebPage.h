@@ -23,10 +23,10 @@ public:
     QString peer() const;
     const PageOutbox& outbox() const { return m_outbox; }
 
-    void sendLines(const QString& message, int count);
-    void sendState(const QString& key, const QString& message);
+    void sendLines(const QByteArray& message, int count);
+    void sendState(const QString& key, const QByteArray& message);
     // Sends at once, ahead of the queue (answers and the first messages).
-    void sendNow(const QString& message);
+    void sendNow(const QByteArray& message);
     // Tells the page why, then closes it.
     void refuse(const QString& text);
 

@@ -33,8 +33,8 @@ struct Page {
     QStringList heard;
 
     explicit Page(int port, const QString& token) {
-        QObject::connect(&socket, &QWebSocket::textMessageReceived,
-                         [this](const QString& m) { heard.append(m); });
+        QObject::connect(&socket, &QWebSocket::binaryMessageReceived,
+                         [this](const QByteArray& m) { heard.append(QString::fromUtf8(m)); });
         QObject::connect(&socket, &QWebSocket::connected, [this, token] {
             socket.sendTextMessage(QStringLiteral("{\"event\":\"hello\",\"token\":\"%1\"}").arg(token));
         });

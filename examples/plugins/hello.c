@@ -8,10 +8,11 @@
  *
  * It greets who joins, counts the packets the bot receives and shows the count,
  * with the profile on screen and its channel, when its entry in the plug-in
- * list is clicked. */
+ * list is clicked; a typed "gg" goes out as "good game, well played". */
 #include "corvantide/plugin.h"
 
 #include <stdio.h>
+#include <string.h>
 
 static const corvantide_host* host;
 static unsigned long packets;
@@ -65,6 +66,14 @@ CORVANTIDE_EXPORT int Event_UserJoin(corvantide_call* call) {
     return 0;
 }
 
+/* Event_PressedEnter: BotIndex, Message. A text is rewritten within its
+ * buffer, which has room to grow. */
+CORVANTIDE_EXPORT int Event_PressedEnter(corvantide_call* call) {
+    if (call->argc >= 2 && strcmp(call->argv[1].text, "gg") == 0)
+        snprintf(call->argv[1].text, call->argv[1].text_size, "good game, well played");
+    return 0;
+}
+
 /* The members of the kinds registered above that this plug-in has no use
  * for: each must exist, or its event is an error. */
 #define NOTHING_TO_DO(member)                                                                      \
@@ -90,4 +99,3 @@ NOTHING_TO_DO(Event_Info)
 NOTHING_TO_DO(Event_Error)
 NOTHING_TO_DO(Event_UserEmote)
 NOTHING_TO_DO(Event_EnteredChat)
-NOTHING_TO_DO(Event_PressedEnter)

@@ -62,7 +62,8 @@ std::optional<ProfileSheet> ProfileSheet::read(const QString& profile) {
     sheet.Cdkey1 = config.Cdkey();
     sheet.Cdkey2 = config.Cdkey2();
     sheet.Product = productIndex(stored("Product", config.Client(), QStringLiteral("STAR")));
-    sheet.Verbyte = stored("Verbyte", config.Verbyte(), QStringLiteral("CF"));
+    // Empty, the profile sends its product's current version byte.
+    sheet.Verbyte = config.Verbyte();
     sheet.Server = stored("Server", config.Server(), SettingsWrapper::Gateways().front());
     sheet.ServerBNLS =
         stored("ServerBNLS", config.ServerBNLS(), SettingsWrapper::BnlsServers().front());
@@ -96,7 +97,9 @@ bool ProfileSheet::write(const QString& profile) const {
     config.setIdleMsg(IdleMsg);
     const bool databaseStored =
         store.WriteSTRING(config.profileKey(), QStringLiteral("Database"), Database) != 0;
+    // An empty byte follows the product; the one kept for it stays.
     const bool verbyteKept =
+        Verbyte.isEmpty() ||
         store.WriteSTRING(verbytesKey(), QString::number(Product), Verbyte) != 0;
     config.setIdleTime(LeadingNumber(IdleTime));
     config.setPingSpoof(PingSpoof);

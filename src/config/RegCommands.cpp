@@ -39,6 +39,13 @@ int ImportRegCommand(RegistryWrapper& store, const QString& file, QTextStream& o
                 << valuesText(report.values) << " before it went in)\n";
         return 1;
     }
+    if (!report.notes.isEmpty()) {
+        // What was noted did not go in as written: no success to report.
+        err << "Imported " << valuesText(report.values) << " from " << file << ", but "
+            << report.notes.size() << (report.notes.size() == 1 ? " line was" : " lines were")
+            << " not read as written (see above)\n";
+        return 1;
+    }
     out << "Imported " << valuesText(report.values) << " from " << file << '\n';
     return 0;
 }

@@ -2,6 +2,7 @@
 
 #include "config/FileWrites.h"
 #include "config/Folders.h"
+#include "config/RegText.h"
 #include "platform/Cp1252.h"
 
 #include <QCoreApplication>
@@ -146,21 +147,6 @@ bool isHexDigit(QChar c) {
 
 bool allHexDigits(QStringView text) {
     return std::all_of(text.begin(), text.end(), isHexDigit);
-}
-
-// The data of a "dword:" line, read as a hexadecimal number: the digits at
-// its start, FFFFFFFF being -1; digits past the eighth carry out of 32 bits.
-// `exact` says the text was one to eight digits and nothing else.
-qint32 leadingHexNumber(QStringView hex, bool& exact) {
-    quint32 value = 0;
-    qsizetype digits = 0;
-    while (digits < hex.size() && isHexDigit(hex[digits])) {
-        const char16_t c = hex[digits].unicode();
-        value = value * 16 + quint32(c <= '9' ? c - '0' : (c | 0x20) - 'a' + 10);
-        ++digits;
-    }
-    exact = digits > 0 && digits <= 8 && digits == hex.size();
-    return static_cast<qint32>(value);
 }
 
 // A string as a reader gets it: fetched into a 255-byte buffer that also
@@ -943,33 +929,26 @@ bool RegistryWrapper::exportSection(qint64 id, const QString& display, QIODevice
         if (QCoreApplication::instance()) QCoreApplication::processEvents();
     }
     const QList<Value> list = values(id);
-    QString defaultText;
+    // The default value's line always stands first, then strings, binary
+    // data and numbers, whatever their order in the store.
+    QString defaultLine = QStringLiteral("@=\"\"\r\n");
     QString strings;
     QString binaries;
     QString dwords;
     for (const Value& value : list) {
-        const QString name = u'"' + value.name + u'"';
-        if (value.type == TypeString) {
-            if (value.name.isEmpty())
-                defaultText = cp1252::decode(value.data);
-            else
-                strings += name + QStringLiteral("=\"") + cp1252::decode(value.data) +
-                           QStringLiteral("\"\r\n");
-        } else if (value.type == TypeBinary) {
-            QString hex = BinToStr(value.data);
-            hex.chop(1);
-            binaries +=
-                name + QStringLiteral("=hex:") + hex.replace(u' ', u',') + QStringLiteral("\r\n");
-        } else if (value.type == TypeDword) {
-            dwords +=
-                name + QStringLiteral("=dword:") +
-                QStringLiteral("%1").arg(quint32(value.dword), 8, 16, QLatin1Char('0')).toUpper() +
-                QStringLiteral("\r\n");
-        }
+        const QString line = regtext::valueLine(value.name, value.type, value.data, value.dword) +
+                             QStringLiteral("\r\n");
+        if (value.type == TypeString && value.name.isEmpty())
+            defaultLine = line;
+        else if (value.type == TypeString)
+            strings += line;
+        else if (value.type == TypeBinary)
+            binaries += line;
+        else if (value.type == TypeDword)
+            dwords += line;
     }
-    const QString section = u'[' + header + QStringLiteral("]\r\n@=\"") + defaultText +
-                            QStringLiteral("\"\r\n") + strings + binaries + dwords +
-                            QStringLiteral("\r\n");
+    const QString section = u'[' + header + QStringLiteral("]\r\n") + defaultLine + strings +
+                            binaries + dwords + QStringLiteral("\r\n");
     const QByteArray bytes = cp1252::encode(section);
     if (file.write(bytes) != bytes.size()) return false;
     if (!recursive) return true;
@@ -1009,18 +988,32 @@ bool RegistryWrapper::ImportRegText(QByteArrayView text, ImportReport* report) {
     // refused write stays.
     Transaction transaction(*this);
     QString key; // empty before the first section and in a skipped one
+    bool inSection = false;
     for (qsizetype i = 1; i < lines.size(); ++i) {
         const QString where = QStringLiteral("line %1: ").arg(i + 1);
-        const QString line = trimBlanks(lines[i]).remove(u'"');
-        const bool isSection = line.startsWith(u'[');
-        if (!isSection &&
-            (key.isEmpty() || line.isEmpty() || line.startsWith(u';') || !line.contains(u'=')))
-            continue;
-        if (lines[i].count(u'"') % 2 != 0)
-            r.notes.append(where + QStringLiteral("a quote is not closed; read as ") + line);
-        if (isSection) {
+        QString line = trimBlanks(lines[i]);
+        if (line.isEmpty() || line.startsWith(u';')) continue;
+        if (line.startsWith(u'[')) {
             key = importSection(line, where, r);
-        } else if (!importValue(key, line, where, r)) {
+            inSection = true;
+            continue;
+        }
+        if (key.isEmpty()) {
+            // The values of a removed or refused key were noted with it.
+            if (!inSection)
+                r.notes.append(where + QStringLiteral("a value before the first [key]; skipped: ") +
+                               regtext::visible(line));
+            continue;
+        }
+        // Long hex data goes on over the lines that follow a backslash.
+        QString name;
+        QString error;
+        const qsizetype start = regtext::dataStart(line, name, error);
+        while (start >= 0 && regtext::continues(QStringView(line).mid(start)) &&
+               i + 1 < lines.size()) {
+            line = trimBlanks(line).chopped(1) + trimBlanks(lines[++i]);
+        }
+        if (!importValue(key, line, where, r)) {
             if (!transaction.commit()) r.values = 0;
             return false;
         }
@@ -1062,44 +1055,31 @@ QString RegistryWrapper::importSection(const QString& line, const QString& where
 // noted and passed over.
 bool RegistryWrapper::importValue(const QString& key, const QString& line, const QString& where,
                                   ImportReport& report) {
-    const QStringList parts = line.split(u'=');
-    const QString& name = parts[0];
-    const QString data = trimBlanks(parts[1]);
-    if (name.contains(QChar(0)) || name.size() > kMaxName) {
-        report.notes.append(where + (name.size() > kMaxName
-                                         ? QStringLiteral("the value name is longer than 255 "
-                                                          "characters; skipped")
-                                         : QStringLiteral("the value name holds a NUL; skipped")));
+    regtext::Value value;
+    QString error;
+    const qsizetype start = regtext::dataStart(line, value.name, error);
+    if (start >= 0 && value.name.contains(QChar(0)))
+        error = QStringLiteral("the value name holds a NUL");
+    else if (start >= 0 && value.name.size() > kMaxName)
+        error = QStringLiteral("the value name is longer than 255 characters");
+    else if (start >= 0)
+        regtext::readData(QStringView(line).mid(start), value, error);
+    if (!error.isEmpty()) {
+        report.notes.append(where + error + QStringLiteral("; skipped: ") +
+                            regtext::visible(QStringView(line).left(80)) +
+                            (line.size() > 80 ? QStringLiteral("...") : QString()));
         return true;
     }
-    int written = 0;
-    bool removesDefault = false;
-    if (data == u"-") {
-        KillValue(key, name);
+    if (!value.warning.isEmpty()) report.notes.append(where + value.warning);
+    if (value.remove) {
+        KillValue(key, value.name);
         return true;
-    } else if (data.left(4).compare(u"hex:", Qt::CaseInsensitive) == 0) {
-        bool ok = false;
-        const QByteArray bytes = StrToBin(data.mid(4).replace(u',', u' '), &ok);
-        if (!ok) {
-            report.notes.append(where + data + QStringLiteral(" is not hexadecimal; skipped"));
-            return true;
-        }
-        written = writeValue(key, name, TypeBinary, bytes, 0);
-    } else if (data.left(6).compare(u"dword:", Qt::CaseInsensitive) == 0) {
-        bool exact = false;
-        const qint32 number = leadingHexNumber(QStringView(data).mid(6), exact);
-        if (!exact)
-            report.notes.append(where + data +
-                                QStringLiteral(" is not up to eight hexadecimal digits; "
-                                               "stored %1")
-                                    .arg(number));
-        written = WriteDWORD(key, name, number);
-    } else {
-        written = WriteSTRING(key, name, data);
-        // An empty default is no value: the line removes the one there is.
-        removesDefault = data.isEmpty() && name == u"@";
-        if (written && removesDefault) KillValue(key, QString());
     }
+    // An empty default is no value: the line removes the one there is.
+    const bool removesDefault =
+        value.type == TypeString && value.name.isEmpty() && value.data.isEmpty();
+    const int written = writeValue(key, value.name, value.type, value.data, value.dword);
+    if (written && removesDefault) KillValue(key, QString());
     if (!written) {
         report.failure = where + QStringLiteral("not saved: ") + lastError_;
         return false;

@@ -7,6 +7,8 @@
 #include "control/TypedValue.h"
 #include "session/SlotTable.h"
 
+#include <algorithm>
+
 namespace {
 
 using Entry = SettingsCatalogue::Entry;
@@ -58,25 +60,58 @@ void announce(const Key& key, const QString& valueName) {
     }
 }
 
-VerbResult get(const Key& key, const QString& valueName) {
-    RegistryWrapper& store = RegistryWrapper::instance();
-    if (!store.KeyExists(key.full)) return noSuchKey(key);
-    if (!valueName.isNull()) {
-        QString text;
-        if (TypedValue::Read(key.full, valueName, text)) return VerbResult::done(text);
-        if (const Entry* entry = SettingsCatalogue::Find(key.belowRoot, valueName))
-            return VerbResult::done(entry->defaultText);
-        return VerbResult::refused(QStringLiteral("No value ") + Quoted(valueName) +
-                                   QStringLiteral(" in ") + Quoted(key.full) + u'.');
-    }
+// The values the catalogue knows for a key: every program-wide setting, or
+// every value of a profile; none for other keys.
+const QList<Entry>* catalogueOf(const Key& key) {
+    const QStringList parts = key.belowRoot.split(u'\\', Qt::SkipEmptyParts);
+    const QString first = parts.value(0).toLower();
+    if (parts.size() == 1 && first == u"settings") return &SettingsCatalogue::ProgramValues();
+    if (parts.size() == 2 && first == u"profiles") return &SettingsCatalogue::ProfileValues();
+    return nullptr;
+}
+
+// The stored values as the program uses them, and the catalogue's defaults
+// for the ones never written.
+QStringList valueLines(const Key& key) {
     QStringList names;
     QStringList values;
-    store.EnumValues(key.full, names, values);
+    RegistryWrapper::instance().EnumValues(key.full, names, values);
     QStringList lines;
     for (qsizetype i = 0; i < names.size(); ++i) {
         if (!names[i].isEmpty() || !values[i].isEmpty())
-            lines.append(names[i] + QStringLiteral(" = ") + values[i]);
+            lines.append(names[i] + QStringLiteral(" = ") +
+                         TypedValue::Shown(key.belowRoot, names[i], values[i]));
     }
+    if (const QList<Entry>* catalogue = catalogueOf(key)) {
+        for (const Entry& entry : *catalogue) {
+            const bool stored = std::any_of(names.begin(), names.end(), [&](const QString& name) {
+                return name.compare(entry.valueName, Qt::CaseInsensitive) == 0;
+            });
+            if (!stored)
+                lines.append(entry.valueName + QStringLiteral(" = ") + entry.defaultText +
+                             QStringLiteral("   (default)"));
+        }
+    }
+    return lines;
+}
+
+VerbResult get(const Key& key, const QString& valueName) {
+    RegistryWrapper& store = RegistryWrapper::instance();
+    const Entry* entry =
+        valueName.isNull() ? nullptr : SettingsCatalogue::Find(key.belowRoot, valueName);
+    // A home never started has no Settings key yet: its values are the defaults.
+    const bool known = store.KeyExists(key.full) ||
+                       key.belowRoot.compare(QStringLiteral("Settings"), Qt::CaseInsensitive) == 0;
+    if (!known && !entry) return noSuchKey(key);
+    if (!valueName.isNull()) {
+        QString text;
+        if (TypedValue::Read(key.full, valueName, text))
+            return VerbResult::done(TypedValue::Shown(key.belowRoot, valueName, text));
+        if (entry) return VerbResult::done(entry->defaultText);
+        return VerbResult::refused(QStringLiteral("No value ") + Quoted(valueName) +
+                                   QStringLiteral(" in ") + Quoted(key.full) + u'.');
+    }
+    const QStringList lines = valueLines(key);
     if (lines.isEmpty()) return VerbResult::done(Quoted(key.full) + QStringLiteral(" holds no values."));
     return VerbResult::done(lines.join(u'\n'));
 }
@@ -130,13 +165,18 @@ VerbResult set(const Key& key, const QString& valueName, const QString& text, QS
         return VerbResult::done(on ? QStringLiteral("Corvantide now starts with the session.")
                                    : QStringLiteral("Corvantide no longer starts with the session."));
     }
+    if (VerbResult refused = TypedValue::Limit(key.belowRoot, valueName, type, text);
+        refused.status != 0)
+        return refused;
     VerbResult written = TypedValue::Write(key.full, valueName, type, text);
     if (written.status != 0) return written;
     announce(key, valueName);
+    const QString said =
+        QStringLiteral("Set ") + valueName + QStringLiteral(" of ") + Quoted(key.full);
+    if (TypedValue::IsSecret(key.belowRoot, valueName)) return VerbResult::done(said + u'.');
     QString stored;
     TypedValue::Read(key.full, valueName, stored);
-    return VerbResult::done(QStringLiteral("Set ") + valueName + QStringLiteral(" of ") +
-                            Quoted(key.full) + QStringLiteral(" to ") + Quoted(stored) + u'.');
+    return VerbResult::done(said + QStringLiteral(" to ") + Quoted(stored) + u'.');
 }
 
 VerbResult list(const Key& key) {
@@ -145,6 +185,11 @@ VerbResult list(const Key& key) {
     QStringList names;
     store.EnumKeys(key.full, names);
     names.removeAll(QString());
+    // The passwords the profile form offers are the names of this list.
+    if (key.belowRoot.compare(QStringLiteral("Passwords"), Qt::CaseInsensitive) == 0)
+        return VerbResult::done(Quoted(key.full) + QStringLiteral(" holds ") +
+                                QString::number(names.size()) +
+                                QStringLiteral(" passwords; they are not shown."));
     if (names.isEmpty())
         return VerbResult::done(Quoted(key.full) + QStringLiteral(" has no subkeys."));
     return VerbResult::done(names.join(u'\n'));

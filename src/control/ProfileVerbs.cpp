@@ -1,8 +1,12 @@
 #include "control/ProfileVerbs.h"
 
+#include "config/ConfigWrapper.h"
 #include "config/ProfileSheet.h"
+#include "config/RegistryWrapper.h"
 #include "config/SettingsCatalogue.h"
 #include "control/TypedValue.h"
+#include "session/LogonNeeds.h"
+#include "session/ProductVersions.h"
 #include "session/ProfileLifecycle.h"
 
 #include <algorithm>
@@ -43,21 +47,40 @@ VerbResult list() {
     return VerbResult::done(names.join(u'\n'));
 }
 
+// An empty version byte is the product's current one, worked out at connect.
+QString verbyteNote(const QString& stored, const QString& text) {
+    if (!text.trimmed().isEmpty()) return {};
+    ConfigWrapper config;
+    config.Profile = stored;
+    const quint32 current = ProductVersions::Current(config.Client());
+    if (current == 0) return {};
+    return QStringLiteral("   (the current byte of ") + config.Client().toUpper() +
+           QStringLiteral(", ") + ProductVersions::Text(current) + u')';
+}
+
 VerbResult show(const QString& name) {
     const QString stored = ProfileLifecycle::FindProfile(name);
     if (stored.isEmpty()) return noSuchProfile(name);
     QStringList lines{QStringLiteral("Profile ") + Quoted(stored)};
+    const QString below = QStringLiteral("Profiles\\") + stored;
     for (const Entry& entry : SettingsCatalogue::ProfileValues()) {
         bool isDefault = false;
-        QString text = valueOrDefault(stored, entry, &isDefault);
-        // A password on screen is shown only when asked for by name.
-        if (entry.valueName == u"Password" && !text.isEmpty()) text = QStringLiteral("********");
-        lines.append(QStringLiteral("  ") + entry.valueName + QStringLiteral(" = ") + text +
-                     (isDefault ? QStringLiteral("   (default)") : QString()));
+        const QString text = valueOrDefault(stored, entry, &isDefault);
+        QString note = isDefault ? QStringLiteral("   (default)") : QString();
+        if (entry.valueName == u"Verbyte") note += verbyteNote(stored, text);
+        lines.append(QStringLiteral("  ") + entry.valueName + QStringLiteral(" = ") +
+                     TypedValue::Shown(below, entry.valueName, text) + note);
     }
+    ConfigWrapper config;
+    config.Profile = stored;
+    for (const LogonNeeds::Need& need : LogonNeeds::Missing(config))
+        lines.append(QStringLiteral("Cannot connect as set: ") + need.text + u'.');
     return VerbResult::done(lines.join(u'\n'));
 }
 
+// A new profile holds what the profile form shows for one: the gateway, a
+// BNLS server, StarCraft, the trigger, owner and idle message; its version
+// byte stays empty, so it follows its product.
 VerbResult create(const QString& name) {
     const ProfileOutcome outcome = ProfileLifecycle::CreateProfile(name);
     if (outcome.existed)
@@ -65,6 +88,11 @@ VerbResult create(const QString& name) {
                                    Quoted(ProfileLifecycle::FindProfile(name)) +
                                    QStringLiteral(" already exists."));
     if (!outcome.ok) return VerbResult::refused(outcome.warning);
+    std::optional<ProfileSheet> sheet = ProfileSheet::read(name);
+    if (!sheet || !sheet->write(name))
+        return VerbResult::refused(QStringLiteral("Created profile ") + Quoted(name) +
+                                   QStringLiteral(", but its first values were not saved: ") +
+                                   RegistryWrapper::instance().lastError());
     return VerbResult::done(QStringLiteral("Created profile ") + Quoted(name) +
                             QStringLiteral("; give it values with: corvantide profile set ") +
                             name + QStringLiteral(" KEY VALUE"));
@@ -123,11 +151,17 @@ VerbResult set(const QString& name, const QString& valueName, QString text) {
         return VerbResult::refused(QStringLiteral("Product takes one of ") +
                                    productCodes().join(QStringLiteral(", ")) +
                                    QStringLiteral(", not ") + Quoted(text) + u'.');
+    const QString below = QStringLiteral("Profiles\\") + stored;
+    if (VerbResult refused = TypedValue::Limit(below, entry->valueName, entry->type, text);
+        refused.status != 0)
+        return refused;
     VerbResult written = TypedValue::Write(keyOf(stored), entry->valueName, entry->type, text);
     if (written.status != 0) return written;
-    return VerbResult::done(QStringLiteral("Set ") + entry->valueName + QStringLiteral(" of ") +
-                            Quoted(stored) + QStringLiteral(" to ") +
-                            Quoted(valueOrDefault(stored, *entry)) + u'.');
+    const QString said =
+        QStringLiteral("Set ") + entry->valueName + QStringLiteral(" of ") + Quoted(stored);
+    if (TypedValue::IsSecret(below, entry->valueName)) return VerbResult::done(said + u'.');
+    return VerbResult::done(said + QStringLiteral(" to ") + Quoted(valueOrDefault(stored, *entry)) +
+                            u'.');
 }
 
 VerbResult get(const QString& name, const QString& valueName) {
@@ -135,7 +169,8 @@ VerbResult get(const QString& name, const QString& valueName) {
     if (stored.isEmpty()) return noSuchProfile(name);
     const Entry* entry = SettingsCatalogue::FindProfileValue(valueName);
     if (!entry) return unknownValue(valueName);
-    return VerbResult::done(valueOrDefault(stored, *entry));
+    return VerbResult::done(TypedValue::Shown(QStringLiteral("Profiles\\") + stored,
+                                              entry->valueName, valueOrDefault(stored, *entry)));
 }
 
 } // namespace
@@ -144,7 +179,7 @@ QString ProfileVerbsHelp() {
     return QStringLiteral(
         "  profile list                    the stored profiles\n"
         "  profile show NAME               every value of a profile\n"
-        "  profile new NAME                make an empty profile\n"
+        "  profile new NAME                make a profile with the profile form's defaults\n"
         "  profile clone FROM TO           copy a profile under a new name\n"
         "  profile rename FROM TO          rename a profile (a loaded one follows)\n"
         "  profile delete NAME             remove a profile (a loaded one is unloaded)\n"

@@ -1,6 +1,7 @@
 #include "control/TypedValue.h"
 
 #include "config/RegistryWrapper.h"
+#include "config/SettingLimits.h"
 
 namespace {
 
@@ -78,6 +79,27 @@ bool Read(const QString& key, const QString& valueName, QString& text) {
         }
     }
     return false;
+}
+
+VerbResult Limit(const QString& keyBelowRoot, const QString& valueName,
+                 SettingsCatalogue::Type type, const QString& text) {
+    const QList<qint32> choices = SettingLimits::Choices(keyBelowRoot, valueName);
+    qint32 value = 0;
+    if (choices.isEmpty() || !Parse(type, text, value) || choices.contains(value)) return {};
+    return VerbResult::refused(valueName + QStringLiteral(" takes ") +
+                               SettingLimits::ChoicesText(choices) + QStringLiteral(", not '") +
+                               text + QStringLiteral("'."));
+}
+
+bool IsSecret(const QString& keyBelowRoot, const QString& valueName) {
+    return keyBelowRoot.startsWith(QStringLiteral("Profiles\\"), Qt::CaseInsensitive) &&
+           valueName.compare(QStringLiteral("Password"), Qt::CaseInsensitive) == 0;
+}
+
+QString Shown(const QString& keyBelowRoot, const QString& valueName, const QString& text) {
+    if (IsSecret(keyBelowRoot, valueName))
+        return text.isEmpty() ? text : QStringLiteral("********");
+    return SettingLimits::AsUsed(keyBelowRoot, valueName, text);
 }
 
 } // namespace TypedValue

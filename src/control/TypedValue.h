@@ -25,4 +25,15 @@ VerbResult WrongType(const QString& valueName, SettingsCatalogue::Type type, con
 // data as hex. Empty and false when the value is not stored.
 bool Read(const QString& key, const QString& valueName, QString& text);
 
+// The refusal of a number the program takes only some values of, naming
+// them; status 0 when the text may be stored. The key is below the
+// program's root ("Settings", "Profiles\Main").
+VerbResult Limit(const QString& keyBelowRoot, const QString& valueName,
+                 SettingsCatalogue::Type type, const QString& text);
+// A value as the terminal shows it: a number as the program uses it, a
+// password hidden.
+QString Shown(const QString& keyBelowRoot, const QString& valueName, const QString& text);
+// Passwords are never shown nor echoed.
+bool IsSecret(const QString& keyBelowRoot, const QString& valueName);
+
 } // namespace TypedValue

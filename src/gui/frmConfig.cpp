@@ -7,6 +7,7 @@
 #include "gui/frmConfigManageIdles.h"
 #include "gui/frmConfigManageProfile.h"
 #include "presentation/ChatWriter.h"
+#include "session/ProductVersions.h"
 #include "session/ProfileLifecycle.h"
 #include "session/SlotTable.h"
 
@@ -467,6 +468,9 @@ ProfileSheet frmConfig::sheet() const {
 void frmConfig::cboProduct_Click() {
     const int index = cboProduct->currentIndex();
     txtVerbyte->setText(ProfileSheet::storedVerbyte(index));
+    // Empty, the product's current byte goes out.
+    txtVerbyte->setPlaceholderText(
+        ProductVersions::Text(ProductVersions::Current(ProfileSheet::productCode(index))));
     applySecondKeyRule();
 }
 
@@ -555,14 +559,21 @@ void frmConfig::changeEvent(QEvent* event) {
 }
 
 void frmConfig::Image2_Click() {
-    auto* box =
-        new QMessageBox(QMessageBox::Information, QStringLiteral("Version Bytes"),
-                        QStringLiteral("The version bytes at the time of this release are:\n\n"
-                                       "StarCraft/BroodWar: D1\n"
-                                       "Diablo II/Lord of Destruction: 0B\n"
-                                       "WarCraft II: 4F\n"
-                                       "WarCraft III/Frozen Throne: 15"),
-                        QMessageBox::Ok, this);
+    auto* box = new QMessageBox(
+        QMessageBox::Information, QStringLiteral("Version Bytes"),
+        QStringLiteral("The version bytes at the time of this release are:\n\n"
+                       "StarCraft/BroodWar: ") +
+            ProductVersions::Text(ProductVersions::Current(QStringLiteral("STAR"))) +
+            QStringLiteral("\nDiablo II/Lord of Destruction: ") +
+            ProductVersions::Text(ProductVersions::Current(QStringLiteral("D2DV"))) +
+            QStringLiteral("\nWarCraft II: ") +
+            ProductVersions::Text(ProductVersions::Current(QStringLiteral("W2BN"))) +
+            QStringLiteral("\nWarCraft III/Frozen Throne: ") +
+            ProductVersions::Text(ProductVersions::Current(QStringLiteral("WAR3"))) +
+            QStringLiteral("\n\nLeft empty, a profile sends the byte of its "
+                           "product, and asks BNLS for a newer one when the "
+                           "server refuses it."),
+        QMessageBox::Ok, this);
     box->setObjectName(QStringLiteral("verbyteBox"));
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->open();

@@ -1,15 +1,19 @@
 // Client identification, the version check (locally or through BNLS) and the
 // product keys: the first half of every logon.
 #include "chat/BotElement.h"
+#include "config/ProfileSheet.h"
+#include "config/RegistryWrapper.h"
 #include "config/SettingsWrapper.h"
 #include "logon/BncsUtil.h"
 #include "platform/Cp1252.h"
+#include "platform/SocketControl.h"
 #include "platform/TickCount.h"
 #include "presentation/ChatWriter.h"
 #include "session/ConnectionWrapper.h"
 #include "session/LogonRecord.h"
 #include "session/MachineFacts.h"
 #include "session/PacketWriter.h"
+#include "session/ProductVersions.h"
 #include "session/SlotTable.h"
 #include "session/StreamCutter.h"
 
@@ -107,7 +111,7 @@ void ConnectionWrapper::Output_AuthInfo(int Index) {
     w.WriteDWORD(0);
     w.WriteDWORD(0x49583836);
     w.WriteVOID(cp1252::encode(reversed(config.Client())).left(4));
-    w.WriteDWORD(config.Verbyte().toUInt(nullptr, 16));
+    w.WriteDWORD(ProductVersions::Of(config));
     for (int i = 0; i < 5; ++i)
         w.WriteDWORD(0); // language, local address, time zone, locale, language id
     w.WriteSTRING(machine.CountryAbbreviation);
@@ -253,9 +257,9 @@ void ConnectionWrapper::Output_AuthCheck(int Index, quint32 Checksum, quint32 ve
 
 void ConnectionWrapper::Handle_AuthCheck(int Index, PacketReader& Reader) {
     const quint32 result = Reader.ReadDWORD();
-    const bool local = SettingsWrapper::instance().LocalHashing();
     BotElement& bot = Bots(Index);
     if (result == 0) {
+        Logons(Index).VerbyteLearned = false;
         if (bot.ChangePassword)
             Process_ChangePassword(Index);
         else if (bot.ChangeEmail)
@@ -270,18 +274,13 @@ void ConnectionWrapper::Handle_AuthCheck(int Index, PacketReader& Reader) {
         }
         return;
     }
+    if ((result == 0x100 || result == 0x101) && askVerbyte(Index, result)) return;
     QString line;
     switch (result) {
     case 0x100:
-        line = local ? QStringLiteral("[BNET] Your hash files are out of date!")
-                     : QStringLiteral("[BNLS] Server has not been updated for new hash files yet!");
-        break;
     case 0x101:
-        line = local ? QStringLiteral("[BNET] Incorrect version byte specified for this client.")
-                     : QStringLiteral("[BNLS] The version byte you specified does not match the "
-                                      "hashes found on this server, try switching to local "
-                                      "hashing if you are positive the version byte is correct.");
-        break;
+        refuseVersion(Index, result);
+        return;
     case 0x200:
         line = QStringLiteral("[BNET] Your CD-Key is invalid.");
         break;
@@ -336,4 +335,84 @@ void ConnectionWrapper::Handle_BnlsVersionCheck(int Index, PacketReader& Reader)
     const quint32 checksum = Reader.ReadDWORD();
     const QByteArray information = Reader.ReadSTRINGBytes();
     Output_AuthCheck(Index, checksum, version, information);
+}
+
+void ConnectionWrapper::refuseVersion(int Index, quint32 Result) {
+    const bool local = SettingsWrapper::instance().LocalHashing();
+    QString line;
+    if (Result == 0x100)
+        line = local ? QStringLiteral("[BNET] Your hash files are out of date!")
+                     : QStringLiteral("[BNLS] Server has not been updated for new hash files yet!");
+    else
+        line = local ? QStringLiteral("[BNET] Incorrect version byte specified for this client.")
+                     : QStringLiteral("[BNLS] The version byte you specified does not match the "
+                                      "hashes found on this server, try switching to local "
+                                      "hashing if you are positive the version byte is correct.");
+    WriteChat(Index, Status::Error, line);
+    KillSocket(Index);
+}
+
+// Servers move on to a new client version, and with it a new version byte:
+// BNLS knows the byte of the day, so a refusal costs one more try rather than
+// a trip to the settings.
+bool ConnectionWrapper::askVerbyte(int Index, quint32 Result) {
+    LogonRecord& logon = Logons(Index);
+    const ConfigWrapper& config = Bots(Index).Config;
+    const bool learned = logon.VerbyteLearned;
+    logon.VerbyteLearned = false;
+    if (learned || config.ServerBNLS().trimmed().isEmpty() || ProductCode(config.Client()) == 0)
+        return false;
+    logon.VersionRefusal = Result;
+    wsBNET(Index).Close();
+    if (wsBNLS(Index).State() == SocketControl::Connected) {
+        Bnls0x10(Index);
+    } else {
+        wsBNLS(Index).Close();
+        SlotTable::connectTo(wsBNLS(Index), config.ServerBNLS(), 9367);
+    }
+    return true;
+}
+
+void ConnectionWrapper::Bnls0x10(int Index) {
+    PacketWriter w;
+    w.WriteDWORD(quint32(ProductCode(Bots(Index).Config.Client())));
+    w.SendPacket(Index, 0x10, true);
+}
+
+void ConnectionWrapper::Handle_BnlsVersionByte(int Index, PacketReader& Reader) {
+    LogonRecord& logon = Logons(Index);
+    const quint32 refusal = logon.VersionRefusal;
+    if (refusal == 0) return; // nobody asked
+    logon.VersionRefusal = 0;
+    ConfigWrapper& config = Bots(Index).Config;
+    const quint32 product = Reader.ReadDWORD();
+    const quint32 current = product != 0 ? Reader.ReadDWORD() : 0;
+    const quint32 refused = ProductVersions::Of(config);
+    if (product == 0 || current == refused || current > 0xFF) {
+        refuseVersion(Index, refusal);
+        return;
+    }
+    const QString client = config.Client().toUpper();
+    const QString text = ProductVersions::Text(current);
+    const bool stored = config.setVerbyte(text) &&
+                        RegistryWrapper::instance().WriteSTRING(
+                            SettingsWrapper::RootKey() + QStringLiteral("Verbytes"),
+                            QString::number(ProfileSheet::productIndex(client)), text) != 0;
+    if (!stored) {
+        WriteChat(Index, Status::Error,
+                  QStringLiteral("[BNLS] The current version byte of ") + client +
+                      QStringLiteral(" is ") + text +
+                      QStringLiteral(", but it could not be stored: ") + config.writeError() +
+                      u'.');
+        KillSocket(Index);
+        return;
+    }
+    WriteChat(Index, Status::Information,
+              QStringLiteral("[BNLS] The server refused version byte ") +
+                  ProductVersions::Text(refused) + QStringLiteral(" of ") + client +
+                  QStringLiteral("; stored the current one, ") + text +
+                  QStringLiteral(", in the profile and connecting once more."));
+    logon.VerbyteLearned = true;
+    wsBNET(Index).Close();
+    SlotTable::instance().ConnectBot(Index);
 }

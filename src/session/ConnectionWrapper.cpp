@@ -9,6 +9,8 @@
 #include "plugins/PluginHost.h"
 #include "presentation/ChatWriter.h"
 #include "presentation/TextFormat.h"
+#include "session/LogonNeeds.h"
+#include "session/LogonRecord.h"
 #include "session/PacketHandlers.h"
 #include "session/PacketWriter.h"
 #include "session/SlotTable.h"
@@ -95,23 +97,14 @@ void writeUnhandled(int Index, quint8 PacketID, const QByteArray& frame) {
 bool ConnectionWrapper::ClearVariables(int Index) {
     BotElement& bot = Bots(Index);
     bot.setOnline(false);
-    bot.CanConnect = true;
-    const ConfigWrapper& config = bot.Config;
-    const std::pair<QString, const char*> required[] = {
-        {config.Account(), "[BNET] Cannot connect with a null account."},
-        {config.Password(), "[BNET] Cannot connect with a null password."},
-        {config.Cdkey(), "[BNET] Cannot connect with a null cdkey."},
-        {config.Server(), "[BNET] Cannot connect with a null server."},
-        {config.Verbyte(), "[BNET] Cannot connect with a null version byte."},
-    };
-    bool complete = true;
-    for (const auto& [value, line] : required) {
-        if (value.isEmpty()) {
-            WriteChat(Index, Status::Error, QString::fromLatin1(line));
-            complete = false;
-        }
-    }
-    return complete;
+    Logons(Index).VersionRefusal = 0;
+    const QList<LogonNeeds::Need> needs = LogonNeeds::Missing(bot.Config);
+    // An empty setting is the user's to fill: trying again would only fail again.
+    bot.CanConnect = needs.isEmpty();
+    for (const LogonNeeds::Need& need : needs)
+        WriteChat(Index, Status::Error,
+                  need.prefix + QStringLiteral("Cannot connect: ") + need.text + u'.');
+    return needs.isEmpty();
 }
 
 void ConnectionWrapper::KillSocket(int Index) {
@@ -305,6 +298,10 @@ void ConnectionWrapper::wsBNLS_Connect(int Index) {
     const QString host = wsBNLS(Index).RemoteHost();
     rememberServer("Servers2", wsBNLS(Index), 9367);
     Bots(Index).InBNLS.clear();
+    if (Logons(Index).VersionRefusal != 0) {
+        Bnls0x10(Index);
+        return;
+    }
     WriteChat(Index, Status::Success,
               QStringLiteral("[BNLS] Connected to ") + host + QStringLiteral("!"));
     WriteChat(Index, Status::Information,
@@ -319,6 +316,8 @@ void ConnectionWrapper::wsBNLS_DataArrival(int Index) {
     streamcutter::CutBNLS(bot.InBNLS, {[this, Index](PacketReader& reader, quint8 id) {
                                            if (id == 0x09 || id == 0x1A)
                                                Handle_BnlsVersionCheck(Index, reader);
+                                           else if (id == 0x10)
+                                               Handle_BnlsVersionByte(Index, reader);
                                        },
                                        {},
                                        [Index](quint8 id, const char*) {

@@ -43,6 +43,10 @@ public:
     void Handle_AuthCheck(int Index, PacketReader& Reader);
     void Bnls0x09(int Index);
     void Handle_BnlsVersionCheck(int Index, PacketReader& Reader);
+    // A refused version byte: BNLS is asked for the current one (0x10), which
+    // is stored and tried once.
+    void Bnls0x10(int Index);
+    void Handle_BnlsVersionByte(int Index, PacketReader& Reader);
 
     // Old logon system.
     void Output_UDP(int Index);
@@ -132,6 +136,10 @@ private:
     // connection is not open yet, and no try is planned.
     static bool inBnlsStep(int Index);
     void bnlsProtocolError(int Index, const QString& what);
+    // After a 0x51 refusal of the version byte: true when BNLS is asked for
+    // the current one; false when it was asked already or there is no BNLS.
+    bool askVerbyte(int Index, quint32 Result);
+    void refuseVersion(int Index, quint32 Result);
 
     // The join gate: the last join printed, so a burst of rejoins shows once.
     QString LastJoinUser;

@@ -27,4 +27,10 @@ struct LogonRecord {
     QByteArray ChangeNewPassword;
     quint32 NlsNewHandle = 0;
     QByteArray ChangeProofData; // 84 bytes
+    // The 0x51 answer (0x100 or 0x101) to a version byte while BNLS is asked
+    // for the current one; 0 otherwise.
+    quint32 VersionRefusal = 0;
+    // The current byte was learned from BNLS: the next refusal stands. Kept
+    // across the one more try it leads to.
+    bool VerbyteLearned = false;
 };

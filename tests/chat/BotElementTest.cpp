@@ -60,23 +60,17 @@ TEST_F(BotElementTest, LookUpsAgreeWithAWalkOfTheChannelThroughEveryChange) {
     }
 }
 
-TEST_F(BotElementTest, AddingAUserTwiceKeepsTheFirst) {
-    bot().userAdd("someone", 1, 10, "first", 1);
-    bot().userAdd("SomeOne", 2, 20, "second", 2);
-    ASSERT_EQ(bot().Users.size(), 1u);
-    EXPECT_EQ(bot().Users[0].Statstring, QStringLiteral("first"));
-    EXPECT_EQ(bot().Users[0].Ping, 10);
-}
-
-TEST_F(BotElementTest, UsersKeepArrivalOrderThroughDeletes) {
+TEST_F(BotElementTest, UsersKeepArrivalOrderThroughDeletesAndASecondAddKeepsTheFirst) {
     for (const char* name : {"a", "b", "c", "d"})
         bot().userAdd(name, 0, 0, {}, 0);
+    bot().userAdd("A", 2, 20, "second", 2);
     bot().userDel("B");
     bot().userDel("unknown");
     ASSERT_EQ(bot().Users.size(), 3u);
     EXPECT_EQ(bot().UserFind("c"), 2);
     EXPECT_EQ(bot().Users[2].Username(), QStringLiteral("d"));
     EXPECT_EQ(bot().Users[0].UsernameFixed, QStringLiteral("a"));
+    EXPECT_EQ(bot().Users[0].Ping, 0);
 }
 
 TEST_F(BotElementTest, TheVoidKeepsTheChannelToReturnTo) {
@@ -157,17 +151,4 @@ TEST_F(BotElementTest, EmptyingTheProfileEmptiesTheSlotAndClosesItsSockets) {
     const QString text = rtbChat(slot).text();
     EXPECT_TRUE(text.endsWith(QStringLiteral("Cleared the queue.\r\n"))) << text.toStdString();
     EXPECT_EQ(text.count(QStringLiteral("\r\n")), 1);
-}
-
-TEST_F(BotElementTest, DelayedEventsAreOneBasedWithAnEmptyHead) {
-    EXPECT_EQ(bot().DelayCount(), 0);
-    bot().AddEvent(slot, "user", "hi", 20, 0, 1000, "5");
-    bot().AddEvent(slot, "user2", "yo", 30, 0, 1001, "18");
-    EXPECT_EQ(bot().DelayCount(), 2);
-    EXPECT_EQ(bot().delayedEvent(1).EventID, 5);
-    EXPECT_EQ(bot().delayedEvent(2).Username, QStringLiteral("user2"));
-    bot().removeEvent(1);
-    EXPECT_EQ(bot().delayedEvent(1).EventID, 18);
-    bot().ClearEvent();
-    EXPECT_EQ(bot().DelayCount(), 0);
 }

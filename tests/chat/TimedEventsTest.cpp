@@ -109,6 +109,10 @@ TEST_F(TimedEventsTest, EachRoutineComesAtItsPeriodAcrossTheCountersWrap) {
     runTo(185000);
     ASSERT_EQ(lines.size(), 1u);
     EXPECT_EQ(lines[0].second, QStringLiteral("idle in Lobby"));
+    bot.Config.setIdleTime(0);
+    lines.clear();
+    runTo(250000);
+    EXPECT_TRUE(lines.empty()) << "an idle time of 0 sends nothing";
 }
 
 TEST_F(TimedEventsTest, AStallRunsARoutineOnceAndAClockSetBackStartsAfresh) {

@@ -47,6 +47,21 @@ TEST(RegCommands, ExportThenImportElsewhere) {
     EXPECT_EQ(ImportRegCommand(other, bad.fileName(), refused.outStream, refused.errStream), 1);
     EXPECT_TRUE(refused.err.contains(QStringLiteral("not a REGEDIT4 file")));
     EXPECT_EQ(refused.out, QString());
+
+    // A file with a line it could not read is no success, whatever went in.
+    QFile partly(dir.filePath(QStringLiteral("partly.reg")));
+    ASSERT_TRUE(partly.open(QIODevice::WriteOnly));
+    partly.write("REGEDIT4\r\n[HKEY_CURRENT_USER\\Software\\X]\r\n\"A\"=\"B\"=\"C\"\r\n"
+                 "\"D\"=\"E\"\r\n");
+    partly.close();
+    Command noted;
+    EXPECT_EQ(ImportRegCommand(other, partly.fileName(), noted.outStream, noted.errStream), 1);
+    EXPECT_EQ(noted.out, QString());
+    EXPECT_EQ(noted.err,
+              QStringLiteral("%1 line 3: more follows the text's closing quote: =\"C\"; skipped: "
+                             "\"A\"=\"B\"=\"C\"\nImported 1 value from %1, but 1 line was not "
+                             "read as written (see above)\n")
+                  .arg(partly.fileName()));
 }
 
 } // namespace

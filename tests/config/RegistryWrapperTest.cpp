@@ -1,6 +1,7 @@
 #include "config/RegistryWrapper.h"
 
 #include "QtPrinters.h"
+#include "platform/Cp1252.h"
 
 #include <QDate>
 #include <QDir>
@@ -8,6 +9,7 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+#include <random>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -310,17 +312,18 @@ TEST_F(Store, ExportFormat) {
     QStringList seen;
     ASSERT_TRUE(store_.ExportToReg(QStringLiteral("hkcu\\software\\export"), path("out.reg"), true,
                                    [&](const QString& k) { seen.append(k); }));
-    EXPECT_EQ(readFile(QStringLiteral("out.reg")),
+    EXPECT_EQ(readFile(QStringLiteral("out.reg")).toStdString(),
               QByteArray("REGEDIT4\r\n\r\n"
                          "[HKEY_CURRENT_USER\\Software\\Export]\r\n"
                          "@=\"\"\r\n"
-                         "\"Path\"=\"C:\\x \"q\"\"\r\n"
+                         "\"Path\"=\"C:\\\\x \\\"q\\\"\"\r\n"
                          "\"Blob\"=hex:0A,FF\r\n"
                          "\"Count\"=dword:FFFFFFFF\r\n"
                          "\r\n"
                          "[HKEY_CURRENT_USER\\Software\\Export\\Another]\r\n@=\"\"\r\n\r\n"
                          "[HKEY_CURRENT_USER\\Software\\Export\\Sub]\r\n@=\"\"\r\n\r\n"
-                         "[HKEY_CURRENT_USER\\Software\\Export\\Sub\\Deeper]\r\n@=\"\"\r\n\r\n"));
+                         "[HKEY_CURRENT_USER\\Software\\Export\\Sub\\Deeper]\r\n@=\"\"\r\n\r\n")
+                  .toStdString());
     EXPECT_EQ(seen.size(), 4);
     EXPECT_EQ(seen.first(), QStringLiteral("HKEY_CURRENT_USER\\Software\\Export"));
 
@@ -370,34 +373,159 @@ TEST_F(Store, ImportLineRules) {
     store_.setCreateKeyIfDoesntExists(false);
     writeFile(QStringLiteral("in.reg"),
               "regedit4\r\n"
-              "\"Stray\"=\"before any key\"\r\n"
               "[HKEY_CURRENT_USER\\Software\\Import]\r\n"
-              "\"A\"=x=y\r\n"
-              "  \"Spaced\"  =  padded  \r\n"
+              "  \"Spaced \"  =  \"padded\"  \r\n"
               "@=\"\"\r\n"
               "\"Gone\"=-\r\n"
               "; \"Comment\"=\"no\"\r\n"
-              "no equals sign\r\n"
               "\"Hex\"=HEX:41,42\r\n"
+              "\"Long\"=hex:41,\\\r\n"
+              "   42,43\r\n"
               "\"Num\"=DWORD:0000002a\r\n"
               "[-HKEY_CURRENT_USER\\Software\\Doomed]\r\n"
               "\"Ignored\"=\"the section of a deleted key has no body\"\r\n"
               "[HKEY_CURRENT_USER\\Software\\Import\\New]\r\n"
               "\"Made\"=dword:1\r\n");
-    ASSERT_TRUE(store_.ImportFromReg(path("in.reg")));
+    RegistryWrapper::ImportReport report;
+    ASSERT_TRUE(store_.ImportFromReg(path("in.reg"), &report));
+    EXPECT_EQ(report.notes, QStringList{});
     EXPECT_TRUE(store_.CreateKeyIfDoesntExists());
-    EXPECT_EQ(store_.ReadSTRING(key, QStringLiteral("A")), QStringLiteral("x"));
-    EXPECT_EQ(store_.ReadSTRING(key, QStringLiteral("Spaced  ")), QStringLiteral("padded"));
+    EXPECT_EQ(store_.ReadSTRING(key, QStringLiteral("Spaced ")), QStringLiteral("padded"));
     EXPECT_FALSE(store_.ValueExists(key, QString()));
     EXPECT_FALSE(store_.ValueExists(key, QStringLiteral("Gone")));
     EXPECT_FALSE(store_.ValueExists(key, QStringLiteral("; Comment")));
-    EXPECT_FALSE(store_.ValueExists(key, QStringLiteral("Stray")));
     EXPECT_EQ(store_.ReadBinary(key, QStringLiteral("Hex")), QStringLiteral("41 42"));
+    EXPECT_EQ(store_.ReadBinary(key, QStringLiteral("Long")), QStringLiteral("41 42 43"));
     EXPECT_EQ(store_.ReadDWORD(key, QStringLiteral("Num")), 42);
     EXPECT_FALSE(store_.KeyExists(QStringLiteral("HKCU\\Software\\Doomed")));
     EXPECT_FALSE(
         store_.ValueExists(QStringLiteral("HKCU\\Software\\Doomed"), QStringLiteral("Ignored")));
     EXPECT_EQ(store_.ReadDWORD(key + QStringLiteral("\\New"), QStringLiteral("Made")), 1);
+}
+
+// Texts hold anything between their quotes, escaped as regedit escapes them;
+// a line that is not a value as regedit writes one is named and passed over.
+TEST_F(Store, ImportReadsQuotedTextsAndNamesEveryLineItCannotRead) {
+    struct Case {
+        QByteArray line;
+        QString name;
+        QString stored; // null: nothing stored
+        QString note;   // behind "line 3: "
+    };
+    const QList<Case> cases{
+        {"\"Trigger\"=\"=\"", QStringLiteral("Trigger"), QStringLiteral("="), {}},
+        {"\"Channels0\"=\"Op \\\"Quoted\\\" = yes\"",
+         QStringLiteral("Channels0"),
+         QStringLiteral("Op \"Quoted\" = yes"),
+         {}},
+        {"\"IdleMsg\"=\"1+1=2 is math\"",
+         QStringLiteral("IdleMsg"),
+         QStringLiteral("1+1=2 is math"),
+         {}},
+        {"\"Path\"=\"C:\\\\Games\\\\\"", QStringLiteral("Path"), QStringLiteral("C:\\Games\\"), {}},
+        {"\"Say \\\"hi\\\"\"=\"x\"", QStringLiteral("Say \"hi\""), QStringLiteral("x"), {}},
+        {"\"Old\"=hex(1):61,0d,0a,62,00", QStringLiteral("Old"), QStringLiteral("a\r\nb"), {}},
+        {"\"A\"=\"B\"=\"C\"",
+         QStringLiteral("A"),
+         {},
+         QStringLiteral(
+             "more follows the text's closing quote: =\"C\"; skipped: \"A\"=\"B\"=\"C\"")},
+        {"\"A\"=x=y",
+         QStringLiteral("A"),
+         {},
+         QStringLiteral("the data is no quoted text, dword:, hex: or -; skipped: \"A\"=x=y")},
+        {"\"Multi\"=hex(7):41,00,00",
+         QStringLiteral("Multi"),
+         {},
+         QStringLiteral("hex(7) is a type the settings do not keep; skipped: "
+                        "\"Multi\"=hex(7):41,00,00")},
+        {"Bare=\"x\"",
+         QStringLiteral("Bare"),
+         {},
+         QStringLiteral("the value name is not in double quotes; skipped: Bare=\"x\"")},
+        {"\"Open\"=\"quote",
+         QStringLiteral("Open"),
+         {},
+         QStringLiteral("the text's closing quote is missing; skipped: \"Open\"=\"quote")},
+        {QByteArray("\x01garbage\0after the NUL", 22),
+         QStringLiteral("garbage"),
+         {},
+         QStringLiteral("the value name is not in double quotes; skipped: "
+                        "\\x01garbage\\x00after the NUL")},
+    };
+    const QString key = QStringLiteral("HKCU\\Software\\Quoted");
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.line.toStdString());
+        RegistryWrapper store(QStringLiteral(":memory:"));
+        RegistryWrapper::ImportReport report;
+        ASSERT_TRUE(store.ImportRegText(
+            "REGEDIT4\r\n[HKEY_CURRENT_USER\\Software\\Quoted]\r\n" + c.line + "\r\n", &report));
+        EXPECT_EQ(store.ValueExists(key, c.name), !c.stored.isNull());
+        EXPECT_EQ(store.ReadSTRING(key, c.name, QStringLiteral("(none)")),
+                  c.stored.isNull() ? QStringLiteral("(none)") : c.stored);
+        EXPECT_EQ(report.notes, c.note.isEmpty()
+                                    ? QStringList{}
+                                    : QStringList{QStringLiteral("line 3: ") + c.note});
+        EXPECT_EQ(report.values, c.stored.isNull() ? 0 : 1);
+    }
+}
+
+// Whatever a profile's key holds (any names, texts of any Windows-1252
+// bytes, numbers, binary data) comes back from a backup byte for byte.
+TEST_F(Store, EveryValueOfAProfileSurvivesExportAndImport) {
+    std::mt19937 random(20261124);
+    const auto pick = [&](int low, int high) {
+        return std::uniform_int_distribution<int>(low, high)(random);
+    };
+    const auto bytes = [&](int low, int length) {
+        QByteArray out;
+        for (int i = 0; i < length; ++i)
+            out.append(char(pick(low, 255)));
+        return out;
+    };
+    const QString profiles = QStringLiteral("HKCU\\Software\\Corvantide4\\Profiles");
+    for (int i = 0; i < 300; ++i) {
+        // Key names: any printable byte but the path's backslash.
+        const QString profile = QStringLiteral("P%1").arg(i % 40) +
+                                cp1252::decode(bytes(0x20, pick(0, 8))).remove(u'\\');
+        const QString key = profiles + u'\\' + profile;
+        QString name = cp1252::decode(bytes(0x20, pick(1, 12)));
+        if (name == u"@") name = QStringLiteral("@@");
+        switch (pick(0, 4)) {
+        case 0:
+            store_.WriteDWORD(key, name, qint32(random()));
+            break;
+        case 1:
+            store_.WriteBinary(key, name, RegistryWrapper::BinToStr(bytes(0, pick(0, 20))));
+            break;
+        case 2: // a key's default text
+            store_.WriteSTRING(key, QString(), cp1252::decode(bytes(1, pick(1, 30))));
+            break;
+        default:
+            store_.WriteSTRING(key, name, cp1252::decode(bytes(1, pick(0, 40))));
+            break;
+        }
+    }
+    ASSERT_TRUE(store_.ExportToReg(profiles, path("backup.reg"), true));
+    RegistryWrapper other(QStringLiteral(":memory:"));
+    RegistryWrapper::ImportReport report;
+    ASSERT_TRUE(other.ImportFromReg(path("backup.reg"), &report));
+    EXPECT_EQ(report.notes, QStringList{});
+    // The export writes every byte of every value; the same file twice is
+    // the same tree twice.
+    ASSERT_TRUE(other.ExportToReg(profiles, path("again.reg"), true));
+    EXPECT_EQ(readFile(QStringLiteral("again.reg")), readFile(QStringLiteral("backup.reg")));
+    const auto valuesOf = [&](RegistryWrapper& store, const QString& profile) {
+        QStringList names;
+        QStringList values;
+        store.EnumValues(profiles + u'\\' + profile, names, values);
+        for (qsizetype i = 0; i < names.size(); ++i)
+            names[i] += QStringLiteral(" = ") + values[i];
+        names.sort();
+        return names;
+    };
+    for (const QString& profile : keys(profiles))
+        EXPECT_EQ(valuesOf(other, profile), valuesOf(store_, profile));
 }
 
 TEST_F(Store, ImportRefusalsAndLinesItCouldNotRead) {
@@ -411,10 +539,10 @@ TEST_F(Store, ImportRefusalsAndLinesItCouldNotRead) {
     // Every line passed over or read by a guess is named by its number, and
     // the import goes on past it.
     writeFile(QStringLiteral("bad.reg"),
-              QByteArray("REGEDIT4\r\n[HKCU\\Software\\Bad]\r\n"
+              QByteArray("REGEDIT4\r\n\"Stray\"=\"before any key\"\r\n[HKCU\\Software\\Bad]\r\n"
                          "\"First\"=dword:00000001\r\n"
                          "\"Broken\"=dword:12x\r\n"
-                         "\"Open\"=\"quote\r\n"
+                         "no equals sign\r\n"
                          "\"Nul") +
                   '\0' +
                   QByteArray("Name\"=\"x\"\r\n"
@@ -427,19 +555,22 @@ TEST_F(Store, ImportRefusalsAndLinesItCouldNotRead) {
     const QString bad = QStringLiteral("HKCU\\Software\\Bad");
     EXPECT_EQ(store_.ReadDWORD(bad, QStringLiteral("First")), 1);
     EXPECT_EQ(store_.ReadDWORD(bad, QStringLiteral("Broken")), 0x12) << "the digits at its start";
-    EXPECT_EQ(store_.ReadSTRING(bad, QStringLiteral("Open")), QStringLiteral("quote"));
     EXPECT_EQ(store_.ReadDWORD(bad, QStringLiteral("Later")), 2);
-    EXPECT_EQ(report.values, 4);
+    EXPECT_EQ(report.values, 3);
     EXPECT_EQ(report.notes,
               (QStringList{
-                  QStringLiteral("line 4: dword:12x is not up to eight hexadecimal digits; "
+                  QStringLiteral("line 2: a value before the first [key]; skipped: "
+                                 "\"Stray\"=\"before any key\""),
+                  QStringLiteral("line 5: dword:12x is not up to eight hexadecimal digits; "
                                  "stored 18"),
-                  QStringLiteral("line 5: a quote is not closed; read as Open=quote"),
-                  QStringLiteral("line 6: the value name holds a NUL; skipped"),
-                  QStringLiteral("line 7: hex:4G is not hexadecimal; skipped"),
-                  QStringLiteral("line 8: [HKXX\\Software\\Nowhere]: the key's root is unknown; "
+                  QStringLiteral("line 6: the value name is not in double quotes; skipped: "
+                                 "no equals sign"),
+                  QStringLiteral("line 7: the value name holds a NUL; skipped: "
+                                 "\"Nul\\x00Name\"=\"x\""),
+                  QStringLiteral("line 8: hex:4G is not hexadecimal; skipped: \"Blob\"=hex:4G"),
+                  QStringLiteral("line 9: [HKXX\\Software\\Nowhere]: the key's root is unknown; "
                                  "its values were skipped"),
-                  QStringLiteral("line 10: [HKEY_LOCAL_MACHINE\\Software\\Machine]: "
+                  QStringLiteral("line 11: [HKEY_LOCAL_MACHINE\\Software\\Machine]: "
                                  "HKEY_LOCAL_MACHINE is read-only here; its values were skipped"),
               }));
 }

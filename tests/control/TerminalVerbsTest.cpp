@@ -82,7 +82,7 @@ TEST_F(TerminalVerbs_, ProfilesChangeUnderTheirLoadedSlots) {
               0);
     ASSERT_EQ(run(QStringLiteral("profile|clone|Beta|Gamma")).status, 0);
     EXPECT_EQ(run(QStringLiteral("profile|get|gamma|Product")).out, QStringLiteral("D2XP\n"));
-    EXPECT_EQ(run(QStringLiteral("profile|get|gamma|IdleTime")).out, QStringLiteral("1\n"))
+    EXPECT_EQ(run(QStringLiteral("profile|get|gamma|Channels1")).out, QStringLiteral("Clan DbM\n"))
         << "an unset value reads as its default";
     EXPECT_EQ(run(QStringLiteral("profile|delete|beta")).out,
               QStringLiteral("Deleted profile 'Beta'.\n"));
@@ -124,6 +124,94 @@ TEST_F(TerminalVerbs_, ConfigValuesAreTypedByTheCatalogueAndAnnounced) {
     expectRefused(QStringLiteral("config|get|Groups\\Buddies"),
                   QStringLiteral("No key 'HKCU\\Software\\Corvantide4\\Groups\\Buddies' in the "
                                  "settings."));
+
+    // An alias made or undone by hand renames the user in the lists at once.
+    settings.setFloodMode(0);
+    const int slot = loadConnected(QStringLiteral("Watcher"));
+    Bots(slot).setOnline(true);
+    wsBNET(slot).simulateData(chatEventFrame(1, 0, 0, QStringLiteral("bob"), QStringLiteral("RATS 0")));
+    ASSERT_EQ(run(QStringLiteral("config|set|Aliases\\Crew\\bob|x|1|--text")).status, 0);
+    EXPECT_EQ(lvUsers(slot).item(1).text, QStringLiteral("Crew"));
+    ASSERT_EQ(run(QStringLiteral("config|delete|Aliases\\Crew\\bob")).status, 0);
+    EXPECT_EQ(lvUsers(slot).item(1).text, QStringLiteral("bob"));
+}
+
+// What the terminal stores is what the program will use, what it prints is
+// what the program uses, and a password goes in but never comes out.
+TEST_F(TerminalVerbs_, ConfigFollowsTheSettingsRulesAndNeverShowsAPassword) {
+    RegistryWrapper& store = RegistryWrapper::instance();
+    const QString settings = QStringLiteral("HKCU\\Software\\Corvantide4\\Settings");
+    store.KillKey(settings); // as on a home never started
+    ASSERT_EQ(run(QStringLiteral("profile|new|Main")).status, 0);
+    struct Case {
+        const char* line;
+        int status;
+        QString said; // standard output, or the refusal
+    };
+    const QList<Case> cases{
+        {"config|get|Settings|Transparency", 0, QStringLiteral("100")},
+        {"config|get|Settings|FloodMode", 0, QStringLiteral("1000")},
+        {"config|set|Settings|Transparency|50", 1,
+         QStringLiteral("Transparency takes 20, 40, 60, 80 or 100, not '50'.")},
+        {"config|set|Settings|FloodMode|750", 1,
+         QStringLiteral("FloodMode takes 0, 500, 1000 or 2000, not '750'.")},
+        {"config|set|Settings|Transparency|60", 0,
+         QStringLiteral("Set Transparency of '") + settings + QStringLiteral("' to '60'.")},
+        {"profile|set|Main|PingSpoof|9", 1,
+         QStringLiteral("PingSpoof takes 0, 1, 2, 3 or 4, not '9'.")},
+        {"profile|set|Main|Password|hunter2", 0, QStringLiteral("Set Password of 'Main'.")},
+        {"profile|get|Main|Password", 0, QStringLiteral("********")},
+        {"config|set|Profiles\\Main|Password|hunter3", 0,
+         QStringLiteral("Set Password of 'HKCU\\Software\\Corvantide4\\Profiles\\Main'.")},
+        {"config|get|Profiles\\Main|password", 0, QStringLiteral("********")},
+        // A new profile holds the profile form's defaults and follows its product's byte.
+        {"profile|get|Main|Server", 0, SettingsWrapper::Gateways().front()},
+        {"profile|get|Main|IdleTime", 0, QStringLiteral("5")},
+        {"profile|get|Main|Verbyte", 0, QString()},
+    };
+    for (const Case& c : cases) {
+        const VerbResult result = run(QString::fromLatin1(c.line));
+        EXPECT_EQ(result.status, c.status) << c.line;
+        EXPECT_EQ(c.status == 0 ? result.out : result.err, c.said + u'\n') << c.line;
+    }
+    // A value written by hand outside the choices reads as the program reads it.
+    store.WriteDWORD(settings, QStringLiteral("FloodMode"), 750);
+    EXPECT_EQ(run(QStringLiteral("config|get|Settings|FloodMode")).out, QStringLiteral("1000\n"));
+    EXPECT_TRUE(run(QStringLiteral("config|get|Settings"))
+                    .out.contains(QStringLiteral("\nFloodMode = 1000\n")));
+    store.CreateKey(QStringLiteral("HKCU\\Software\\Corvantide4\\Passwords\\hunter4"));
+    for (const char* line :
+         {"profile|show|Main", "config|get|Profiles\\Main", "config|list|Passwords"}) {
+        const VerbResult shown = run(QString::fromLatin1(line));
+        EXPECT_EQ(shown.status, 0) << line;
+        EXPECT_FALSE(shown.out.contains(QStringLiteral("hunter"))) << line;
+    }
+
+    // What keeps a profile from connecting is said under its values.
+    const QString show = run(QStringLiteral("profile|show|Main")).out;
+    EXPECT_TRUE(show.contains(QStringLiteral("  Verbyte =    (the current byte of STAR, D3)\n")));
+    EXPECT_TRUE(show.endsWith(QStringLiteral(
+        "\nCannot connect as set: Account is empty; set it with: corvantide profile set Main "
+        "Account NAME.\nCannot connect as set: Cdkey1 is empty; set it with: corvantide profile "
+        "set Main Cdkey1 KEY.\n")));
+    const QList<std::pair<const char*, QString>> setUps{
+        {"profile|set|Main|Product|W2BN;profile|set|Main|ServerBNLS|",
+         QStringLiteral(
+             "ServerBNLS is empty and W2BN always takes its version check from a BNLS "
+             "server; set it with: corvantide profile set Main ServerBNLS HOST[:PORT].")},
+        {"profile|set|Main|Product|WAR3;config|set|Settings|LocalHashing|on",
+         QStringLiteral("LocalHashing is on and PathWAR3 (the WarCraft III folder) is empty; set "
+                        "it with: corvantide config set Settings PathWAR3 FOLDER.")},
+    };
+    for (const auto& [lines, said] : setUps) {
+        for (const QString& line : QString::fromLatin1(lines).split(u';'))
+            ASSERT_EQ(run(line).status, 0) << line.toStdString();
+        EXPECT_TRUE(run(QStringLiteral("profile|show|Main"))
+                        .out.contains(QStringLiteral("Cannot connect as set: ") + said))
+            << lines;
+    }
+    run(QStringLiteral("config|delete|Settings|LocalHashing"));
+    run(QStringLiteral("profile|delete|Main"));
 }
 
 TEST_F(TerminalVerbs_, UserbasesAreMadeFilledAndBoundInOneLineEach) {

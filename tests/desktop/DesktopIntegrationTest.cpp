@@ -90,6 +90,20 @@ TEST_F(DesktopIntegrationTest, WithoutATrayTheWindowIsNeverHidden) {
     EXPECT_TRUE(window.isVisible()) << "with nothing to come back from, hiding minimises";
 }
 
+TEST_F(DesktopIntegrationTest, OnlyAWindowTheUserIsNotInFlashes) {
+    {
+        DesktopIntegration hidden(&window, QIcon(), nullptr, true);
+        DesktopShell::instance().FlashBotWindow();
+        EXPECT_TRUE(hidden.FlashActive());
+    }
+    DesktopIntegration desktop(&window, QIcon(), nullptr, true);
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    DesktopShell::instance().FlashBotWindow();
+    EXPECT_FALSE(desktop.FlashActive());
+}
+
 TEST_F(DesktopIntegrationTest, AHotKeyThisDesktopCannotHaveIsSaidOnce) {
     HideHotkey hotkey;
     hotkey.RegisterHideHotkey();

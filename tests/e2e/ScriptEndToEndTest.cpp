@@ -217,8 +217,10 @@ TEST_F(ScriptEndToEnd, PluginsInJavaScriptAndCHearPacketsAndChatAndTidyTypedLine
         EXPECT_GT(counted.captured(1).toInt(), 3);
     }
 
-    Bots(i).Queue << QStringLiteral("#note to self") << QStringLiteral("brb, coffee");
+    Bots(i).Queue << QStringLiteral("#note to self") << QStringLiteral("brb, coffee")
+                  << QStringLiteral("gg");
     EXPECT_TRUE(serverHears(QStringLiteral("be right back, coffee")));
+    EXPECT_TRUE(serverHears(QStringLiteral("good game, well played"))) << "C lengthens a text";
     EXPECT_FALSE(linesAtServer().contains(QStringLiteral("#note to self")));
 }
 

@@ -1,9 +1,11 @@
-// A person who runs the bot on a server sets it up from the terminal alone: a
-// profile made with `corvantide profile new/set`, a userbase made and bound
-// with `corvantide database`, a plug-in set to load at start with `corvantide
-// plugin`, then, while that bot runs, a new trigger sent and the plug-in
-// stopped and started from the terminal. A ranked user in the channel
-// commands the bot through all of it.
+// A person who runs the bot on a server sets it up from the terminal alone,
+// typing the README's "Your own profile" lines as they stand: a profile made
+// with `corvantide profile new/set`, a userbase made and bound with
+// `corvantide database`, a plug-in set to load at start with `corvantide
+// plugin`. The bot then logs on to a sandbox that, like the servers in use,
+// refuses an old version byte, and while it runs a new trigger is sent and
+// the plug-in stopped and started from the terminal. A ranked user in the
+// channel commands the bot through all of it.
 #include "chat/TimedEvents.h"
 #include "common/SandboxProcess.h"
 #include "common/SlotFixture.h"
@@ -27,7 +29,6 @@ protected:
         SlotFixture::SetUp();
         SettingsWrapper::instance().setFloodMode(0);
         TimedEvents::instance().start();
-        ASSERT_TRUE(sandbox.start());
     }
     void TearDown() override {
         TimedEvents::instance().stop();
@@ -57,29 +58,67 @@ protected:
 
 } // namespace
 
-TEST_F(TerminalVerbsEndToEnd, AProfileAndUserbaseMadeOnTheTerminalLogOnAndObey) {
-    const QString p = QStringLiteral("Keeper");
-    setUp({QStringLiteral("profile"), QStringLiteral("new"), p});
-    const QList<QPair<QString, QString>> values{
-        {QStringLiteral("Account"), QStringLiteral("keeper")},
-        {QStringLiteral("Password"), QStringLiteral("secret")},
-        {QStringLiteral("Product"), QStringLiteral("StarCraft")},
-        {QStringLiteral("Verbyte"), QStringLiteral("d3")},
-        {QStringLiteral("Cdkey1"), QStringLiteral("7178075237576")},
-        {QStringLiteral("Server"), sandbox.bncsServer()},
-        {QStringLiteral("ServerBNLS"), sandbox.bnlsServer()},
-        {QStringLiteral("Channel"), QStringLiteral("Verbs")},
-        {QStringLiteral("Trigger"), QStringLiteral("!")},
-        {QStringLiteral("Load at Startup"), QStringLiteral("on")}};
-    for (const auto& [key, value] : values)
-        setUp({QStringLiteral("profile"), QStringLiteral("set"), p, key, value});
-    EXPECT_EQ(verb({QStringLiteral("profile"), QStringLiteral("get"), p, QStringLiteral("product")})
-                  .out,
-              QStringLiteral("STAR\n"));
-    setUp({QStringLiteral("database"), QStringLiteral("new"), QStringLiteral("Crew")});
-    setUp({QStringLiteral("database"), QStringLiteral("add"), QStringLiteral("Crew"),
-           QStringLiteral("Owner"), QStringLiteral("100")});
-    setUp({QStringLiteral("database"), QStringLiteral("bind"), QStringLiteral("Crew"), p});
+// The shell lines of the README's terminal recipe, each split into its words.
+static QList<QStringList> readmeRecipe() {
+    QFile readme(QDir::cleanPath(QStringLiteral(CORVANTIDE_TEST_DATA "/../../README.md")));
+    if (!readme.open(QIODevice::ReadOnly)) return {};
+    const QString text = QString::fromUtf8(readme.readAll());
+    const qsizetype section = text.indexOf(QStringLiteral("\n## Your own profile"));
+    const qsizetype start = text.indexOf(QStringLiteral("```sh\n"), section) + 6;
+    const qsizetype end = text.indexOf(QStringLiteral("```"), start);
+    QList<QStringList> commands;
+    for (const QString& line : text.mid(start, end - start).split(u'\n')) {
+        QStringList words;
+        QString word;
+        bool quoted = false;
+        bool inWord = false;
+        for (const QChar c : line) {
+            if (c == u'#' && !quoted) break;
+            if (c == u'"') {
+                quoted = !quoted;
+                inWord = true;
+            } else if (c == u' ' && !quoted) {
+                if (inWord) words << word;
+                word.clear();
+                inWord = false;
+            } else {
+                word += c;
+                inWord = true;
+            }
+        }
+        if (inWord) words << word;
+        if (words.value(0) == u"corvantide") commands << words.mid(1);
+    }
+    return commands;
+}
+
+TEST_F(TerminalVerbsEndToEnd, TheReadmesRecipeLogsOnAndObeysItsUserbase) {
+    ASSERT_TRUE(sandbox.start({QStringLiteral("--current-verbyte")}));
+    const QList<QStringList> recipe = readmeRecipe();
+    ASSERT_GE(recipe.size(), 10);
+    QString shown;
+    for (QStringList words : recipe) {
+        // The sandbox of this test listens on ports of its own.
+        words.replaceInStrings(QStringLiteral("127.0.0.1:6112"), sandbox.bncsServer());
+        words.replaceInStrings(QStringLiteral("127.0.0.1:9367"), sandbox.bnlsServer());
+        const Answer run = verb(words);
+        ASSERT_EQ(run.status, 0) << words.join(u' ').toStdString() << ": " << run.err.toStdString();
+        if (words.mid(0, 2) == QStringList{QStringLiteral("profile"), QStringLiteral("show")})
+            shown = run.out;
+    }
+    EXPECT_TRUE(shown.contains(QStringLiteral("Verbyte =    (the current byte of STAR, D3)")));
+    EXPECT_FALSE(shown.contains(QStringLiteral("Cannot connect"))) << shown.toStdString();
+    const QString p = QStringLiteral("Main");
+    // A copy with the byte of an older client, and one that lacks its account.
+    setUp({QStringLiteral("profile"), QStringLiteral("clone"), p, QStringLiteral("Stale")});
+    setUp({QStringLiteral("profile"), QStringLiteral("set"), QStringLiteral("Stale"),
+           QStringLiteral("Account"), QStringLiteral("stalebot")});
+    setUp({QStringLiteral("profile"), QStringLiteral("set"), QStringLiteral("Stale"),
+           QStringLiteral("Verbyte"), QStringLiteral("d1")});
+    setUp({QStringLiteral("profile"), QStringLiteral("clone"), p, QStringLiteral("Blank")});
+    setUp({QStringLiteral("profile"), QStringLiteral("set"), QStringLiteral("Blank"),
+           QStringLiteral("Account"), QString()});
+
     const QString plugins = home.filePath(QStringLiteral(".local/share/Corvantide/Plugins/"));
     ASSERT_TRUE(QDir().mkpath(plugins));
     ASSERT_TRUE(
@@ -97,13 +136,40 @@ TEST_F(TerminalVerbsEndToEnd, AProfileAndUserbaseMadeOnTheTerminalLogOnAndObey) 
     bot.start(program(), {QStringLiteral("--headless"), QStringLiteral("--home"), home.path(),
                           QStringLiteral("--connect")});
     ASSERT_TRUE(bot.waitForStarted());
-    owner = sandbox.loadProfile(QStringLiteral("owner"), QStringLiteral("Verbs"));
+    owner = sandbox.loadProfile(QStringLiteral("myfriend"), QStringLiteral("Lobby"));
     SlotTable::instance().ConnectBot(owner);
-    ASSERT_TRUE(waitFor([&] { return lvUsers(owner).count() == 2; }, 30000));
+    ASSERT_TRUE(waitFor([&] { return lvUsers(owner).count() == 3; }, 30000));
+    QString console;
+    ASSERT_TRUE(waitFor(
+        [&] {
+            console += QString::fromUtf8(bot.readAllStandardOutput());
+            return console.contains(QStringLiteral("Cannot connect: Account is empty"));
+        },
+        10000));
+
+    Bots(owner).Queue << QStringLiteral(".say obeying the terminal's userbase");
+    ASSERT_TRUE(ownerSees(QStringLiteral("<mybot> obeying the terminal's userbase")));
+
+    // The refused byte was mended from BNLS once (Main and the user sent
+    // their product's current byte); the profile without an account said
+    // what it lacks and never tried.
+    console += QString::fromUtf8(bot.readAllStandardOutput());
+    EXPECT_EQ(console.count(QStringLiteral("[BNLS] The server refused version byte D1 of STAR; "
+                                           "stored the current one, D3, in the profile and "
+                                           "connecting once more.")),
+              1);
+    EXPECT_EQ(verb({QStringLiteral("profile"), QStringLiteral("get"), QStringLiteral("Stale"),
+                    QStringLiteral("Verbyte")})
+                  .out,
+              QStringLiteral("D3\n"));
+    EXPECT_EQ(console.count(QStringLiteral("[BNET] Cannot connect: Account is empty; set it with: "
+                                           "corvantide profile set Blank Account NAME.")),
+              1);
+    EXPECT_FALSE(console.contains(QStringLiteral("Reconnecting")));
 
     // The plug-in Plugins.ini loads at start greets who joins.
-    Bots(owner).Queue << QStringLiteral("/join Elsewhere") << QStringLiteral("/join Verbs");
-    ASSERT_TRUE(ownerSees(QStringLiteral("<keeper> Hello owner, greetings from a plug-in.")));
+    Bots(owner).Queue << QStringLiteral("/join Elsewhere") << QStringLiteral("/join Lobby");
+    ASSERT_TRUE(ownerSees(QStringLiteral("<mybot> Hello myfriend, greetings from a plug-in.")));
     const QStringList plugin{QStringLiteral("plugin")};
     EXPECT_EQ(verb(plugin + QStringList{QStringLiteral("list")}).out,
               QStringLiteral("greeter\trunning, loads at start\n"));
@@ -118,17 +184,14 @@ TEST_F(TerminalVerbsEndToEnd, AProfileAndUserbaseMadeOnTheTerminalLogOnAndObey) 
     EXPECT_EQ(verb(plugin + QStringList{QStringLiteral("list")}).out,
               QStringLiteral("greeter\trunning, not loaded at start\n"));
 
-    Bots(owner).Queue << QStringLiteral("!say obeying the terminal's userbase");
-    ASSERT_TRUE(ownerSees(QStringLiteral("<keeper> obeying the terminal's userbase")));
-
     // The running bot takes the new trigger at once: the old one is silence.
     const Answer changed = verb({QStringLiteral("profile"), QStringLiteral("set"), p,
                                  QStringLiteral("Trigger"), QStringLiteral("#")});
     ASSERT_EQ(changed.status, 0) << changed.err.toStdString();
-    EXPECT_EQ(changed.out, QStringLiteral("Set Trigger of 'Keeper' to '#'.\n"));
-    Bots(owner).Queue << QStringLiteral("!say old trigger") << QStringLiteral("#say new trigger");
-    ASSERT_TRUE(ownerSees(QStringLiteral("<keeper> new trigger")));
-    EXPECT_FALSE(rtbChat(owner).text().contains(QStringLiteral("<keeper> old trigger")));
+    EXPECT_EQ(changed.out, QStringLiteral("Set Trigger of 'Main' to '#'.\n"));
+    Bots(owner).Queue << QStringLiteral(".say old trigger") << QStringLiteral("#say new trigger");
+    ASSERT_TRUE(ownerSees(QStringLiteral("<mybot> new trigger")));
+    EXPECT_FALSE(rtbChat(owner).text().contains(QStringLiteral("<mybot> old trigger")));
 
     // Lists changed on the terminal count at once in the running bot: a
     // filter hides the owner's next line, a macro answers the next command.
@@ -137,7 +200,7 @@ TEST_F(TerminalVerbsEndToEnd, AProfileAndUserbaseMadeOnTheTerminalLogOnAndObey) 
            QStringLiteral("Hello"), QStringLiteral("from"), QStringLiteral("a"),
            QStringLiteral("macro")});
     Bots(owner).Queue << QStringLiteral("hush hush") << QStringLiteral("#macro greet");
-    ASSERT_TRUE(ownerSees(QStringLiteral("<keeper> Hello from a macro")));
+    ASSERT_TRUE(ownerSees(QStringLiteral("<mybot> Hello from a macro")));
     QString screen;
     EXPECT_TRUE(waitFor([&] {
         screen += QString::fromUtf8(bot.readAllStandardOutput());
@@ -148,7 +211,7 @@ TEST_F(TerminalVerbsEndToEnd, AProfileAndUserbaseMadeOnTheTerminalLogOnAndObey) 
     // Refusals from the running bot come back with a failing status.
     const Answer taken = verb({QStringLiteral("profile"), QStringLiteral("new"), p.toLower()});
     EXPECT_EQ(taken.status, 1);
-    EXPECT_EQ(taken.err, QStringLiteral("A profile named 'Keeper' already exists.\n"));
+    EXPECT_EQ(taken.err, QStringLiteral("A profile named 'Main' already exists.\n"));
     const Answer wrongType = verb({QStringLiteral("profile"), QStringLiteral("set"), p,
                                    QStringLiteral("IdleTime"), QStringLiteral("soon")});
     EXPECT_EQ(wrongType.status, 1);

@@ -142,6 +142,11 @@ TEST_F(ClanFormsTest, OnlyTheBotsOwnProfileCanBeSaved) {
     EXPECT_TRUE(own.canSave());
     EXPECT_FALSE(other.canSave());
     EXPECT_FALSE(other.findChild<QPushButton*>(QStringLiteral("Command1"))->isEnabled());
+    own.findChild<QPushButton*>(QStringLiteral("Command1"))->click();
+    ASSERT_FALSE(wsBNET(slot).sent.isEmpty());
+    EXPECT_EQ(wsBNET(slot).sent.last()[1], '\x27');
+    EXPECT_TRUE(wsBNET(slot).sent.last().endsWith(QByteArray("m\0here\0me\0", 10)))
+        << "sex, location, description in their order";
 }
 
 } // namespace

@@ -204,12 +204,20 @@ TEST_F(ControlPanelTest, ControlsAreBoundToTheirStoredValues) {
     clickSave();
     EXPECT_FALSE(settings.LocalHashing());
 
+    // Each player's option and launch command, the last one chosen staying.
     open(7);
-    control<QRadioButton>("h2cOitunes")->setChecked(true);
-    control<QLineEdit>("h2cFoobar")->setText(QStringLiteral("/opt/foobar2000.exe"));
-    clickSave();
-    EXPECT_EQ(settings.MediaPlayer(), QStringLiteral("iTunes"));
-    EXPECT_EQ(settings.FoobarDir(), QStringLiteral("/opt/foobar2000.exe"));
+    const std::tuple<const char*, const char*, const char*, QString (SettingsWrapper::*)() const>
+        players[] = {{"h2cOwinamp", "Winamp", "h2cWinamp", &SettingsWrapper::WinampDir},
+                     {"h2cOwmp", "WMP", "h2cWmp", &SettingsWrapper::WmpDir},
+                     {"h2cOfoobar", "foobar", "h2cFoobar", &SettingsWrapper::FoobarDir},
+                     {"h2cOitunes", "iTunes", "h2ciTunes", &SettingsWrapper::iTunesDir}};
+    for (const auto& [option, player, path, launch] : players) {
+        control<QRadioButton>(option)->setChecked(true);
+        control<QLineEdit>(path)->setText(QStringLiteral("/opt/") + QLatin1String(player));
+        clickSave();
+        EXPECT_EQ(settings.MediaPlayer(), QLatin1String(player));
+        EXPECT_EQ((settings.*launch)(), QStringLiteral("/opt/") + QLatin1String(player));
+    }
     settings.setMediaPlayer(QStringLiteral("spotify"));
     open(7);
     for (QRadioButton* option : shown()->findChildren<QRadioButton*>())

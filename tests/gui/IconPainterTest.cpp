@@ -72,10 +72,4 @@ TEST(IconPainterTest, ANumberedIconShowsItsNumberOverItsBase) {
     EXPECT_NE(render(key, 32), render(QStringLiteral("SCH"), 32));
 }
 
-TEST(IconPainterTest, ColoursOfTheCoreHaveRedInTheLowByte) {
-    EXPECT_EQ(IconPainter::fromBgr(0x0000FF), QColor(255, 0, 0));
-    EXPECT_EQ(IconPainter::fromBgr(0x00FF00), QColor(0, 255, 0));
-    EXPECT_EQ(IconPainter::fromBgr(0xFF0000), QColor(0, 0, 255));
-}
-
 } // namespace

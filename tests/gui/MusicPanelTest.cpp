@@ -1,7 +1,7 @@
-// The music panel with a player on a private session bus: its buttons reach
-// the player and its label follows the song. (A player that leaves is the
+// The music panel and the menu bar's song rows with a player on a private
+// session bus: they reach the player and the label follows the song. (A player that leaves is the
 // media tests' concern.)
-#include "config/SettingsWrapper.h"
+#include "WindowFixture.h"
 #include "gui/MusicPanel.h"
 #include "media/FakeMprisPlayer.h"
 #include "media/PrivateBus.h"
@@ -14,7 +14,9 @@
 
 namespace {
 
-TEST(MusicPanelTest, ButtonsDriveThePlayerAndTheLabelFollowsTheSong) {
+class MusicPanelTest : public WindowFixture {};
+
+TEST_F(MusicPanelTest, ButtonsAndMenuRowsDriveThePlayerAndTheLabelFollowsTheSong) {
     const QString address = PrivateBus::instance().address;
     if (address.isEmpty()) GTEST_SKIP() << PrivateBus::instance().error.toStdString();
     SongWrapper::instance().useBus(QDBusConnection::connectToBus(address, QStringLiteral("bot")));
@@ -36,8 +38,10 @@ TEST(MusicPanelTest, ButtonsDriveThePlayerAndTheLabelFollowsTheSong) {
         ASSERT_NE(button, nullptr) << name;
         QTest::mouseClick(button, Qt::LeftButton);
     }
-    EXPECT_TRUE(QTest::qWaitFor([&] { return player.commands.size() == 3; }));
-    EXPECT_EQ(player.commands, (QStringList{"Next", "Previous", "Stop"}));
+    for (const char* row : {"guiMenu4", "guiMenu5"})
+        window->findChild<QAction*>(QLatin1String(row))->trigger();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return player.commands.size() == 5; }));
+    EXPECT_EQ(player.commands, (QStringList{"Next", "Previous", "Stop", "Previous", "Next"}));
 
     player.play(QStringLiteral("Vell"), QStringLiteral("Harbour Lights"));
     EXPECT_TRUE(QTest::qWaitFor(

@@ -107,7 +107,7 @@ TEST_F(ProfileFormTest, ANewProfileShowsTheFormsDefaultsAndSaveStoresThem) {
     EXPECT_EQ(part<QLineEdit>(form.get(), "txtOwner")->text(), QStringLiteral("Corvantide4.0"));
     EXPECT_EQ(part<QLineEdit>(form.get(), "txtTrigger")->text(), QStringLiteral("."));
     EXPECT_EQ(part<QLineEdit>(form.get(), "txtIdleTime")->text(), QStringLiteral("5"));
-    EXPECT_EQ(part<QLineEdit>(form.get(), "txtVerbyte")->text(), QStringLiteral("CF"));
+    EXPECT_EQ(part<QLineEdit>(form.get(), "txtVerbyte")->text(), QString());
     EXPECT_EQ(part<QComboBox>(form.get(), "cboProduct")->currentText(),
               QStringLiteral("StarCraft"));
     EXPECT_EQ(part<QComboBox>(form.get(), "cboServer")->currentText(),

@@ -81,6 +81,11 @@ TEST_F(MediaTest, CommandsShowTheSongAndReachThePlayer) {
 
     // A known name whose own player is missing uses the one that runs, and
     // the label names it; a missing player of its own name finds none.
+    // Of two stand-ins the paused one is taken over the stopped one.
+    FakeMprisPlayer stopped(PrivateBus::instance().address, QStringLiteral("stopped"));
+    ASSERT_TRUE(stopped.appear());
+    SettingsWrapper::instance().setMediaPlayer(QStringLiteral("stopped"));
+    ASSERT_TRUE(waitFor([] { return SongWrapper::instance().Opened(); }));
     SettingsWrapper::instance().setMediaPlayer(QStringLiteral("Winamp"));
     EXPECT_EQ(SongWrapper::instance().MusicLabel(),
               QStringLiteral("Fake Player >> Ostrelund - Night Tide"));

@@ -3,7 +3,6 @@
 #include "common/ChatFixture.h"
 #include "session/MachineFacts.h"
 
-#include <QRandomGenerator>
 
 namespace {
 
@@ -152,84 +151,6 @@ TEST_F(ChatWriterTest, EscapesFormAcrossPairsAndWhereARemovalJoinsText) {
     WriteChatView(view(), {{0xFFFFFF, QStringLiteral("\u00FF") + sc('P') + QStringLiteral("c2z")}});
     EXPECT_EQ(view().text(), QStringLiteral("z"));
     EXPECT_EQ(formats(view())[0].color, 0xFF0000u);
-}
-
-// The writer keeps the escapes' places instead of searching the text; a plain
-// model of the passes on a string must agree with it on any mix of lines.
-TEST_F(ChatWriterTest, KeptEscapePlacesAgreeWithSearchingTheText) {
-    struct Model {
-        QString text;
-        std::vector<CharFormat> formats;
-    };
-    const auto effect = [](QChar lead, QChar code, CharFormat& f, const CharFormat& first) {
-        const char16_t c = code.toUpper().unicode();
-        if (lead == kStarCraft) {
-            if (c == u'P')
-                f.color = 0xFFFFFF;
-            else if (c == u'Y')
-                f.color = 0x0000FF;
-            else if (c == u'X')
-                f.color = 0x00FFFF;
-            return;
-        }
-        if (c == u'1')
-            f.color = 0x0000FF;
-        else if (c == u'2')
-            f.color = 0xFF0000;
-        else if (c == u'B')
-            f.bold = !first.bold;
-        else if (c == u'I')
-            f.italic = !first.italic;
-    };
-    const auto passes = [&](Model& m, bool apply) {
-        for (const QString& lead :
-             {QString(kStarCraft), kDiablo + QStringLiteral("c"), kDiablo + QStringLiteral("C")}) {
-            for (qsizetype at; (at = m.text.indexOf(lead)) >= 0;) {
-                const qsizetype code = at + lead.size();
-                const bool hasCode = code < m.text.size();
-                if (apply && hasCode) {
-                    const CharFormat first = m.formats[size_t(at)];
-                    for (size_t i = size_t(at); i < m.formats.size(); ++i)
-                        effect(lead[0], m.text[code], m.formats[i], first);
-                }
-                const qsizetype n = hasCode ? lead.size() + 1 : m.text.size() - at;
-                m.text.remove(at, n);
-                m.formats.erase(m.formats.begin() + at, m.formats.begin() + at + n);
-            }
-        }
-    };
-
-    const QString alphabet = QStringLiteral("a\u00C1\u00FFcC1B2PYxI");
-    QRandomGenerator random(7);
-    Model model;
-    for (int line = 0; line < 400; ++line) {
-        const int disp = int(random.bounded(4)) % 3;
-        SettingsWrapper::instance().setColorDisp(disp);
-        ColorLine parts;
-        bool escapes = false;
-        for (int p = 0, n = int(random.bounded(1, 4)); p < n; ++p) {
-            QString text;
-            for (int i = 0, len = int(random.bounded(0, 8)); i < len; ++i)
-                text += alphabet[random.bounded(int(alphabet.size()))];
-            const quint32 color = random.bounded(2) ? 0x00FF00 : 0xFFFF00;
-            parts.push_back({color, text});
-            CharFormat f;
-            f.color = color;
-            model.text += text;
-            model.formats.insert(model.formats.end(), size_t(text.size()), f);
-            escapes = escapes || text.contains(kStarCraft) || text.contains(kDiablo);
-        }
-        WriteChatView(view(), parts);
-        if (escapes && disp < 2) passes(model, disp == 0);
-        ASSERT_EQ(view().text(), model.text) << "line " << line;
-        const auto actual = formats(view());
-        for (size_t i = 0; i < actual.size(); ++i) {
-            ASSERT_TRUE(actual[i] == model.formats[i])
-                << "line " << line << " at " << i << ": " << actual[i].color << "/"
-                << actual[i].bold << " against " << model.formats[i].color << "/"
-                << model.formats[i].bold << " in " << model.text.toStdString();
-        }
-    }
 }
 
 TEST_F(ChatWriterTest, TimestampsStandInSlotsAndNeverOnTheConsole) {

@@ -82,14 +82,6 @@ TEST_F(EventTemplatesTest, TokensRunInTheirOrderOverWhatIsAlreadyThere) {
               QStringLiteral("STAR|StarCraft (0 wins)| |\r\n"));
 }
 
-TEST_F(EventTemplatesTest, GroupTokenIsThePrefixAndABlank) {
-    CreateGroup(QStringLiteral("Ops"), {QStringLiteral("Bob")}, -1, QStringLiteral("[op]"));
-    EXPECT_EQ(print(QStringLiteral("#0%group%user"), QStringLiteral("Hero*bob")),
-              QStringLiteral("[op] Hero*bob\r\n"));
-    EXPECT_EQ(print(QStringLiteral("#0%group%user"), QStringLiteral("ann")),
-              QStringLiteral("ann\r\n"));
-}
-
 TEST_F(EventTemplatesTest, AnAliasIsShownWhileTheColourAndGroupFollowThePlainName) {
     CreateAlias(QStringLiteral("TheBoss"), {QStringLiteral("bob")});
     CreateGroup(QStringLiteral("Ops"), {QStringLiteral("Bob")}, 0x123456, QStringLiteral("[op]"));
@@ -97,6 +89,9 @@ TEST_F(EventTemplatesTest, AnAliasIsShownWhileTheColourAndGroupFollowThePlainNam
     ParseOutput(m_slot, view(), QStringLiteral("#A%group<%user>"),
                 EventUser::fromRaw(QStringLiteral("Hero*bob")));
     EXPECT_EQ(runs(), (Runs{{0x123456, "[op] <TheBoss>"}}));
+    EXPECT_EQ(print(QStringLiteral("#0%group%user"), QStringLiteral("ann")),
+              QStringLiteral("ann\r\n"))
+        << "no group, no blank";
 
     // Blocked and Yourself too are matters of the plain name.
     CurrentTheme().userInChat.Blocked = 0xB10C;

@@ -1,5 +1,6 @@
 #include "presentation/TextFormat.h"
 
+#include <QLocale>
 #include <gtest/gtest.h>
 
 TEST(TextFormat, UptimeAndSecondsDivideDownInWholeUnits) {
@@ -26,7 +27,10 @@ TEST(TextFormat, SystemTimeCountsTheHourDownOnlyFromThirteen) {
     const QString noon = FormatSystemTime(QDateTime(day, QTime(12, 0, 0)));
     const QString midnight = FormatSystemTime(QDateTime(day, QTime(0, 5, 9)));
     const QString evening = FormatSystemTime(QDateTime(day, QTime(13, 30, 0)));
-    EXPECT_TRUE(noon.endsWith(QStringLiteral(" 5, 2024 12:00:00 AM"))) << noon.toStdString();
+    const QLocale locale = QLocale::system();
+    EXPECT_EQ(noon, locale.dayName(2) + QStringLiteral(", ") + locale.monthName(3) +
+                        QStringLiteral(" 5, 2024 12:00:00 AM"))
+        << "a Tuesday";
     EXPECT_TRUE(midnight.endsWith(QStringLiteral(" 0:05:09 AM"))) << midnight.toStdString();
     EXPECT_TRUE(evening.endsWith(QStringLiteral(" 1:30:00 PM"))) << evening.toStdString();
 }

@@ -81,17 +81,14 @@ protected:
     }
 };
 
-TEST_F(ChatLogTest, LoggingOffLeavesNotEvenTheFolder) {
-    const int slot = SlotTable::instance().LoadProfile("quiet");
-    WriteChat(slot, Status::Information, "hello");
-    SaveLogFiles();
-    EXPECT_FALSE(QDir(GetSettingsPath() + "Logs").exists());
-}
-
 TEST_F(ChatLogTest, OneFilePerProfileAndDayWithOneHeaderAndABlockPerSave) {
-    SettingsWrapper::instance().setLogging(true);
     const int talker = SlotTable::instance().LoadProfile("a/b");
     SlotTable::instance().LoadProfile("silent");
+    WriteChat(talker, Status::Information, "unlogged");
+    SaveLogFiles();
+    EXPECT_FALSE(QDir(GetSettingsPath() + "Logs").exists()) << "logging off: not even the folder";
+    rtbChat(talker).clear();
+    SettingsWrapper::instance().setLogging(true);
     WriteChat(talker, Status::Information, "first");
     SaveLogFiles();
     WriteChat(talker, Status::Information, "second");

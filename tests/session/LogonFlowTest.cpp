@@ -7,6 +7,9 @@
 #include "session/PacketReader.h"
 #include "session/PacketWriter.h"
 
+#include <QFile>
+#include <QTemporaryDir>
+
 namespace {
 
 const QString kStarKey = QStringLiteral("7178075237576");
@@ -129,9 +132,24 @@ TEST_F(LogonFlowTest, StarcraftGoesThroughBnlsAndTheOldLogonIntoChat) {
 
 TEST_F(LogonFlowTest, WarcraftThreeWithLocalHashingConnectsStraightToBattleNet) {
     const int i = loadProfile(QStringLiteral("WAR3"), true);
+    // Without the game's folder there is nothing to hash: said before connecting.
+    SettingsWrapper::instance().setPathWAR3(QString());
+    SlotTable::instance().ConnectBot(i);
+    EXPECT_TRUE(chat(i).contains(QStringLiteral(
+        "[BncsUtil] Cannot connect: LocalHashing is on and PathWAR3 (the WarCraft III folder) is "
+        "empty; set it with: corvantide config set Settings PathWAR3 FOLDER.")));
+    EXPECT_EQ(wsBNET(i).State(), SocketControl::Closed);
+
+    QTemporaryDir game;
+    for (const char* name : {"War3.exe", "Storm.dll", "Game.dll"}) {
+        QFile file(game.filePath(QLatin1String(name)));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    }
+    SettingsWrapper::instance().setPathWAR3(game.path());
     SlotTable::instance().ConnectBot(i);
     EXPECT_EQ(wsBNET(i).State(), SocketControl::Connecting);
     EXPECT_EQ(wsBNLS(i).State(), SocketControl::Closed);
+    SettingsWrapper::instance().setPathWAR3(QString());
 }
 
 TEST_F(LogonFlowTest, DiabloWithoutLocalHashingAsksBnlsWithTheArchiveNumber) {
@@ -240,10 +258,24 @@ TEST_F(LogonFlowTest, MissingSettingsAreAllNamedAndNoSocketOpens) {
     wsBNET(i).setDetached(true);
     SlotTable::instance().ConnectBot(i);
     for (const char* line :
-         {"[BNET] Cannot connect with a null account.", "[BNET] Cannot connect with a null password.",
-          "[BNET] Cannot connect with a null cdkey.", "[BNET] Cannot connect with a null server.",
-          "[BNET] Cannot connect with a null version byte."})
+         {"[BNET] Cannot connect: Account is empty; set it with: corvantide profile set "
+          "empty-profile Account NAME.",
+          "[BNET] Cannot connect: Password is empty; set it with: corvantide profile set "
+          "empty-profile Password SECRET.",
+          "[BNET] Cannot connect: Product is not one of STAR, SEXP, W2BN, D2DV, D2XP, WAR3, W3XP; "
+          "set it with: corvantide profile set empty-profile Product STAR."})
         EXPECT_TRUE(chat(i).contains(QString::fromLatin1(line))) << line;
     EXPECT_EQ(wsBNET(i).State(), SocketControl::Closed);
     EXPECT_EQ(wsBNLS(i).State(), SocketControl::Closed);
+    EXPECT_FALSE(Bots(i).CanConnect) << "an empty setting is not tried again";
+
+    // StarCraft's version check needs BNLS whatever LocalHashing says.
+    const int star = loadProfile(QStringLiteral("STAR"), true);
+    Bots(star).Config.setServerBNLS(QString());
+    SlotTable::instance().ConnectBot(star);
+    EXPECT_TRUE(chat(star).contains(QStringLiteral(
+        "[BNLS] Cannot connect: ServerBNLS is empty and STAR always takes its version check from "
+        "a BNLS server; set it with: corvantide profile set flow-STAR ServerBNLS HOST[:PORT].")));
+    EXPECT_EQ(wsBNLS(star).State(), SocketControl::Closed);
+    EXPECT_FALSE(Bots(star).CanConnect);
 }

@@ -51,12 +51,14 @@ TEST_F(ClanPacketTest, LocalChecksRefuseWithoutSendingAndTagsTravelTurnedRound) 
         "[BNET] Cannot change rank, you must be a chieftain to change another shamans' rank.");
     EXPECT_TRUE(wsBNET(slot).sent.isEmpty());
 
+    ClanPacket::Output_Invite(slot, QStringLiteral("someone"));
+    EXPECT_EQ(lastLine(), "[BNET] Invitation sent to someone to join Clan Tst.") << "a shaman";
     ClanPacket::Output_SetRank(slot, QStringLiteral("other"), 2);
     EXPECT_EQ(lastLine(), "[BNET] Attempting to change other's rank to Grunt.");
     ClanPacket::Output_Quit(slot);
-    ASSERT_EQ(sentIds(), QList<int>({0x7A, 0x78}));
+    ASSERT_EQ(sentIds(), QList<int>({0x77, 0x7A, 0x78}));
     // The quit names the account as configured, behind the cookie.
-    EXPECT_EQ(wsBNET(slot).sent[1].mid(8), QByteArray("Clansman", 9));
+    EXPECT_EQ(wsBNET(slot).sent[2].mid(8), QByteArray("Clansman", 9));
 
     // Right-aligned: the DWORD holds the text big-endian. Either padding reads back.
     EXPECT_EQ(ClanPacket::CreateClanTag(QStringLiteral("AB")), QString::fromLatin1("\0\0BA", 4));

@@ -100,6 +100,15 @@ TEST_F(StatstringTest, DiabloTwoCharacters) {
     EXPECT_EQ(detailed(d2("PX2D", "Old", 3, 30, 0x08, 1 << 3)),
               QStringLiteral("Diablo II Lord of Destruction (Old, a level 30 necromancer on realm "
                              "USEast)"));
+    // The other title rows, and a sorceress takes the female one.
+    EXPECT_EQ(detailed(d2("VD2D", "Sor", 2, 10, 0, 2 << 3)),
+              QStringLiteral("Diablo II Classic (Lady Sor, a level 10 sorceress on realm USEast)"));
+    EXPECT_EQ(detailed(d2("VD2D", "Pal", 4, 10, 0x04, 3 << 3)),
+              QStringLiteral("Diablo II Classic (King Pal, a hardcore level 10 paladin on realm "
+                             "USEast)"));
+    EXPECT_EQ(detailed(d2("PX2D", "Dru", 6, 10, 0x20, 1 << 3)),
+              QStringLiteral("Diablo II Lord of Destruction (Slayer Dru, a level 10 expansion "
+                             "druid on realm USEast)"));
     EXPECT_EQ(
         detailed(d2("VD2D", "Who", 9, 1, 0, 1 << 3)),
         QStringLiteral("Diablo II Classic (Sir Who, a level 1 unknown class on realm USEast)"));

@@ -79,6 +79,7 @@ bool BncsLogon::authInfo(PacketReader& r) {
     std::reverse(code.begin(), code.end());
     m_product = findProduct(QString::fromLatin1(code));
     if (!m_product) return false;
+    m_versionByte = r.ReadDWORD();
     m_serverToken = QRandomGenerator::global()->generate();
     m_challenge = m_context.oracle.challenge();
 
@@ -115,6 +116,10 @@ bool BncsLogon::authCheck(PacketReader& r) {
 
 quint32 BncsLogon::checkVersion(quint32 version, quint32 checksum) {
     if (m_context.options.versionResult) return *m_context.options.versionResult;
+    // Servers in use know the byte of the client version they serve, and
+    // nothing older.
+    if (m_context.options.currentVerbyte && m_versionByte != m_product->versionByte())
+        return kVersionInvalid;
     const auto expected = m_context.oracle.answer(m_challenge.formula, m_challenge.archiveNumber);
     if (!expected) return kVersionInvalid;
     if (version < expected->version) return kVersionOld;

@@ -68,6 +68,7 @@ private:
     Step m_step = Step::Start;
     const Product* m_product = nullptr;
     quint32 m_serverToken = 0;
+    quint32 m_versionByte = 0; // as 0x50 named it
     VersionOracle::Challenge m_challenge;
     QString m_account;
     QString m_proofAccount; // whose proof exchange is under way

@@ -43,7 +43,7 @@ void BnlsSession::handle(quint8 id, PacketReader& r) {
         PacketWriter trailer;
         trailer.WriteDWORD(cookie);
         const Product* p = findBnlsProduct(product);
-        trailer.WriteDWORD(p ? p->versionByte : 0);
+        trailer.WriteDWORD(p ? p->versionByte() : 0);
         versionCheck(id, product,
                      logon::archiveNumber({archive.constData(), size_t(archive.size())}), formula,
                      trailer.payload());
@@ -54,7 +54,7 @@ void BnlsSession::handle(quint8 id, PacketReader& r) {
         const Product* p = findBnlsProduct(product);
         PacketWriter w;
         w.WriteDWORD(p ? product : 0);
-        if (p) w.WriteDWORD(p->versionByte);
+        if (p) w.WriteDWORD(p->versionByte());
         sendFrame(0x10, w.payload());
         return;
     }

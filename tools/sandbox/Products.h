@@ -13,9 +13,10 @@ struct Product {
     int keyCount;            // product keys that 0x51 carries
     int keyLength;           // characters of each key
     bool newLogon;           // WarCraft III logs on with the proof exchange
-    quint32 versionByte;     // what BNLS reports as current
     quint32 bnlsId;          // the number BNLS requests name the product by
     bool starNames() const;  // Diablo II sees names as character*account
+    // What BNLS reports as current: the bot's own table, so the two agree.
+    quint32 versionByte() const;
 };
 
 // Looks a product up by its code ("STAR"), in any case; nullptr if unknown.

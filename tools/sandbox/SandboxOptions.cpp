@@ -54,6 +54,8 @@ QString SandboxOptions::usage() {
         "  --hash-files A,B,C       the three files the version check hashes\n"
         "  --bnls-fail              BNLS answers every version check with a failure\n"
         "  --version-result CODE    answer every 0x51 version check with CODE (0, 0x100, 0x101)\n"
+        "  --current-verbyte        refuse (0x101) a client whose 0x50 names another version\n"
+        "                           byte than its product's current one\n"
         "  --keys FILE              product keys to accept besides the built-in ones\n"
         "  --exclusive-keys         refuse a key that another session is using\n"
         "  --accounts FILE          keep accounts and channel bans in FILE\n"
@@ -123,9 +125,13 @@ std::optional<SandboxOptions> SandboxOptions::parse(const QStringList& arguments
          }},
     };
     const std::map<QString, bool*> switches{
-        {"--bnls-fail", &o.bnlsFail}, {"--exclusive-keys", &o.exclusiveKeys},
-        {"--trace", &o.trace},        {"--control", &o.control},
-        {"--help", &o.help},          {"-h", &o.help},
+        {"--bnls-fail", &o.bnlsFail},
+        {"--exclusive-keys", &o.exclusiveKeys},
+        {"--current-verbyte", &o.currentVerbyte},
+        {"--trace", &o.trace},
+        {"--control", &o.control},
+        {"--help", &o.help},
+        {"-h", &o.help},
     };
 
     for (int i = 0; i < arguments.size(); ++i) {

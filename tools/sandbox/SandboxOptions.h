@@ -30,6 +30,7 @@ struct SandboxOptions {
     QStringList hashFiles;                // three files; empty: generated ones
     bool bnlsFail = false;                // BNLS answers every version check with a failure
     std::optional<quint32> versionResult; // forced 0x51 result; none: check the answer
+    bool currentVerbyte = false;          // 0x51 refuses (0x101) any but the current version byte
     QString keysFile;                     // more product keys, one a line
     bool exclusiveKeys = false;           // a key in use by another session is refused
     QString accountsFile;                 // accounts and channel bans kept across runs

@@ -67,9 +67,14 @@ VerbResult runRequest(const QJsonObject& request) {
 
 WebFront::WebFront(QObject* parent)
     : QObject(parent), m_http(std::make_unique<QHttpServer>()),
-      m_listener(new WebListener(this)), m_feed(new PageFeed(this)) {
+      m_listener(new WebListener(this)) {
     addRoutes();
     connect(m_http.get(), &QHttpServer::newWebSocketConnection, this, &WebFront::acceptPages);
+}
+
+// Made only once the page listens: a bot without it follows no lines.
+void WebFront::startFeed() {
+    m_feed = new PageFeed(this);
     connect(m_feed, &PageFeed::lines, this, [this](const QByteArray& message, int count) {
         for (WebPage* page : m_pages) {
             if (page->admitted()) page->sendLines(message, count);
@@ -119,6 +124,7 @@ bool WebFront::start(int port) {
                       .arg(m_listener->errorString()));
         return false;
     }
+    startFeed();
     m_http->bind(m_listener);
     m_port = m_listener->serverPort();
     const QString where = address.protocol() == QAbstractSocket::IPv6Protocol

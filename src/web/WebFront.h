@@ -34,6 +34,7 @@ public:
 
 private:
     void addRoutes();
+    void startFeed();
     void acceptPages();
     void onMessage(WebPage* page, const QString& message);
     void greet(WebPage* page, const QString& message);
@@ -42,7 +43,7 @@ private:
 
     std::unique_ptr<QHttpServer> m_http;
     WebListener* m_listener;
-    PageFeed* m_feed;
+    PageFeed* m_feed = nullptr;
     std::vector<WebPage*> m_pages;
     quint16 m_port = 0;
     qint64 m_wrongTokens = 0;

@@ -8,6 +8,10 @@
 // and 10,000 users: the ratios printed at the end say whether the cost of an
 // event grows with any of them. The walk from the first user that the name
 // index replaced is the look-up's baseline.
+//
+// With web pages open, the same stream goes to each page as it arrives; the
+// pages read everything, so the cost counted is the bot's share: the feed's
+// messages and the writes to each socket.
 #include "ChatTraffic.h"
 #include "Ratios.h"
 #include "chat/BotElement.h"
@@ -15,16 +19,21 @@
 #include "config/Folders.h"
 #include "config/RegistryWrapper.h"
 #include "config/SettingsWrapper.h"
+#include "control/WebToken.h"
 #include "platform/ChatDocument.h"
 #include "platform/ListModel.h"
 #include "platform/SocketControl.h"
 #include "session/PacketWriter.h"
 #include "session/SlotTable.h"
 #include "statistics/UserNames.h"
+#include "web/WebFront.h"
+#include "web/WebPage.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTemporaryDir>
 #include <benchmark/benchmark.h>
 #include <map>
@@ -149,6 +158,63 @@ void ChatEventsThroughTheSlot(benchmark::State& state) {
     feed(state, stream(1000));
 }
 
+// A page that offered the token and then only drains what it is sent.
+std::unique_ptr<QTcpSocket> openPage(quint16 port, const QString& token) {
+    auto socket = std::make_unique<QTcpSocket>();
+    QTcpSocket* raw = socket.get();
+    QObject::connect(raw, &QTcpSocket::readyRead, raw, [raw] {
+        if (raw->property("open").toBool()) {
+            raw->readAll();
+            return;
+        }
+        const QByteArray head = raw->peek(4096);
+        if (!head.contains("\r\n\r\n")) return;
+        raw->read(head.indexOf("\r\n\r\n") + 4);
+        raw->setProperty("open", true);
+        const QByteArray hello = "{\"event\":\"hello\",\"token\":\"" + raw->property("token").toByteArray() + "\"}";
+        raw->write(QByteArray("\x81") + char(0x80 | hello.size()) + QByteArray(4, '\0') + hello);
+    });
+    raw->setProperty("token", token.toLatin1());
+    raw->connectToHost(QHostAddress::LocalHost, port);
+    raw->waitForConnected(5000);
+    raw->write("GET /socket HTTP/1.1\r\nHost: 127.0.0.1\r\nUpgrade: websocket\r\nConnection: "
+               "Upgrade\r\nSec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\nSec-WebSocket-Version: "
+               "13\r\n\r\n");
+    return socket;
+}
+
+void ChatEventsWithPagesOpen(benchmark::State& state) {
+    const Stream& s = stream(1000);
+    const int pageCount = int(state.range(0));
+    int slot = 0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        slot = enterChannel(s);
+        QTcpServer probe;
+        probe.listen(QHostAddress::LocalHost, 0);
+        const quint16 port = probe.serverPort();
+        probe.close();
+        WebFront front;
+        front.start(port);
+        const QString token = WebToken::Ensure(nullptr);
+        std::vector<std::unique_ptr<QTcpSocket>> pages;
+        for (int i = 0; i < pageCount; ++i)
+            pages.push_back(openPage(port, token));
+        while (std::count_if(front.pages().begin(), front.pages().end(),
+                             [](const WebPage* p) { return p->admitted(); }) < pageCount)
+            QCoreApplication::processEvents();
+        state.ResumeTiming();
+        for (const QByteArray& read : s.reads) {
+            wsBNET(slot).simulateData(read);
+            QCoreApplication::processEvents();
+        }
+        state.PauseTiming();
+        pages.clear();
+        state.ResumeTiming();
+    }
+    countEvents(state, slot);
+}
+
 // The userbase's aliases and groups, written in one import: `entries` of
 // each, five members each, from the names of the channel and from outside it.
 void writeAliasesAndGroups(int entries) {
@@ -253,6 +319,12 @@ void UserFindByWalkingTheChannel(benchmark::State& state) {
 } // namespace
 
 BENCHMARK(ChatEventsThroughTheSlot)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(ChatEventsWithPagesOpen)
+    ->ArgName("pages")
+    ->Arg(0)
+    ->Arg(4)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(3);
 BENCHMARK(ChatEventsWithAliasesAndGroups)
     ->ArgName("entries")
     ->Arg(0)
@@ -311,6 +383,7 @@ int main(int argc, char** argv) {
           "ChatEventsWithMailbox/letters:0"},
          {"mailbox 10000 / 0", "ChatEventsWithMailbox/letters:10000",
           "ChatEventsWithMailbox/letters:0"},
+         {"4 web pages / none", "ChatEventsWithPagesOpen/pages:4", "ChatEventsWithPagesOpen/pages:0"},
          {"join and leave at 10000 users / at 100", "JoinAndLeave/users:10000",
           "JoinAndLeave/users:100"},
          {"user look-up at 10000 users / at 100", "UserFindThroughTheIndex/users:10000",

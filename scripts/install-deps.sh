@@ -6,6 +6,7 @@ set -euo pipefail
 PACKAGES=(
     cmake ninja-build g++ pkg-config
     qt6-base-dev qt6-base-dev-tools qt6-declarative-dev
+    qt6-httpserver-dev qt6-websockets-dev
     libsqlite3-dev libssl-dev libedit-dev
     libgtest-dev libgmock-dev libbenchmark-dev
     clang libclang-rt-14-dev
@@ -13,6 +14,11 @@ PACKAGES=(
     xvfb xauth dbus dbus-daemon x11-utils
     desktop-file-utils appstream man-db dpkg-dev file
 )
+# The web page's end-to-end test drives a real browser; at some 350 MB it is
+# installed only for the tests: install-deps.sh --tests.
+if [ "${1:-}" = "--tests" ]; then
+    PACKAGES+=(chromium)
+fi
 
 missing=()
 for p in "${PACKAGES[@]}"; do

@@ -21,6 +21,7 @@
 #include "session/StartupSequence.h"
 #include "shell/DesktopShell.h"
 #include "social/ClanPacket.h"
+#include "web/WebFront.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -41,6 +42,7 @@ struct Options {
     bool headless = false;
     bool noInput = false;
     bool connect = false;
+    int webPort = 0;
     QString home;
     QString importReg;
     QStringList exportReg; // key, file
@@ -72,14 +74,19 @@ Options parseOptions(const QCoreApplication& app) {
                                        QStringLiteral("Export the settings below KEY to FILE "
                                                       "and exit (--export-reg KEY FILE)."),
                                        QStringLiteral("KEY FILE"));
-    parser.addOptions({headless, noInput, home, connect, importReg, exportReg});
+    const QCommandLineOption web(QStringLiteral("web"),
+                                 QStringLiteral("Serve the web page on PORT of the loopback "
+                                                "address (or of WebAddress) for this run."),
+                                 QStringLiteral("PORT"));
+    parser.addOptions({headless, noInput, home, connect, importReg, exportReg, web});
     parser.process(app);
     // The file may follow the key as a plain word, or come as a second
     // --export-reg as it did before.
     QStringList exportArgs = parser.values(exportReg);
     if (exportArgs.size() == 1) exportArgs += parser.positionalArguments().mid(0, 1);
     return {parser.isSet(headless) || parser.isSet(noInput), parser.isSet(noInput),
-            parser.isSet(connect), parser.value(home), parser.value(importReg), exportArgs};
+            parser.isSet(connect), parser.value(web).toInt(), parser.value(home),
+            parser.value(importReg), exportArgs};
 }
 
 // `corvantide [--home DIR] VERB ...`: the words from the first terminal verb
@@ -208,6 +215,8 @@ int runHeadless(QCoreApplication& app, const Options& options) {
     TerminalSession session(console, site);
     ControlServer control;
     openControlChannel(control);
+    WebFront web;
+    web.start(options.webPort);
     if (options.connect) QTimer::singleShot(0, &app, connectLoadedProfiles);
     console.setLineHandler([&session](const QString& line) { session.typed(line); });
     if (!options.noInput) {
@@ -245,6 +254,8 @@ int runWindow(QCoreApplication& app, const Options& options) {
     if (!startup.run()) return 1;
     ControlServer control;
     openControlChannel(control);
+    WebFront web;
+    web.start(options.webPort);
     if (options.connect) QTimer::singleShot(0, &app, connectLoadedProfiles);
     window.desktop()->ShowWithFade();
     splash.hide();

@@ -17,8 +17,10 @@ ProfanityReader::ProfanityReader() {
     LoadProfanity();
 }
 
+// Asked for on every line shown: the name alone, without making sure the
+// folders exist, which costs a look at the disk each time.
 QString ProfanityReader::file() {
-    return GetSettingsPath() + QStringLiteral("Profanity.ini");
+    return SettingsFilePath(QStringLiteral("Profanity.ini"));
 }
 
 void ProfanityReader::LoadProfanity() {

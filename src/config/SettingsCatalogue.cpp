@@ -105,7 +105,9 @@ QList<Entry> programValues() {
             flag("BalloonFriendOff", false),
             flag("BalloonFriendGame", false),
             text("WebHost"),
-            number("ScriptMemoryLimit", 256)};
+            number("ScriptMemoryLimit", 256),
+            number("WebPort", 0),
+            text("WebAddress", "127.0.0.1")};
 }
 
 // Keys whose values the catalogue knows by the shape of their path: the

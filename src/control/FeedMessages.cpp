@@ -11,11 +11,6 @@ QByteArray compact(const QJsonObject& object) {
 }
 
 // Colours are kept with red in the low byte; on the wire as CSS writes them.
-QString cssColor(quint32 color) {
-    const quint32 rgb = ((color & 0xFF) << 16) | (color & 0xFF00) | ((color >> 16) & 0xFF);
-    return QStringLiteral("#%1").arg(rgb, 6, 16, QChar(u'0'));
-}
-
 quint32 storedColor(const QString& css) {
     bool ok = false;
     const quint32 rgb = css.mid(1).toUInt(&ok, 16);
@@ -23,14 +18,47 @@ quint32 storedColor(const QString& css) {
     return ((rgb & 0xFF) << 16) | (rgb & 0xFF00) | ((rgb >> 16) & 0xFF);
 }
 
-QJsonObject runObject(const TextRun& run) {
-    QJsonObject o{{QStringLiteral("text"), run.text},
-                  {QStringLiteral("color"), cssColor(run.format.color)}};
-    if (run.format.bold) o.insert(QStringLiteral("bold"), true);
-    if (run.format.italic) o.insert(QStringLiteral("italic"), true);
-    if (run.format.underline) o.insert(QStringLiteral("underline"), true);
-    if (run.format.strike) o.insert(QStringLiteral("strike"), true);
-    return o;
+// A line is written by hand rather than as a tree of JSON values: every page
+// and follower gets every line the bot shows, so this is on the chat path.
+void appendString(QByteArray& out, const QString& text) {
+    out += '"';
+    const QByteArray utf8 = text.toUtf8();
+    qsizetype plain = 0; // start of the stretch that needs no escape
+    for (qsizetype i = 0; i < utf8.size(); ++i) {
+        const uchar c = uchar(utf8[i]);
+        if (c != '"' && c != '\\' && c >= 0x20) continue;
+        out.append(utf8.constData() + plain, i - plain);
+        if (c < 0x20) {
+            static const char digits[] = "0123456789abcdef";
+            out += "\\u00";
+            out += digits[c >> 4];
+            out += digits[c & 0xF];
+        } else {
+            out += '\\';
+            out += char(c);
+        }
+        plain = i + 1;
+    }
+    out.append(utf8.constData() + plain, utf8.size() - plain);
+    out += '"';
+}
+
+void appendRun(QByteArray& out, const TextRun& run) {
+    static const char digits[] = "0123456789abcdef";
+    const quint32 c = run.format.color;
+    const quint32 rgb = ((c & 0xFF) << 16) | (c & 0xFF00) | ((c >> 16) & 0xFF);
+    out += '{';
+    if (run.format.bold) out += "\"bold\":true,";
+    out += "\"color\":\"#";
+    for (int shift = 20; shift >= 0; shift -= 4)
+        out += digits[(rgb >> shift) & 0xF];
+    out += "\",";
+    if (run.format.italic) out += "\"italic\":true,";
+    if (run.format.strike) out += "\"strike\":true,";
+    out += "\"text\":";
+    appendString(out, run.text);
+    if (run.format.underline) out += ",\"underline\":true";
+    out += '}';
 }
 
 TextRun readRun(const QJsonObject& o) {
@@ -48,14 +76,17 @@ TextRun readRun(const QJsonObject& o) {
 namespace FeedMessages {
 
 QByteArray Line(const FeedLine& line, const QString& profile) {
-    QJsonArray runs;
-    for (const TextRun& run : line.runs)
-        runs.append(runObject(run));
-    return compact({{QStringLiteral("event"), QStringLiteral("line")},
-                    {QStringLiteral("profile"), profile},
-                    {QStringLiteral("view"),
-                     line.whisper ? QStringLiteral("whisper") : QStringLiteral("chat")},
-                    {QStringLiteral("runs"), runs}});
+    QByteArray out;
+    out.reserve(96 + 64 * qsizetype(line.runs.size()));
+    out += "{\"event\":\"line\",\"profile\":";
+    appendString(out, profile);
+    out += ",\"runs\":[";
+    for (size_t i = 0; i < line.runs.size(); ++i) {
+        if (i > 0) out += ',';
+        appendRun(out, line.runs[i]);
+    }
+    out += line.whisper ? "],\"view\":\"whisper\"}\n" : "],\"view\":\"chat\"}\n";
+    return out;
 }
 
 QByteArray Skipped(qint64 lines) {

@@ -10,6 +10,7 @@
 #include "control/PluginVerbs.h"
 #include "control/ProfileVerbs.h"
 #include "control/SteeringVerbs.h"
+#include "control/WebToken.h"
 
 #include <QTextStream>
 
@@ -45,13 +46,22 @@ VerbResult exportKey(const QStringList& args) {
     });
 }
 
+// The web page's token, made here on first use so that it can be handed to a
+// browser before the page was ever turned on.
+VerbResult webToken(const QStringList& args) {
+    if (args.size() != 1) return VerbResult::usage(QStringLiteral("web-token"));
+    QString error;
+    const QString token = WebToken::Ensure(&error);
+    return token.isEmpty() ? VerbResult::refused(error) : VerbResult::done(token);
+}
+
 } // namespace
 
 namespace TerminalVerbs {
 
 bool IsVerb(const QString& word) {
-    for (const char* verb :
-         {"profile", "config", "database", "import", "export", "commands", "plugin"}) {
+    for (const char* verb : {"profile", "config", "database", "import", "export", "commands",
+                               "plugin", "web-token"}) {
         if (word == QLatin1String(verb)) return true;
     }
     return ListVerbs::IsVerb(word) || SteeringVerbs::IsVerb(word);
@@ -70,8 +80,9 @@ VerbResult Run(const QStringList& args) {
     if (ListVerbs::IsVerb(verb)) return ListVerbs::Run(args);
     if (SteeringVerbs::IsVerb(verb)) return SteeringVerbs::Run(args);
     if (verb == u"plugin") return RunPluginVerb(rest);
+    if (verb == u"web-token") return webToken(args);
     return VerbResult::usage(
-        QStringLiteral("profile|config|database|import|export|commands|plugin ..."));
+        QStringLiteral("profile|config|database|import|export|commands|plugin|web-token ..."));
 }
 
 QString Help() {
@@ -83,7 +94,9 @@ QString Help() {
                           "  export KEY FILE                 export KEY and below to a new "
                           "REGEDIT4 file\n"
                           "  commands                        list the bot's commands with the "
-                          "rank each needs\n") +
+                          "rank each needs\n"
+                          "  web-token                       print the token the web page asks "
+                          "for\n") +
            SteeringVerbs::Help();
 }
 

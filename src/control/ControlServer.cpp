@@ -122,13 +122,17 @@ void ControlServer::accept() {
         const int descriptor =
             ::accept4(m_listening, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
         if (descriptor >= 0) {
-            m_starved = false;
             take(descriptor);
             continue;
         }
         if (errno == EINTR || errno == ECONNABORTED) continue;
-        if (errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM)
+        if (errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM) {
             waitForDescriptors(errno);
+            return;
+        }
+        // The shortage is over only once every waiting connection got in: a
+        // descriptor freed now and then lets one through without ending it.
+        m_starved = false;
         return;
     }
 }

@@ -63,6 +63,10 @@ void TerminalSession::activeSlotChanged() {
 }
 
 void TerminalSession::statusChanged() {
+    // Between the logon and the first join the profile is online in no
+    // channel yet: the join's own line follows at once.
+    const int shown = SlotTable::instance().CurrentIndex();
+    if (shown > 0 && Bots(shown).Online() && Bots(shown).Channel().isEmpty()) return;
     const QString status = TimedEvents::instance().StatusLine().trimmed();
     // The wait before the next try counts down each second: only the rest is
     // news.

@@ -91,7 +91,7 @@ void ChatFeed::viewChanged(size_t index, int from) {
         const int removed = std::max(0, w.seenLength - length);
         if (from < w.handedOn) w.handedOn = std::max(from, w.handedOn - removed);
     } else {
-        const qsizetype ends = w.document->textFrom(w.seenLength).count(u'\n');
+        const qsizetype ends = w.document->countFrom(w.seenLength, u'\n');
         for (qsizetype i = 0; i < ends; ++i)
             m_order.push_back(index);
         if (ends > 0) scheduleFlush();

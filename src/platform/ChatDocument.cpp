@@ -82,6 +82,15 @@ QString ChatDocument::textFrom(int from) const {
     return out;
 }
 
+qsizetype ChatDocument::countFrom(int from, QChar c) const {
+    if (from >= m_length) return 0;
+    auto [index, start] = locate(std::max(0, from));
+    qsizetype count = QStringView(m_runs[index].text).mid(std::max(0, from) - start).count(c);
+    for (size_t i = index + 1; i < m_runs.size(); ++i)
+        count += m_runs[i].text.count(c);
+    return count;
+}
+
 std::vector<TextRun> ChatDocument::runsBetween(int from, int to) const {
     std::vector<TextRun> out;
     from = std::max(0, from);

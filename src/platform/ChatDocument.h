@@ -36,6 +36,8 @@ public:
     QString text() const;
     // The text from `from` to the end.
     QString textFrom(int from) const;
+    // How many times `c` stands at `from` or after, without a copy of the text.
+    qsizetype countFrom(int from, QChar c) const;
     const std::vector<TextRun>& runs() const { return m_runs; }
     // The runs of [from, to), cut at both ends.
     std::vector<TextRun> runsBetween(int from, int to) const;

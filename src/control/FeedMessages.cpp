@@ -20,23 +20,48 @@ quint32 storedColor(const QString& css) {
 
 // A line is written by hand rather than as a tree of JSON values: every page
 // and follower gets every line the bot shows, so this is on the chat path.
+void appendEscaped(QByteArray& out, uchar c) {
+    static const char digits[] = "0123456789abcdef";
+    if (c < 0x20) {
+        out += "\\u00";
+        out += digits[c >> 4];
+        out += digits[c & 0xF];
+    } else {
+        out += '\\';
+        out += char(c);
+    }
+}
+
+// Most of what a channel says is ASCII: it goes in without a UTF-8 copy.
+bool appendAscii(QByteArray& out, const QString& text) {
+    const qsizetype start = out.size();
+    for (const QChar ch : text) {
+        const char16_t c = ch.unicode();
+        if (c >= 0x80) {
+            out.truncate(start);
+            return false;
+        }
+        if (c != '"' && c != '\\' && c >= 0x20)
+            out += char(c);
+        else
+            appendEscaped(out, uchar(c));
+    }
+    return true;
+}
+
 void appendString(QByteArray& out, const QString& text) {
     out += '"';
+    if (appendAscii(out, text)) {
+        out += '"';
+        return;
+    }
     const QByteArray utf8 = text.toUtf8();
     qsizetype plain = 0; // start of the stretch that needs no escape
     for (qsizetype i = 0; i < utf8.size(); ++i) {
         const uchar c = uchar(utf8[i]);
         if (c != '"' && c != '\\' && c >= 0x20) continue;
         out.append(utf8.constData() + plain, i - plain);
-        if (c < 0x20) {
-            static const char digits[] = "0123456789abcdef";
-            out += "\\u00";
-            out += digits[c >> 4];
-            out += digits[c & 0xF];
-        } else {
-            out += '\\';
-            out += char(c);
-        }
+        appendEscaped(out, c);
         plain = i + 1;
     }
     out.append(utf8.constData() + plain, utf8.size() - plain);

@@ -4,6 +4,7 @@
 #include "common/SlotFixture.h"
 #include "config/SettingsWrapper.h"
 #include "control/ChatFeed.h"
+#include "control/FeedMessages.h"
 #include "platform/ChatDocument.h"
 #include "presentation/ChatWriter.h"
 
@@ -56,4 +57,26 @@ TEST_F(SlotFixture, ChatFeedHandsOnFinishedLinesInWritingOrderAndBeforeAViewIsEm
     ASSERT_EQ(recent.size(), 2);
     EXPECT_EQ(recent[0].text(), QStringLiteral("plain red"));
     EXPECT_EQ(recent[1].text(), QStringLiteral("<From: b> hi"));
+}
+
+// A line goes out as JSON and comes back with every character and format,
+// whether its text is plain ASCII (written straight) or not (through UTF-8).
+TEST(FeedMessages, ALineReadsBackAsItWasWritten) {
+    CharFormat bold;
+    bold.color = 0x00FF80;
+    bold.bold = true;
+    const QString texts[] = {QStringLiteral("plain"), QStringLiteral("say \"hi\" \\o/"),
+                             QStringLiteral("tab\tbell\x07"), QStringLiteral("caf\u00E9 \u00FF\u20AC")};
+    for (const QString& text : texts) {
+        const FeedLine line{1, true, {{QStringLiteral("[12:00] "), CharFormat{}}, {text, bold}}};
+        const QByteArray json = FeedMessages::Line(line, QStringLiteral("M\u00E4in"));
+        const FeedMessages::Message back = FeedMessages::Read(json);
+        ASSERT_EQ(back.kind, FeedMessages::Message::Line) << json.constData();
+        EXPECT_EQ(back.profile, QStringLiteral("M\u00E4in"));
+        EXPECT_TRUE(back.whisper);
+        ASSERT_EQ(back.runs.size(), 2u);
+        EXPECT_EQ(back.runs[1].text, text) << json.constData();
+        EXPECT_EQ(back.runs[1].format.color, bold.color);
+        EXPECT_TRUE(back.runs[1].format.bold);
+    }
 }

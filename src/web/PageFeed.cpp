@@ -122,8 +122,9 @@ void PageFeed::watchUsers(int slot) {
 void PageFeed::linesWritten(const QList<FeedLine>& lines) {
     if (!m_listening || lines.isEmpty()) return;
     QByteArray messages;
+    messages.reserve(256 * lines.size());
     for (const FeedLine& line : lines)
-        messages += FeedMessages::Line(line, profileOf(line.slot));
+        FeedMessages::AppendLine(messages, line, profileOf(line.slot));
     Q_EMIT this->lines(messages, int(lines.size()));
 }
 
@@ -155,7 +156,7 @@ std::vector<QByteArray> PageFeed::snapshot() const {
         if (i > 0 && !Bots(i).IsLoaded) continue;
         QByteArray recent;
         for (const FeedLine& line : feed.recentLines(i, kRecentLines))
-            recent += FeedMessages::Line(line, profileOf(i));
+            FeedMessages::AppendLine(recent, line, profileOf(i));
         if (!recent.isEmpty()) messages.push_back(recent);
         if (i > 0) messages.push_back(compact(usersOf(i)));
     }

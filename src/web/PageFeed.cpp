@@ -2,6 +2,7 @@
 
 #include "chat/BotElement.h"
 #include "chat/TimedEvents.h"
+#include "config/FileStamp.h"
 #include "control/ChatFeed.h"
 #include "control/FeedMessages.h"
 #include "platform/ListModel.h"
@@ -129,6 +130,8 @@ void PageFeed::linesWritten(const QList<FeedLine>& lines) {
 }
 
 void PageFeed::flushState() {
+    // Names of flags and pings, one look at their override file for the lot.
+    const FileStamp::Burst burst;
     const QByteArray slots = compact(slotsNow());
     if (slots != m_lastSlots) {
         m_lastSlots = slots;
@@ -149,6 +152,7 @@ void PageFeed::flushState() {
 // The caller flushes the chat feed first, so that no line is both in the
 // snapshot and still on its way.
 std::vector<QByteArray> PageFeed::snapshot() const {
+    const FileStamp::Burst burst;
     std::vector<QByteArray> messages{compact(slotsNow()), compact(statusNow())};
     const ChatFeed& feed = ChatFeed::instance();
     SlotTable& table = SlotTable::instance();

@@ -3,6 +3,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <cstring>
 
 namespace {
 
@@ -20,88 +21,86 @@ quint32 storedColor(const QString& css) {
 
 // A line is written by hand rather than as a tree of JSON values: every page
 // and follower gets every line the bot shows, so this is on the chat path.
-void appendEscaped(QByteArray& out, uchar c) {
-    static const char digits[] = "0123456789abcdef";
-    if (c < 0x20) {
-        out += "\\u00";
-        out += digits[c >> 4];
-        out += digits[c & 0xF];
-    } else {
-        out += '\\';
-        out += char(c);
+// Room for the whole line is made once and the bytes go straight into it: no
+// character takes more than six bytes (the longest escape, \u00XX).
+class LineWriter {
+public:
+    LineWriter(QByteArray& out, qsizetype most) : m_out(out) {
+        const qsizetype start = out.size();
+        out.resize(start + most);
+        m_at = out.data() + start;
     }
-}
+    ~LineWriter() { m_out.truncate(m_at - m_out.constData()); }
+    LineWriter(const LineWriter&) = delete;
+    LineWriter& operator=(const LineWriter&) = delete;
 
-// Most of what a channel says is ASCII: it is copied straight into the room
-// made for it, one byte a character, without a UTF-8 copy.
-bool appendAscii(QByteArray& out, const QString& text) {
-    const qsizetype start = out.size();
-    const qsizetype size = text.size();
-    const char16_t* from = reinterpret_cast<const char16_t*>(text.constData());
-    out.resize(start + size);
-    char* to = out.data() + start;
-    for (qsizetype i = 0; i < size; ++i) {
-        const char16_t c = from[i];
-        if (c >= 0x80) {
-            out.truncate(start);
-            return false;
-        }
-        if (c == '"' || c == '\\' || c < 0x20) {
-            // An escape takes more room than its character: the rest goes
-            // one character at a time.
-            out.truncate(start + i);
-            for (qsizetype j = i; j < size; ++j) {
-                if (from[j] >= 0x80) {
-                    out.truncate(start);
-                    return false;
-                }
-                if (from[j] != '"' && from[j] != '\\' && from[j] >= 0x20)
-                    out += char(from[j]);
-                else
-                    appendEscaped(out, uchar(from[j]));
+    void put(char c) { *m_at++ = c; }
+    template <size_t N> void put(const char (&text)[N]) {
+        std::memcpy(m_at, text, N - 1);
+        m_at += N - 1;
+    }
+    void putHex(quint32 value, int digits) {
+        static const char hex[] = "0123456789abcdef";
+        for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4)
+            put(hex[(value >> shift) & 0xF]);
+    }
+    // A JSON string: ASCII as it is, the rest as UTF-8.
+    void putString(const QString& text) {
+        put('"');
+        const char16_t* from = reinterpret_cast<const char16_t*>(text.constData());
+        for (qsizetype i = 0; i < text.size(); ++i) {
+            if (from[i] >= 0x80) {
+                putUtf8(QStringView(text).mid(i));
+                break;
             }
-            return true;
+            putByte(uchar(from[i]));
         }
-        to[i] = char(c);
+        put('"');
     }
-    return true;
+
+private:
+    void putByte(uchar c) {
+        if (c >= 0x20 && c != '"' && c != '\\') {
+            put(char(c));
+        } else if (c < 0x20) {
+            put("\\u00");
+            putHex(c, 2);
+        } else {
+            put('\\');
+            put(char(c));
+        }
+    }
+    void putUtf8(QStringView text) {
+        for (const char c : text.toUtf8())
+            putByte(uchar(c));
+    }
+
+    QByteArray& m_out;
+    char* m_at = nullptr;
+};
+
+// The most bytes a line can take.
+qsizetype mostBytes(const FeedLine& line, const QString& profile) {
+    qsizetype characters = profile.size();
+    for (const TextRun& run : line.runs)
+        characters += run.text.size();
+    return 64 + 96 * qsizetype(line.runs.size()) + 6 * characters;
 }
 
-void appendString(QByteArray& out, const QString& text) {
-    out += '"';
-    if (appendAscii(out, text)) {
-        out += '"';
-        return;
-    }
-    const QByteArray utf8 = text.toUtf8();
-    qsizetype plain = 0; // start of the stretch that needs no escape
-    for (qsizetype i = 0; i < utf8.size(); ++i) {
-        const uchar c = uchar(utf8[i]);
-        if (c != '"' && c != '\\' && c >= 0x20) continue;
-        out.append(utf8.constData() + plain, i - plain);
-        appendEscaped(out, c);
-        plain = i + 1;
-    }
-    out.append(utf8.constData() + plain, utf8.size() - plain);
-    out += '"';
-}
-
-void appendRun(QByteArray& out, const TextRun& run) {
-    static const char digits[] = "0123456789abcdef";
+void putRun(LineWriter& out, const TextRun& run) {
     const quint32 c = run.format.color;
     const quint32 rgb = ((c & 0xFF) << 16) | (c & 0xFF00) | ((c >> 16) & 0xFF);
-    out += '{';
-    if (run.format.bold) out += "\"bold\":true,";
-    out += "\"color\":\"#";
-    for (int shift = 20; shift >= 0; shift -= 4)
-        out += digits[(rgb >> shift) & 0xF];
-    out += "\",";
-    if (run.format.italic) out += "\"italic\":true,";
-    if (run.format.strike) out += "\"strike\":true,";
-    out += "\"text\":";
-    appendString(out, run.text);
-    if (run.format.underline) out += ",\"underline\":true";
-    out += '}';
+    out.put('{');
+    if (run.format.bold) out.put("\"bold\":true,");
+    out.put("\"color\":\"#");
+    out.putHex(rgb, 6);
+    out.put("\",");
+    if (run.format.italic) out.put("\"italic\":true,");
+    if (run.format.strike) out.put("\"strike\":true,");
+    out.put("\"text\":");
+    out.putString(run.text);
+    if (run.format.underline) out.put(",\"underline\":true");
+    out.put('}');
 }
 
 TextRun readRun(const QJsonObject& o) {
@@ -119,19 +118,22 @@ TextRun readRun(const QJsonObject& o) {
 namespace FeedMessages {
 
 void AppendLine(QByteArray& out, const FeedLine& line, const QString& profile) {
-    out += "{\"event\":\"line\",\"profile\":";
-    appendString(out, profile);
-    out += ",\"runs\":[";
+    LineWriter writer(out, mostBytes(line, profile));
+    writer.put("{\"event\":\"line\",\"profile\":");
+    writer.putString(profile);
+    writer.put(",\"runs\":[");
     for (size_t i = 0; i < line.runs.size(); ++i) {
-        if (i > 0) out += ',';
-        appendRun(out, line.runs[i]);
+        if (i > 0) writer.put(',');
+        putRun(writer, line.runs[i]);
     }
-    out += line.whisper ? "],\"view\":\"whisper\"}\n" : "],\"view\":\"chat\"}\n";
+    if (line.whisper)
+        writer.put("],\"view\":\"whisper\"}\n");
+    else
+        writer.put("],\"view\":\"chat\"}\n");
 }
 
 QByteArray Line(const FeedLine& line, const QString& profile) {
     QByteArray out;
-    out.reserve(96 + 64 * qsizetype(line.runs.size()));
     AppendLine(out, line, profile);
     return out;
 }

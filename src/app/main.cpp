@@ -26,6 +26,7 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QLabel>
 #include <QMessageBox>
@@ -194,10 +195,30 @@ void reportStoreTrouble() {
         });
 }
 
+// Input ended (a pipe closed, Ctrl+D): the lines typed before it still go out
+// through the send queues of the profiles online, for at most half a minute,
+// and the bot quits once the queues stayed empty for a turn of the timer, so
+// that the last line leaves the socket too.
+void quitOnceQueuesAreSent(QCoreApplication& app) {
+    auto* timer = new QTimer(&app);
+    auto deadline = std::make_shared<QDeadlineTimer>(30000);
+    auto emptyTurns = std::make_shared<int>(0);
+    QObject::connect(timer, &QTimer::timeout, &app, [&app, deadline, emptyTurns] {
+        SlotTable& table = SlotTable::instance();
+        bool queued = false;
+        for (int i = 1; i <= table.highestIndex(); ++i)
+            queued = queued || (Bots(i).IsLoaded && Bots(i).Online() && !Bots(i).Queue.isEmpty());
+        *emptyTurns = queued ? 0 : *emptyTurns + 1;
+        if (*emptyTurns >= 2 || deadline->hasExpired()) app.quit();
+    });
+    timer->start(100);
+}
+
 int runHeadless(QCoreApplication& app, const Options& options) {
     const bool outputIsTerminal = isatty(STDOUT_FILENO) != 0;
     HeadlessConsole console(stdout, outputIsTerminal);
-    QObject::connect(&console, &HeadlessConsole::endOfInput, &app, &QCoreApplication::quit);
+    QObject::connect(&console, &HeadlessConsole::endOfInput, &app,
+                     [&app] { quitOnceQueuesAreSent(app); });
     QObject::connect(&DesktopShell::instance(), &DesktopShell::quitRequested, &app,
                      &QCoreApplication::quit, Qt::QueuedConnection);
     QObject::connect(&SlotTable::instance(), &SlotTable::messageBox,

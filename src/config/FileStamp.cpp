@@ -28,9 +28,9 @@ QHash<QString, Seen>& seenStamps() {
     return seen;
 }
 
-const std::optional<FileStamp>& remember(const QString& path, std::optional<FileStamp> stamp) {
-    Seen seen{std::move(stamp), DiskWatch::instance().watch(path),
-              std::chrono::steady_clock::now()};
+const std::optional<FileStamp>& remember(const QString& path, bool watched,
+                                         std::optional<FileStamp> stamp) {
+    Seen seen{std::move(stamp), watched, std::chrono::steady_clock::now()};
     return seenStamps().insert(path, std::move(seen))->stamp;
 }
 
@@ -64,7 +64,7 @@ std::optional<FileStamp> FileStamp::look(const QString& path, Kind kind) {
 std::optional<FileStamp> FileStamp::of(const QString& path, Kind kind) {
     std::optional<FileStamp> stamp = look(path, kind);
     // The program's own write during a burst is seen by the rest of it.
-    if (g_burstDepth > 0) remember(path, stamp);
+    if (g_burstDepth > 0) remember(path, DiskWatch::instance().watch(path), stamp);
     return stamp;
 }
 
@@ -73,7 +73,9 @@ std::optional<FileStamp> FileStamp::ofInBurst(const QString& path, Kind kind) {
     const QHash<QString, Seen>& seen = seenStamps();
     const auto known = seen.constFind(path);
     if (known != seen.cend()) return known->stamp;
-    return remember(path, look(path, kind));
+    // Watched before the look: a change made while looking is not missed.
+    const bool watched = DiskWatch::instance().watch(path);
+    return remember(path, watched, look(path, kind));
 }
 
 quint64 FileStamp::burst() {

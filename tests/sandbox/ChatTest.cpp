@@ -224,33 +224,6 @@ TEST(SandboxChat, PingIsMeasuredFromTheVersionCheck) {
     EXPECT_GE(pingOf("answers", 2), 1);
 }
 
-TEST(SandboxChat, ResidentsTalkWhisperAndAnswer) {
-    Server server;
-    // A rate so low that the timer never acts: the test makes each move itself.
-    sandbox::ResidentCrowd crowd(server.context().hub, 6, 0.001, "Sandbox", 7);
-    crowd.start();
-    Client c(server.bncsPort());
-    ASSERT_EQ(logOn(server, c, "W3XP", "visitor", "pw"), "visitor");
-    c.join("Sandbox");
-    ASSERT_TRUE(c.nextEvent(eventOf(1, "visitor")));
-    // Residents talk, emote, whisper the clients and leave: act until each has been seen.
-    QSet<quint32> seen;
-    for (int i = 0; i < 400 && seen.size() < 4; ++i) {
-        crowd.act();
-        for (quint32 id : {5u, 23u, 4u, 3u})
-            if (!seen.contains(id) && c.nextEvent(id, 10)) seen.insert(id);
-    }
-    EXPECT_EQ(seen.size(), 4);
-    QString resident;
-    for (sandbox::ChatUser* u : server.context().hub.users())
-        if (u->name() != "visitor") resident = u->name();
-    ASSERT_FALSE(resident.isEmpty());
-    c.say("/w " + resident + " hello resident");
-    EXPECT_TRUE(c.nextEvent([&](const Event& e) {
-        return e.id == 4 && e.name == resident && e.text.startsWith("you said \"hello resident\"");
-    }));
-}
-
 TEST(SandboxChat, ScriptPlaysServerEvents) {
     Server server;
     sandbox::EventScript script(server.context().hub);
@@ -343,24 +316,3 @@ TEST(SandboxChat, ControlLinesDriveUsersAndTellWhoIsInAChannel) {
     EXPECT_LE(done, quint64(sinceResume.elapsed()) + 5); // what came due since, at one a ms
 }
 
-TEST(SandboxChat, TraceShowsTheLogonInWireOrder) {
-    QTemporaryDir dir;
-    sandbox::SandboxOptions o;
-    o.trace = true;
-    o.traceFile = dir.filePath("trace.log");
-    Server server(o);
-    Client c(server.bncsPort());
-    ASSERT_FALSE(logOn(server, c, "STAR", "tracy", "pw").isEmpty());
-    QFile file(o.traceFile);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    const QString trace = QString::fromLatin1(file.readAll());
-    qsizetype at = 0;
-    for (const char* step :
-         {" bncs 1 in proto 01", " bncs 1 in 0x50 ff50", " bncs 1 out 0x50 ff50", " bnls 2 in 0x09",
-          " bnls 2 out 0x09", " bncs 1 out 0x25", " bncs 1 out 0x51 ff5109000000000000",
-          " bncs 1 in 0x3a", " bncs 1 out 0x0a"}) {
-        const qsizetype found = trace.indexOf(QLatin1String(step), at);
-        EXPECT_GE(found, 0) << step;
-        at = std::max(at, found);
-    }
-}

@@ -267,29 +267,16 @@ TEST(SandboxChat, ScriptPlaysServerEvents) {
     EXPECT_TRUE(script.finished());
 }
 
-TEST(SandboxChat, ControlLinesDriveUsersAndTellWhoIsInAChannel) {
+TEST(SandboxChat, ControlLinesRefuseMistakesAndPauseTheResidents) {
     Server server;
     sandbox::ChatHub& hub = server.context().hub;
     sandbox::EventScript script(hub);
     sandbox::ResidentCrowd crowd(hub, 3, 1000, "Sandbox", 5);
     sandbox::ControlChannel control(hub, script, crowd);
-    Client anna(server.bncsPort());
-    ASSERT_EQ(logOn(server, anna, "STAR", "anna", "pw"), "anna");
-    anna.join("Room");
-    ASSERT_TRUE(anna.nextEvent(eventOf(1, "anna")));
-
+    // Lines are taken however spaced, and a channel by any case of its name.
     EXPECT_EQ(control.answer("user Ghost W3XP"), "ok");
     EXPECT_EQ(control.answer("join Ghost Room"), "ok");
-    EXPECT_TRUE(anna.nextEvent(eventOf(2, "Ghost")));
-    EXPECT_EQ(control.answer("members Room"), "members 2 anna:2 Ghost:0");
-    EXPECT_EQ(control.answer("flags Ghost 0x12"), "ok");
-    EXPECT_EQ(anna.nextEvent(eventOf(9, "Ghost"))->flags, 0x12u);
-    EXPECT_EQ(control.answer("  members   room "), "members 2 anna:2 Ghost:18");
-    EXPECT_EQ(control.answer("whisper Ghost anna psst"), "ok");
-    EXPECT_TRUE(anna.nextEvent(textOf(4, "psst")));
-    EXPECT_EQ(control.answer("leave Ghost"), "ok");
-    EXPECT_TRUE(anna.nextEvent(eventOf(3, "Ghost")));
-    EXPECT_EQ(control.answer("members Room"), "members 1 anna:2");
+    EXPECT_EQ(control.answer("  members   room "), "members 1 Ghost:2");
     EXPECT_EQ(control.answer("members Nowhere"), "members 0");
 
     // Mistakes are answered, never carried out halfway.

@@ -1,8 +1,6 @@
 #include "SandboxHarness.h"
 #include "logon/BncsUtil.h"
-#include "logon/ExeInfo.h"
 #include "logon/PasswordHash.h"
-#include "logon/VersionCheck.h"
 #include "session/PacketWriter.h"
 
 #include <gtest/gtest.h>

@@ -208,5 +208,12 @@ TEST(SandboxLogon, AKeyInUseIsRefusedWhenKeysAreExclusive) {
     Client second(server.bncsPort());
     const auto answer = askBnls(server.bnlsPort(), "STAR", second.identify("STAR"));
     EXPECT_EQ(second.authCheck({kStarKey}, answer.version, answer.checksum), 0x201u);
+    // Only the expansion's key is taken: the refusal names that key.
+    Client d2(server.bncsPort());
+    passVersionCheck(server, d2, "D2XP", {kD2Key, kD2Key2});
+    Client other(server.bncsPort());
+    const auto d2Answer = askBnls(server.bnlsPort(), "D2XP", other.identify("D2XP"));
+    EXPECT_EQ(other.authCheck({"KGC6RPK4X4G2DXGT", kD2Key2}, d2Answer.version, d2Answer.checksum),
+              0x211u);
 }
 

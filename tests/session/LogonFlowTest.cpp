@@ -158,6 +158,33 @@ TEST_F(LogonFlowTest, ATimeOutInChatIsADeadLinkAndTriedAgain) {
     }
 }
 
+// A key the server refuses ends the session with the reason, naming who holds a key in use.
+TEST_F(LogonFlowTest, KeyRefusalsEndInTheirReason) {
+    struct Row {
+        quint32 code;
+        const char* line;
+    };
+    for (const Row r : {Row{0x200, "[BNET] Your CD-Key is invalid."},
+                        {0x201, "[BNET] Your CD-Key is in use by Someone."},
+                        {0x202, "[BNET] Your CD-Key has been banned."},
+                        {0x203, "[BNET] Your CD-Key is for another game."},
+                        {0x210, "[BNET] Your expansion CD-Key is invalid."},
+                        {0x211, "[BNET] Your expansion CD-Key is in use by Someone."},
+                        {0x212, "[BNET] Your expansion CD-Key has been banned."},
+                        {0x213, "[BNET] Your expansion CD-Key is for another game."}}) {
+        SCOPED_TRACE(r.line);
+        const int i = loadProfile(QStringLiteral("STAR"), false);
+        SlotTable::instance().ConnectBot(i);
+        wsBNLS(i).simulateConnected();
+        wsBNET(i).simulateConnected();
+        serverSends(i, 0x51, dword(r.code) + text("Someone"));
+        EXPECT_TRUE(chat(i).contains(QString::fromLatin1(r.line))) << chat(i).toStdString();
+        EXPECT_EQ(wsBNET(i).State(), SocketControl::Closed);
+        EXPECT_FALSE(Bots(i).CanConnect);
+        SlotTable::instance().UnloadProfile(Bots(i).Profile());
+    }
+}
+
 // The name the server gave may differ from the account's; it, not the account, is the bot's
 // name in chat.
 TEST_F(LogonFlowTest, EnteringChatTakesTheGivenNameAndAsksForFriends) {

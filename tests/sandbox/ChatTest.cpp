@@ -4,8 +4,6 @@
 #include "sandbox/ResidentCrowd.h"
 
 #include <QElapsedTimer>
-#include <QFile>
-#include <QTemporaryDir>
 #include <QTest>
 #include <gtest/gtest.h>
 

@@ -4,7 +4,6 @@
 #include "TestSupport.h"
 #include "logon/BncsUtil.h"
 #include "logon/NlsServer.h"
-#include "logon/PaddedFileReader.h"
 
 #include <gtest/gtest.h>
 
@@ -107,26 +106,6 @@ TEST_F(VersionCheckRefusal, FormulasArchiveNumbersAndFiles) {
     EXPECT_EQ(check(kFormula, 0, test::kVectors.string()), 0) << "a folder is no file";
     EXPECT_EQ(checksum_, 0xDEADBEEF) << "a refused check leaves the result alone";
     EXPECT_EQ(check("A=4294967295 A=A+S", 0, file("file3.bin")), 1);
-}
-
-// Chunks cut a file at block boundaries only, and the last block is padded 0xFF, 0xFE, ...
-TEST(PaddedFileReader, ChunksAndPadding) {
-    const auto path = test::kVectors / "checkrevision" / "big.bin";
-    std::ifstream in(path, std::ios::binary);
-    const std::vector<std::uint8_t> original((std::istreambuf_iterator<char>(in)), {});
-    ASSERT_EQ(original.size(), 300001u);
-
-    PaddedFileReader reader(3);
-    std::vector<std::uint8_t> seen;
-    ASSERT_TRUE(reader.read(path.string(), [&](ByteView chunk) {
-        EXPECT_EQ(chunk.size() % 1024, 0u);
-        EXPECT_LE(chunk.size(), 3 * 1024u);
-        seen.insert(seen.end(), chunk.begin(), chunk.end());
-    }));
-    ASSERT_EQ(seen.size(), 293 * 1024u);
-    EXPECT_TRUE(std::equal(original.begin(), original.end(), seen.begin()));
-    EXPECT_EQ(seen[300001], 0xFF);
-    EXPECT_EQ(seen.back(), 0xFF - 30);
 }
 
 class ExeInfoRefusal : public ::testing::Test {

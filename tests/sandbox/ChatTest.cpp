@@ -4,8 +4,6 @@
 #include "sandbox/ResidentCrowd.h"
 
 #include <QElapsedTimer>
-#include <QFile>
-#include <QTemporaryDir>
 #include <QTest>
 #include <gtest/gtest.h>
 
@@ -224,33 +222,6 @@ TEST(SandboxChat, PingIsMeasuredFromTheVersionCheck) {
     EXPECT_GE(pingOf("answers", 2), 1);
 }
 
-TEST(SandboxChat, ResidentsTalkWhisperAndAnswer) {
-    Server server;
-    // A rate so low that the timer never acts: the test makes each move itself.
-    sandbox::ResidentCrowd crowd(server.context().hub, 6, 0.001, "Sandbox", 7);
-    crowd.start();
-    Client c(server.bncsPort());
-    ASSERT_EQ(logOn(server, c, "W3XP", "visitor", "pw"), "visitor");
-    c.join("Sandbox");
-    ASSERT_TRUE(c.nextEvent(eventOf(1, "visitor")));
-    // Residents talk, emote, whisper the clients and leave: act until each has been seen.
-    QSet<quint32> seen;
-    for (int i = 0; i < 400 && seen.size() < 4; ++i) {
-        crowd.act();
-        for (quint32 id : {5u, 23u, 4u, 3u})
-            if (!seen.contains(id) && c.nextEvent(id, 10)) seen.insert(id);
-    }
-    EXPECT_EQ(seen.size(), 4);
-    QString resident;
-    for (sandbox::ChatUser* u : server.context().hub.users())
-        if (u->name() != "visitor") resident = u->name();
-    ASSERT_FALSE(resident.isEmpty());
-    c.say("/w " + resident + " hello resident");
-    EXPECT_TRUE(c.nextEvent([&](const Event& e) {
-        return e.id == 4 && e.name == resident && e.text.startsWith("you said \"hello resident\"");
-    }));
-}
-
 TEST(SandboxChat, ScriptPlaysServerEvents) {
     Server server;
     sandbox::EventScript script(server.context().hub);
@@ -264,9 +235,6 @@ TEST(SandboxChat, ScriptPlaysServerEvents) {
     ASSERT_TRUE(script.load("waitfor channel \"The Lobby\" anna\n"
                             "user Ghost W3XP 0 120\n"
                             "join Ghost The Lobby\n"
-                            "talk Ghost boo\n"
-                            "whisper Ghost anna hello there\n"
-                            "flags anna 2\n"
                             "info * server notice\n"
                             "frame anna 0x00\n"
                             "frame anna 0x4c 6e 65 77 00\n"
@@ -283,9 +251,6 @@ TEST(SandboxChat, ScriptPlaysServerEvents) {
     ASSERT_TRUE(ghost);
     EXPECT_EQ(ghost->text, "PX3W 1R3W 0");
     EXPECT_EQ(ghost->ping, 120u);
-    EXPECT_TRUE(is(anna.nextEvent(5), 5, "Ghost", "boo"));
-    EXPECT_TRUE(is(anna.nextEvent(4), 4, "Ghost", "hello there"));
-    EXPECT_EQ(anna.nextEvent(eventOf(9, "anna"))->flags, 2u);
     EXPECT_TRUE(anna.nextEvent(textOf(18, "server notice")));
     EXPECT_TRUE(anna.next(0x00));
     EXPECT_EQ(anna.next(0x4C)->payload, QByteArray("new", 4));
@@ -294,29 +259,16 @@ TEST(SandboxChat, ScriptPlaysServerEvents) {
     EXPECT_TRUE(script.finished());
 }
 
-TEST(SandboxChat, ControlLinesDriveUsersAndTellWhoIsInAChannel) {
+TEST(SandboxChat, ControlLinesRefuseMistakesAndPauseTheResidents) {
     Server server;
     sandbox::ChatHub& hub = server.context().hub;
     sandbox::EventScript script(hub);
     sandbox::ResidentCrowd crowd(hub, 3, 1000, "Sandbox", 5);
     sandbox::ControlChannel control(hub, script, crowd);
-    Client anna(server.bncsPort());
-    ASSERT_EQ(logOn(server, anna, "STAR", "anna", "pw"), "anna");
-    anna.join("Room");
-    ASSERT_TRUE(anna.nextEvent(eventOf(1, "anna")));
-
+    // Lines are taken however spaced, and a channel by any case of its name.
     EXPECT_EQ(control.answer("user Ghost W3XP"), "ok");
     EXPECT_EQ(control.answer("join Ghost Room"), "ok");
-    EXPECT_TRUE(anna.nextEvent(eventOf(2, "Ghost")));
-    EXPECT_EQ(control.answer("members Room"), "members 2 anna:2 Ghost:0");
-    EXPECT_EQ(control.answer("flags Ghost 0x12"), "ok");
-    EXPECT_EQ(anna.nextEvent(eventOf(9, "Ghost"))->flags, 0x12u);
-    EXPECT_EQ(control.answer("  members   room "), "members 2 anna:2 Ghost:18");
-    EXPECT_EQ(control.answer("whisper Ghost anna psst"), "ok");
-    EXPECT_TRUE(anna.nextEvent(textOf(4, "psst")));
-    EXPECT_EQ(control.answer("leave Ghost"), "ok");
-    EXPECT_TRUE(anna.nextEvent(eventOf(3, "Ghost")));
-    EXPECT_EQ(control.answer("members Room"), "members 1 anna:2");
+    EXPECT_EQ(control.answer("  members   room "), "members 1 Ghost:2");
     EXPECT_EQ(control.answer("members Nowhere"), "members 0");
 
     // Mistakes are answered, never carried out halfway.
@@ -343,24 +295,3 @@ TEST(SandboxChat, ControlLinesDriveUsersAndTellWhoIsInAChannel) {
     EXPECT_LE(done, quint64(sinceResume.elapsed()) + 5); // what came due since, at one a ms
 }
 
-TEST(SandboxChat, TraceShowsTheLogonInWireOrder) {
-    QTemporaryDir dir;
-    sandbox::SandboxOptions o;
-    o.trace = true;
-    o.traceFile = dir.filePath("trace.log");
-    Server server(o);
-    Client c(server.bncsPort());
-    ASSERT_FALSE(logOn(server, c, "STAR", "tracy", "pw").isEmpty());
-    QFile file(o.traceFile);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    const QString trace = QString::fromLatin1(file.readAll());
-    qsizetype at = 0;
-    for (const char* step :
-         {" bncs 1 in proto 01", " bncs 1 in 0x50 ff50", " bncs 1 out 0x50 ff50", " bnls 2 in 0x09",
-          " bnls 2 out 0x09", " bncs 1 out 0x25", " bncs 1 out 0x51 ff5109000000000000",
-          " bncs 1 in 0x3a", " bncs 1 out 0x0a"}) {
-        const qsizetype found = trace.indexOf(QLatin1String(step), at);
-        EXPECT_GE(found, 0) << step;
-        at = std::max(at, found);
-    }
-}

@@ -1,8 +1,6 @@
 #include "SandboxHarness.h"
 #include "logon/BncsUtil.h"
-#include "logon/ExeInfo.h"
 #include "logon/PasswordHash.h"
-#include "logon/VersionCheck.h"
 #include "session/PacketWriter.h"
 
 #include <gtest/gtest.h>
@@ -67,10 +65,13 @@ TEST(SandboxLogon, OldSystemChecksThePasswordCreatesAccountsAndChangesPasswords)
     {
         Client c(server.bncsPort());
         passVersionCheck(server, c, "SEXP", {kStarKey});
-        EXPECT_EQ(c.oldCreate("ab", "x"), 6u);
-        EXPECT_EQ(c.oldCreate("bad name", "x"), 2u);
-        EXPECT_EQ(c.oldCreate("blizzardfan", "x"), 3u);
-        EXPECT_EQ(c.oldCreate("Alice", "x"), 4u);
+        // Names refused for their length, letters, a banned word or being taken; then one
+        // with every mark a name may hold.
+        for (const auto& [name, status] : std::initializer_list<std::pair<QString, quint32>>{
+                 {"ab", 6}, {"abcdefghijklmnop", 2}, {"bad name", 2},
+                 {QString::fromUtf8("na\xC3\xAFve"), 2}, {"xBlizzardx", 3}, {"Alice", 4},
+                 {"[Clan]-me_1.(x)", 0}})
+            EXPECT_EQ(c.oldCreate(name, "x"), status) << name.toStdString();
         EXPECT_EQ(c.oldCreate("bob", "hunter2"), 0u);
         EXPECT_EQ(c.oldLogon("bob", "hunter2"), 0u);
     }
@@ -198,15 +199,7 @@ TEST(SandboxLogon, AuthCheckRefusesWrongVersionsAndKeys) {
     EXPECT_EQ(c.next(0x51)->reader().ReadDWORD(), 0x200u);
 }
 
-TEST(SandboxLogon, ForcedVersionResultsAndKeysInUse) {
-    for (quint32 forced : {0x100u, 0x101u}) {
-        sandbox::SandboxOptions o;
-        o.versionResult = forced;
-        Server server(o);
-        Client c(server.bncsPort());
-        c.identify("W2BN");
-        EXPECT_EQ(c.authCheck({kD2Key}, 0, 0), forced);
-    }
+TEST(SandboxLogon, AKeyInUseIsRefusedWhenKeysAreExclusive) {
     sandbox::SandboxOptions o;
     o.exclusiveKeys = true;
     Server server(o);
@@ -215,46 +208,12 @@ TEST(SandboxLogon, ForcedVersionResultsAndKeysInUse) {
     Client second(server.bncsPort());
     const auto answer = askBnls(server.bnlsPort(), "STAR", second.identify("STAR"));
     EXPECT_EQ(second.authCheck({kStarKey}, answer.version, answer.checksum), 0x201u);
+    // Only the expansion's key is taken: the refusal names that key.
+    Client d2(server.bncsPort());
+    passVersionCheck(server, d2, "D2XP", {kD2Key, kD2Key2});
+    Client other(server.bncsPort());
+    const auto d2Answer = askBnls(server.bnlsPort(), "D2XP", other.identify("D2XP"));
+    EXPECT_EQ(other.authCheck({"KGC6RPK4X4G2DXGT", kD2Key2}, d2Answer.version, d2Answer.checksum),
+              0x211u);
 }
 
-TEST(SandboxLogon, BnlsAnswersAsTheGameFilesDoAndFailsOnRequest) {
-    // Real game files: the version comes from the executable's resource.
-    const QString shared = QStringLiteral(CORVANTIDE_SHARED_DIR "/vectors/");
-    const QStringList files{shared + "exeinfo/Game.exe", shared + "checkrevision/file2.bin",
-                            shared + "checkrevision/odd.bin"};
-    sandbox::SandboxOptions o;
-    o.hashFiles = files;
-    Server server(o);
-    Client c(server.bncsPort());
-    const auto challenge = c.identify("D2DV");
-    const int archive = logon::archiveNumber(challenge.archive.toStdString());
-    const auto local = logon::checkRevision(
-        challenge.formula.toStdString(), archive,
-        {files[0].toStdString(), files[1].toStdString(), files[2].toStdString()});
-    const auto exe = logon::ExeInfo::read(files[0].toStdString());
-    ASSERT_TRUE(local && exe);
-    const auto answer = askBnls(server.bnlsPort(), "D2DV", challenge);
-    EXPECT_EQ(answer.checksum, *local);
-    EXPECT_EQ(answer.version, exe->version);
-    EXPECT_EQ(c.authCheck({kD2Key}, exe->version, *local), 0u) << "local hashing passes too";
-
-    // 0x1A carries the archive by name and the cookie comes back.
-    Client bnls(server.bnlsPort(), true);
-    PacketWriter w;
-    for (quint32 v : {1u, 0u, 0xC00C1Eu, 0u, 0u})
-        w.WriteDWORD(v);
-    w.WriteSTRING(challenge.archive);
-    w.WriteSTRING(challenge.formula);
-    bnls.send(0x1A, w.payload());
-    PacketReader r = bnls.next(0x1A)->reader();
-    EXPECT_EQ(r.ReadDWORD(), 1u);
-    r.ReadDWORD();
-    EXPECT_EQ(r.ReadDWORD(), *local);
-    r.ReadSTRING();
-    EXPECT_EQ(r.ReadDWORD(), 0xC00C1Eu);
-
-    sandbox::SandboxOptions failing;
-    failing.bnlsFail = true;
-    Server down(failing);
-    EXPECT_EQ(askBnls(down.bnlsPort(), "STAR", challenge).success, 0u);
-}

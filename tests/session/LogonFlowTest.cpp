@@ -65,71 +65,6 @@ protected:
 
 } // namespace
 
-TEST_F(LogonFlowTest, StarcraftGoesThroughBnlsAndTheOldLogonIntoChat) {
-    const int i = loadProfile(QStringLiteral("STAR"), true);
-    SlotTable::instance().ConnectBot(i);
-    EXPECT_EQ(wsBNLS(i).State(), SocketControl::Connecting);
-    EXPECT_EQ(wsBNLS(i).RemotePort(), 9367);
-    EXPECT_EQ(wsBNET(i).State(), SocketControl::Closed);
-
-    wsBNLS(i).simulateConnected();
-    EXPECT_EQ(wsBNET(i).RemoteHost(), QStringLiteral("bnet.example"));
-    EXPECT_EQ(wsBNET(i).RemotePort(), 6200);
-    wsBNET(i).simulateConnected();
-    ASSERT_EQ(frameIds(wsBNET(i), false), (std::vector<int>{-1, 0x50, 0x25}));
-    PacketReader authInfo;
-    authInfo.HandleBuffer(wsBNET(i).sent[1]);
-    authInfo.Skip(4 + 8);
-    EXPECT_EQ(authInfo.ReadVOID(4), QByteArray("RATS"));
-    EXPECT_EQ(authInfo.ReadDWORD(), 0xD3u);
-
-    // Challenge: logon type, server token, archive time, name and formula.
-    serverSends(i, 0x50,
-                dword(0) + dword(0x1234) + QByteArray(8, '\x07') + dword(0) +
-                    text("IX86ver1.mpq") + text("A=1 B=2 C=3 4 A=A+S B=B-C C=C^A A=A^B"));
-    ASSERT_EQ(frameIds(wsBNLS(i), true), (std::vector<int>{0x1A}));
-    PacketReader bnls;
-    bnls.HandleBuffer(wsBNLS(i).sent[0]);
-    bnls.Skip(3);
-    EXPECT_EQ(bnls.ReadDWORD(), 1u); // StarCraft
-    EXPECT_EQ(bnls.ReadDWORD(), 0u);
-    EXPECT_EQ(bnls.ReadDWORD(), 0x1234u);
-    EXPECT_EQ(bnls.ReadVOID(8), QByteArray(8, '\x07'));
-    EXPECT_EQ(bnls.ReadSTRING(), QStringLiteral("IX86ver1.mpq"));
-
-    wsBNLS(i).simulateData(PacketWriter::frameBNLS(
-        0x1A, dword(1) + dword(0x01100A00) + dword(0xCAFEBABE) + text("starcraft.exe info")));
-    ASSERT_EQ(frameIds(wsBNET(i), false).back(), 0x51);
-    PacketReader check;
-    check.HandleBuffer(wsBNET(i).sent.last());
-    check.Skip(4);
-    EXPECT_EQ(check.ReadDWORD(), Logons(i).ClientToken);
-    EXPECT_EQ(check.ReadDWORD(), 0x01100A00u);
-    EXPECT_EQ(check.ReadDWORD(), 0xCAFEBABEu);
-    EXPECT_EQ(check.ReadDWORD(), 1u); // one key
-    check.Skip(4);
-    EXPECT_EQ(check.ReadDWORD(), 13u);
-    EXPECT_EQ(check.ReadDWORD(), 55u); // the key's product
-    EXPECT_EQ(check.ReadDWORD(), 4284034u);
-    check.Skip(4 + 20);
-    EXPECT_EQ(check.ReadSTRING(), QStringLiteral("starcraft.exe info"));
-    EXPECT_EQ(check.ReadSTRING(), QStringLiteral("Corvantide"));
-
-    serverSends(i, 0x51, dword(0));
-    EXPECT_EQ(frameIds(wsBNET(i), false).back(), 0x3A);
-    serverSends(i, 0x3A, dword(0));
-    const std::vector<int> ids = frameIds(wsBNET(i), false);
-    ASSERT_GE(ids.size(), 3u);
-    EXPECT_EQ((std::vector<int>(ids.end() - 3, ids.end())), (std::vector<int>{0x0A, 0x0B, 0x0C}));
-    EXPECT_EQ(wsBNET(i).sent.last(), PacketWriter::frameBNCS(0x0C, dword(2) + text("Home")));
-    EXPECT_FALSE(Bots(i).Online());
-
-    serverSends(i, 0x0A, text("Tester#2") + text("RATS 0 0 0 0 0 0 0 0 RATS") + text("Tester"));
-    EXPECT_TRUE(Bots(i).Online());
-    EXPECT_EQ(Bots(i).UniqueAccount, QStringLiteral("Tester#2"));
-    EXPECT_EQ(frameIds(wsBNET(i), false).back(), 0x65);
-}
-
 TEST_F(LogonFlowTest, WarcraftThreeWithLocalHashingConnectsStraightToBattleNet) {
     const int i = loadProfile(QStringLiteral("WAR3"), true);
     // Without the game's folder there is nothing to hash: said before connecting.
@@ -152,20 +87,6 @@ TEST_F(LogonFlowTest, WarcraftThreeWithLocalHashingConnectsStraightToBattleNet) 
     SettingsWrapper::instance().setPathWAR3(QString());
 }
 
-TEST_F(LogonFlowTest, DiabloWithoutLocalHashingAsksBnlsWithTheArchiveNumber) {
-    const int i = loadProfile(QStringLiteral("D2DV"), false);
-    SlotTable::instance().ConnectBot(i);
-    wsBNLS(i).simulateConnected();
-    wsBNET(i).simulateConnected();
-    serverSends(i, 0x50,
-                dword(0) + dword(5) + QByteArray(12, '\0') + text("ver-IX86-3.mpq") +
-                    text("A=1 B=2 C=3 4 A=A+S B=B-C C=C^A A=A^B"));
-    ASSERT_EQ(wsBNLS(i).sent.size(), 1);
-    EXPECT_EQ(wsBNLS(i).sent[0],
-              PacketWriter::frameBNLS(0x09, dword(4) + dword(3) +
-                                                text("A=1 B=2 C=3 4 A=A+S B=B-C C=C^A A=A^B")));
-}
-
 TEST_F(LogonFlowTest, AFailedBnlsCheckStaysAtTheHeadOfTheStream) {
     const int i = loadProfile(QStringLiteral("STAR"), false);
     SlotTable::instance().ConnectBot(i);
@@ -175,18 +96,6 @@ TEST_F(LogonFlowTest, AFailedBnlsCheckStaysAtTheHeadOfTheStream) {
     wsBNLS(i).simulateData(QByteArray());
     EXPECT_EQ(chat(i).count(QStringLiteral("[BNLS] Version check failed.")), 2);
     EXPECT_TRUE(wsBNET(i).sent.isEmpty());
-}
-
-TEST_F(LogonFlowTest, ServerRefusalsEndInTheirLineAndNoRetry) {
-    const int i = loadProfile(QStringLiteral("SEXP"), false);
-    SlotTable::instance().ConnectBot(i);
-    wsBNLS(i).simulateConnected();
-    wsBNET(i).simulateConnected();
-    serverSends(i, 0x3A, dword(2));
-    EXPECT_TRUE(chat(i).contains(QStringLiteral("[BNET] Account's password was incorrect!")));
-    EXPECT_TRUE(chat(i).contains(QStringLiteral("[Connections Closed]")));
-    EXPECT_FALSE(Bots(i).CanConnect);
-    EXPECT_EQ(wsBNET(i).State(), SocketControl::Closed);
 }
 
 TEST_F(LogonFlowTest, AServerKeyOfZeroModuloNGetsNoProof) {
@@ -201,18 +110,6 @@ TEST_F(LogonFlowTest, AServerKeyOfZeroModuloNGetsNoProof) {
                                                 "(its key is 0 modulo N); no password proof was "
                                                 "sent.")));
     EXPECT_FALSE(Bots(i).CanConnect);
-}
-
-TEST_F(LogonFlowTest, AMissingAccountIsCreatedThenLogsOnAgain) {
-    const int i = loadProfile(QStringLiteral("STAR"), false);
-    SlotTable::instance().ConnectBot(i);
-    wsBNLS(i).simulateConnected();
-    wsBNET(i).simulateConnected();
-    serverSends(i, 0x3A, dword(1));
-    EXPECT_EQ(frameIds(wsBNET(i), false).back(), 0x3D);
-    serverSends(i, 0x3D, dword(0));
-    EXPECT_EQ(frameIds(wsBNET(i), false).back(), 0x3A);
-    EXPECT_TRUE(chat(i).contains(QStringLiteral("[BNET] Successfully created account!")));
 }
 
 TEST_F(LogonFlowTest, PingSpoofSendsItsExactCounts) {
@@ -259,6 +156,43 @@ TEST_F(LogonFlowTest, ATimeOutInChatIsADeadLinkAndTriedAgain) {
         EXPECT_FALSE(Bots(i).Online());
         SlotTable::instance().UnloadProfile(Bots(i).Profile());
     }
+}
+
+// A key the server refuses ends the session with the reason, naming who holds a key in use.
+TEST_F(LogonFlowTest, KeyRefusalsEndInTheirReason) {
+    struct Row {
+        quint32 code;
+        const char* line;
+    };
+    for (const Row r : {Row{0x200, "[BNET] Your CD-Key is invalid."},
+                        {0x201, "[BNET] Your CD-Key is in use by Someone."},
+                        {0x202, "[BNET] Your CD-Key has been banned."},
+                        {0x203, "[BNET] Your CD-Key is for another game."},
+                        {0x210, "[BNET] Your expansion CD-Key is invalid."},
+                        {0x211, "[BNET] Your expansion CD-Key is in use by Someone."},
+                        {0x212, "[BNET] Your expansion CD-Key has been banned."},
+                        {0x213, "[BNET] Your expansion CD-Key is for another game."}}) {
+        SCOPED_TRACE(r.line);
+        const int i = loadProfile(QStringLiteral("STAR"), false);
+        SlotTable::instance().ConnectBot(i);
+        wsBNLS(i).simulateConnected();
+        wsBNET(i).simulateConnected();
+        serverSends(i, 0x51, dword(r.code) + text("Someone"));
+        EXPECT_TRUE(chat(i).contains(QString::fromLatin1(r.line))) << chat(i).toStdString();
+        EXPECT_EQ(wsBNET(i).State(), SocketControl::Closed);
+        EXPECT_FALSE(Bots(i).CanConnect);
+        SlotTable::instance().UnloadProfile(Bots(i).Profile());
+    }
+}
+
+// The name the server gave may differ from the account's; it, not the account, is the bot's
+// name in chat.
+TEST_F(LogonFlowTest, EnteringChatTakesTheGivenNameAndAsksForFriends) {
+    const int i = loadConnected(QStringLiteral("named"));
+    serverSends(i, 0x0A, text("Tester#2") + text("RATS 0 0 0 0 0 0 0 0 RATS") + text("Tester"));
+    EXPECT_TRUE(Bots(i).Online());
+    EXPECT_EQ(Bots(i).UniqueAccount, QStringLiteral("Tester#2"));
+    EXPECT_EQ(frameIds(wsBNET(i), false).back(), 0x65);
 }
 
 TEST_F(LogonFlowTest, KeepAliveIsNotAnsweredAndUnknownPacketsAreDumped) {

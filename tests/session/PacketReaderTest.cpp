@@ -16,18 +16,6 @@ PacketReader readerOf(const QByteArray& bytes) {
 
 } // namespace
 
-TEST(PacketReader, ReadsLittleEndianFieldsAndMovesTheCursorByTheirWidth) {
-    PacketReader r = readerOf(QByteArray::fromHex("ff0a1000" "78563412" "3412" "07"));
-    EXPECT_EQ(r.ReadBYTE(), 0xFF);
-    EXPECT_EQ(r.ReadBYTE(), 0x0A);
-    EXPECT_EQ(r.ReadWORD(), 0x0010);
-    EXPECT_EQ(r.ReadDWORD(), 0x12345678u);
-    EXPECT_EQ(r.ReadWORD(), 0x1234);
-    EXPECT_EQ(r.GetPosition(), 11);
-    EXPECT_EQ(r.ReadRemains(), QByteArray("\x07", 1));
-    EXPECT_EQ(r.DataLength(), 11);
-}
-
 TEST(PacketReader, AbsolutePositionsReadThereAndLeaveTheCursor) {
     PacketReader r = readerOf(QByteArray("\x01\x02\x03\x04" "abc\0def\0", 12));
     EXPECT_EQ(r.ReadBYTE(5), 'a');

@@ -3,23 +3,6 @@
 
 class PacketWriterTest : public SlotFixture {};
 
-TEST_F(PacketWriterTest, FramesBncsAndBnlsWithTheirHeaders) {
-    const int i = loadConnected(QStringLiteral("alpha"));
-    PacketWriter w;
-    w.WriteDWORD(0x01020304);
-    w.WriteSTRING(QString::fromUtf8("caf\u00e9"));
-    w.WriteWORD(7);
-    w.SendPacket(i, 0x50);
-    ASSERT_EQ(wsBNET(i).sent.size(), 1);
-    EXPECT_EQ(wsBNET(i).sent[0], QByteArray::fromHex("ff500f00" "04030201" "636166e900" "0700"));
-    EXPECT_TRUE(w.payload().isEmpty());
-
-    w.WriteBYTE(9);
-    w.SendPacket(i, 0x0E, true);
-    ASSERT_EQ(wsBNLS(i).sent.size(), 1);
-    EXPECT_EQ(wsBNLS(i).sent[0], QByteArray::fromHex("04000e09"));
-}
-
 TEST_F(PacketWriterTest, ChatOnlyIdsAreDroppedOfflineAndLeaveNothingBehind) {
     const int i = loadConnected(QStringLiteral("alpha"));
     PacketWriter w;

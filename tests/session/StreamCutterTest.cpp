@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QStringList>
 #include <vector>
 
 namespace {
@@ -43,72 +44,59 @@ QByteArray bncs(quint8 id, const QByteArray& payload) {
 
 } // namespace
 
-TEST(BncsCutter, TwoFramesInOneEventAreHandledInOrder) {
-    BncsStream s;
-    s.feed(bncs(0x25, "\x01\x02\x03\x04") + bncs(0x0F, "hello"));
-    ASSERT_EQ(s.frames.size(), 2u);
-    EXPECT_EQ(s.frames[0].id, 0x25);
-    EXPECT_EQ(s.frames[0].payload, QByteArray("\x01\x02\x03\x04"));
-    EXPECT_EQ(s.frames[1].id, 0x0F);
-    EXPECT_TRUE(s.in.isEmpty());
-}
-
-TEST(BncsCutter, AFrameSplitOverThreeEventsIsHandledOnceInTheThird) {
-    BncsStream s;
-    const QByteArray frame = bncs(0x0F, QByteArray(20, 'a'));
-    s.feed(frame.left(3));
-    s.feed(frame.mid(3, 10));
-    EXPECT_TRUE(s.frames.empty());
-    s.feed(frame.mid(13));
-    ASSERT_EQ(s.frames.size(), 1u);
-    EXPECT_EQ(s.frames[0].payload, QByteArray(20, 'a'));
-}
-
-TEST(BncsCutter, AFrameOfFourOrFiveBytesWaitsAloneForMoreData) {
-    BncsStream s;
-    s.feed(bncs(0x00, {}));
-    EXPECT_TRUE(s.frames.empty());
-    EXPECT_EQ(s.in.size(), 4);
-    s.feed(bncs(0x25, "abcd"));
-    ASSERT_EQ(s.frames.size(), 2u);
-    EXPECT_EQ(s.frames[0].id, 0x00);
-    EXPECT_EQ(s.frames[1].id, 0x25);
-
-    s.feed(bncs(0x0A, "x"));
-    EXPECT_EQ(s.frames.size(), 2u);
-}
-
-TEST(BncsCutter, ABadMarkerCostsOneLineAndExactlyItsOwnLength) {
-    BncsStream s;
-    QByteArray bad = bncs(0x0F, "abcdef");
-    bad[0] = char(0xFE);
-    s.feed(bad + bncs(0x25, "wxyz"));
-    ASSERT_EQ(s.badMarkers.size(), 1u);
-    EXPECT_EQ(s.badMarkers[0], 0xFE);
-    ASSERT_EQ(s.frames.size(), 1u);
-    EXPECT_EQ(s.frames[0].id, 0x25);
-}
-
-TEST(BncsCutter, ALengthBelowFourOrLostBoundariesAreAProtocolError) {
-    for (int length = 0; length < 4; ++length) {
-        BncsStream s;
-        QByteArray stuck("\xff\x0f", 2);
-        stuck += char(length);
-        stuck += '\0';
-        s.feed(stuck + bncs(0x25, "abcd"));
-        EXPECT_TRUE(s.frames.empty()) << length;
-        EXPECT_TRUE(s.badMarkers.empty());
-        ASSERT_EQ(s.protocolErrors.size(), 1u) << length;
-        EXPECT_TRUE(s.protocolErrors[0].contains(QStringLiteral("length %1,").arg(length)));
-    }
-    // One stray frame is skipped; a second in a row means the boundaries are gone.
-    BncsStream s;
+// Streams cut into frames: what each read yields, stray markers skipped, lengths that can't be.
+TEST(BncsCutter, ReadsYieldWholeFramesInOrderAndBrokenStreamsStop) {
     QByteArray stray = bncs(0x0F, "abcdef");
     stray[0] = char(0xFE);
-    s.feed(stray + stray + bncs(0x25, "wxyz"));
-    EXPECT_EQ(s.badMarkers.size(), 1u);
-    ASSERT_EQ(s.protocolErrors.size(), 1u);
-    EXPECT_TRUE(s.frames.empty());
+    const auto stuck = [](char length) {
+        return QByteArray("\xff\x0f", 2) + length + '\0' + bncs(0x25, "abcd");
+    };
+    const QByteArray split = bncs(0x0F, QByteArray(20, 'a'));
+    struct Row {
+        const char* name;
+        std::vector<QByteArray> reads;
+        std::vector<QStringList> framesAfter; // "id payload" of every frame cut so far
+        std::vector<quint8> badMarkers;
+        const char* protocolError;             // a part of its text; none when null
+        int left = -1;                         // bytes still waiting, when it matters
+    };
+    const QStringList none;
+    const Row rows[] = {
+        {"two frames in one read", {bncs(0x25, "wxyz") + bncs(0x0F, "hello")},
+         {{"25 wxyz", "f hello"}}, {}, nullptr, 0},
+        {"a frame over three reads", {split.left(3), split.mid(3, 10), split.mid(13)},
+         {none, none, {"f " + QString(20, 'a')}}, {}, nullptr, 0},
+        {"a frame of four or five bytes waits alone for more",
+         {bncs(0x00, {}), bncs(0x25, "abcd"), bncs(0x0A, "x")},
+         {none, {"0 ", "25 abcd"}, {"0 ", "25 abcd"}}, {}, nullptr, 5},
+        {"a bad marker costs exactly its own frame", {stray + bncs(0x25, "wxyz")},
+         {{"25 wxyz"}}, {0xFE}, nullptr},
+        {"length 0", {stuck(0)}, {none}, {}, "length 0,"},
+        {"length 1", {stuck(1)}, {none}, {}, "length 1,"},
+        {"length 2", {stuck(2)}, {none}, {}, "length 2,"},
+        {"length 3", {stuck(3)}, {none}, {}, "length 3,"},
+        {"a second stray frame in a row: the boundaries are gone",
+         {stray + stray + bncs(0x25, "wxyz")}, {none}, {0xFE}, ""},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        BncsStream s;
+        for (std::size_t n = 0; n < row.reads.size(); ++n) {
+            s.feed(row.reads[n]);
+            QStringList seen;
+            for (const Seen& f : s.frames)
+                seen << QString::number(f.id, 16) + u' ' + QString::fromLatin1(f.payload);
+            EXPECT_EQ(seen, row.framesAfter[n]) << "after read " << n + 1;
+        }
+        EXPECT_EQ(s.badMarkers, row.badMarkers);
+        ASSERT_EQ(s.protocolErrors.size(), row.protocolError ? 1u : 0u);
+        if (row.protocolError) {
+            EXPECT_TRUE(s.protocolErrors[0].contains(QLatin1String(row.protocolError)));
+        }
+        if (row.left >= 0) {
+            EXPECT_EQ(s.in.size(), row.left);
+        }
+    }
 }
 
 TEST(BncsCutter, AHandlerThatReadsPastItsFrameDropsOnlyThatFrame) {

@@ -29,17 +29,6 @@ TEST_F(AliasesAndGroupsTest, MembersArePlainNamesFoundInAnyCase) {
     EXPECT_EQ(FindAlias("bob"), names.first()) << "the store's first answers";
 }
 
-TEST_F(AliasesAndGroupsTest, ListsHaveOneEmptySlotOrMinusOne) {
-    QStringList names{"junk"};
-    EXPECT_EQ(ListAliases(names), -1) << "no Aliases key at all";
-    EXPECT_EQ(names, QStringList{QString()});
-    CreateAlias("Empty", {QString()});
-    EXPECT_EQ(ListAliasMembers("Empty", names), 0);
-    EXPECT_EQ(names, QStringList{QString()});
-    EXPECT_EQ(ListAliases(names), 0);
-    EXPECT_EQ(names, QStringList{"Empty"});
-}
-
 TEST_F(AliasesAndGroupsTest, AddingAndRemovingMembersRewritesTheAlias) {
     CreateAlias("Team", {"ann"});
     AddAliasMember("Team", "Hero*Bob");

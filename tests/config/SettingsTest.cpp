@@ -172,19 +172,6 @@ TEST_F(Settings, StartupWritesSettingsBack) {
               GetProgramFolder());
 
     settings_.WriteBackStartupSettings();
-    QStringList names, values;
-    store_.EnumValues(SettingsWrapper::SettingsKey(), names, values);
-    EXPECT_EQ(names,
-              (QStringList{QStringLiteral("FloodMode"),     QStringLiteral("AutoCQ"),
-                           QStringLiteral("MediaPlayer"),   QStringLiteral("Locked"),
-                           QStringLiteral("HideBanUnban"),  QStringLiteral("Tray"),
-                           QStringLiteral("HideJoinLeave"), QStringLiteral("HideOfflineFriends"),
-                           QStringLiteral("Tabbed"),        QStringLiteral("Encryption"),
-                           QStringLiteral("Decryption"),    QStringLiteral("DecodeUTF8"),
-                           QStringLiteral("VoidView"),      QStringLiteral("HideChars"),
-                           QStringLiteral("WhisperPanel"),  QStringLiteral("IconDisp"),
-                           QStringLiteral("TimeStamp"),     QStringLiteral("ColorDisp"),
-                           QStringLiteral("HideEmote"),     QStringLiteral("HidePresent")}));
     EXPECT_EQ(storedDword("FloodMode"), 1000) << "the range holds in the store after start";
     EXPECT_EQ(storedDword("Tray"), 1);
     EXPECT_EQ(storedDword("HideBanUnban"), 0);

@@ -54,20 +54,6 @@ protected:
     int slot = 0;
 };
 
-// A plug-in that shouts every outgoing line, or swallows it.
-class ShoutingPlugin : public PluginObject {
-public:
-    explicit ShoutingPlugin(bool swallow) : m_swallow(swallow) {}
-    QVariant call(const QString& member, QVariantList& args) override {
-        if (member == QLatin1String("Event_PressedEnter"))
-            args[1] = m_swallow ? QString() : args[1].toString().toUpper();
-        return {};
-    }
-
-private:
-    bool m_swallow;
-};
-
 TEST(ChatCodec, MovesLettersAndDigitsBehindTheMarker) {
     QString text = QStringLiteral("abc");
     EncryptChat(text);
@@ -133,16 +119,7 @@ TEST_F(ChatInputTest, OfflineAndEmptyLinesAreDropped) {
     EXPECT_TRUE(chatLines(QStringLiteral("hello")).isEmpty());
 }
 
-TEST_F(ChatInputTest, PlugInsMaySeeChangeOrStopALine) {
-    PluginHost::instance().add(
-        {QStringLiteral("shout"), PluginHost::ChatEvents, std::make_shared<ShoutingPlugin>(false)});
-    EXPECT_EQ(chatLines(QStringLiteral("hello")), QStringList{"0x0e HELLO"});
-    EXPECT_TRUE(rtbChat(slot).text().contains(QStringLiteral("HELLO")));
-    PluginHost::instance().add(
-        {QStringLiteral("gag"), PluginHost::ChatEvents, std::make_shared<ShoutingPlugin>(true)});
-    EXPECT_TRUE(chatLines(QStringLiteral("hello")).isEmpty());
-}
-
+// (A plug-in that changes or stops a typed line is the plug-ins' end-to-end test.)
 TEST_F(ChatInputTest, TypedLinesGoThroughTheCommandsFirst) {
     BotElement& bot = Bots(slot);
     EXPECT_EQ(SendUserLine(slot, QStringLiteral("/ver")), QStringLiteral("/ver"));

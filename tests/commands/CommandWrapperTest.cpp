@@ -78,8 +78,7 @@ TEST_F(CommandWrapperTest, EachLineIsAnsweredAsTheSpeakersRankAndTheStoreAllow) 
         const char* said;
     };
     const char* higher = "Could not add user, rank specified is higher than yours.";
-    const char* invalid =
-        "Could not add user, invalid rank or user already exists in userbase.";
+    const char* invalid = "Could not add user, invalid rank or user already exists in userbase.";
     const char* guarded = "Insufficient permission to send that message.";
     const Row rows[] = {
         // The plain and the argument form of a command are apart.

@@ -8,9 +8,9 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
 #include <csignal>
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <random>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -54,21 +54,22 @@ TEST_F(Store, FileIsPrivateToTheUser) {
 
 TEST_F(Store, PathGrammar) {
     ASSERT_TRUE(store_.CreateKey(QStringLiteral("hkcu\\software\\x")));
-    // One key under every spelling of the root and of the names.
-    EXPECT_TRUE(store_.KeyExists(QStringLiteral("HKCU\\SOFTWARE\\X")));
-    EXPECT_TRUE(store_.KeyExists(QStringLiteral("HKEY_CURRENT_USER\\Software\\x")));
-    EXPECT_TRUE(store_.KeyExists(QStringLiteral("hkey_current_user\\Software\\x")));
-    EXPECT_TRUE(store_.KeyExists(QStringLiteral("HKCU\\\\Software\\\\x\\\\")));
-    // The root is the first four characters, whatever follows them.
-    EXPECT_TRUE(store_.KeyExists(QStringLiteral("HKCUxyz\\Software\\x")));
-    // A root alone names the root itself.
-    EXPECT_TRUE(store_.KeyExists(QStringLiteral("HKCU")));
-    EXPECT_TRUE(store_.KeyExists(QStringLiteral("HKEY_CLASSES_ROOT")));
+    const std::pair<const char*, bool> spellings[] = {
+        // One key under every spelling of the root and of the names.
+        {"HKCU\\SOFTWARE\\X", true},
+        {"HKEY_CURRENT_USER\\Software\\x", true},
+        {"hkey_current_user\\Software\\x", true},
+        {"HKCU\\\\Software\\\\x\\\\", true},
+        {"HKCUxyz\\Software\\x", true}, // the root is the first four characters
+        {"HKCU", true},                 // a root alone names the root itself
+        {"HKEY_CLASSES_ROOT", true},
+        {"HKXX\\Software\\x", false}, // unknown roots match nothing
+        {"HKC\\Software\\x", false},
+        {"HKCUX", false},
+    };
+    for (const auto& [spelling, exists] : spellings)
+        EXPECT_EQ(store_.KeyExists(QLatin1String(spelling)), exists) << spelling;
     EXPECT_EQ(keys(QStringLiteral("HKCU")), QStringList{QStringLiteral("software")});
-    // Unknown roots match nothing.
-    EXPECT_FALSE(store_.KeyExists(QStringLiteral("HKXX\\Software\\x")));
-    EXPECT_FALSE(store_.KeyExists(QStringLiteral("HKC\\Software\\x")));
-    EXPECT_FALSE(store_.KeyExists(QStringLiteral("HKCUX")));
     QStringList names;
     EXPECT_EQ(store_.EnumKeys(QStringLiteral("Nowhere\\Software"), names), -1);
     EXPECT_EQ(store_.CreateKey(QStringLiteral("Nowhere\\Software")), 0);

@@ -1,5 +1,6 @@
 #include "commands/DefinitionWrapper.h"
 #include "commands/MacroWrapper.h"
+#include "commands/ProfanityReader.h"
 #include "commands/QuoteWrapper.h"
 #include "common/ChatFixture.h"
 #include "config/TextListFile.h"
@@ -25,6 +26,15 @@ protected:
         MacroWrapper::instance().Grab(name, lines, found);
         EXPECT_EQ(found, expectFound) << name.toStdString();
         return lines;
+    }
+
+    static QString encoded(const ProfanityReader& reader, QString text) {
+        reader.EncodeProfanity(text);
+        return text;
+    }
+    static QString decoded(const ProfanityReader& reader, QString text) {
+        reader.DecodeProfanity(text);
+        return text;
     }
 
     DefinitionWrapper defs;
@@ -117,4 +127,27 @@ TEST_F(TextStoresTest, MacrosAreReadInBlocksAndTheFirstOfANameCounts) {
     MacroWrapper::instance().Reload();
     EXPECT_EQ(grab("first", false), QStringList{});
     EXPECT_TRUE(QFile::exists(MacroWrapper::fileName()));
+}
+
+TEST_F(TextStoresTest, ProfanityPlainCaseSensitiveReplacementBothWays) {
+    const ProfanityReader none;
+    EXPECT_EQ(encoded(none, "anything"), QStringLiteral("anything")) << "a missing file";
+    EXPECT_EQ(decoded(none, "anything"), QStringLiteral("anything"));
+    writeFile(ProfanityReader::file(), "[Main]\r\na=b\r\nx=ass\r\n");
+    const ProfanityReader reader;
+    EXPECT_EQ(encoded(reader, "bob"), QStringLiteral("aoa"));
+    EXPECT_EQ(decoded(reader, "aoa"), QStringLiteral("bob"));
+    EXPECT_EQ(encoded(reader, "BOB"), QStringLiteral("BOB"));
+    EXPECT_EQ(encoded(reader, "class"), QStringLiteral("clx"));
+    // The listing's trailing NUL gives an empty part, which changes nothing.
+    EXPECT_EQ(reader.entries(), (QStringList{"a\rb", "x\rass", "\r"}));
+}
+
+TEST_F(TextStoresTest, ProfanityEmptyValuesAndLaterEntriesWorkOnEarlierOutput) {
+    writeFile(ProfanityReader::file(), "[Main]\r\ngone=\r\nq=p\r\nr=q\r\n");
+    const ProfanityReader reader;
+    EXPECT_EQ(encoded(reader, "gone"), QStringLiteral("gone")) << "nothing to look for";
+    EXPECT_EQ(decoded(reader, "all gone"), QStringLiteral("all "));
+    EXPECT_EQ(encoded(reader, "p"), QStringLiteral("r")) << "p became q, then q became r";
+    EXPECT_EQ(decoded(reader, "r"), QStringLiteral("q")) << "decoding walks forwards too";
 }

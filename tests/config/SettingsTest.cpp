@@ -46,7 +46,6 @@ TEST_F(Settings, DefaultsOfAnEmptyStore) {
     EXPECT_EQ(settings_.ListFont(), QStringLiteral("Tahoma"));
     EXPECT_EQ(settings_.TextSize(), 10);
     EXPECT_EQ(settings_.MediaPlayer(), QStringLiteral("Winamp"));
-    EXPECT_EQ(settings_.ThemeID(), QStringLiteral("Default.theme"));
     EXPECT_EQ(settings_.ThemeFile(), QStringLiteral("Default"));
     EXPECT_FALSE(settings_.WindowsStartup());
     EXPECT_FALSE(store_.KeyExists(SettingsWrapper::SettingsKey())) << "a get writes nothing";

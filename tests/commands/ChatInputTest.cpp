@@ -119,7 +119,21 @@ TEST_F(ChatInputTest, OfflineAndEmptyLinesAreDropped) {
     EXPECT_TRUE(chatLines(QStringLiteral("hello")).isEmpty());
 }
 
-// (A plug-in that changes or stops a typed line is the plug-ins' end-to-end test.)
+// A plug-in that empties every outgoing line. (One that changes a line is
+// the plug-ins' end-to-end test.)
+class GaggingPlugin : public PluginObject {
+public:
+    QVariant call(const QString& member, QVariantList& args) override {
+        if (member == QLatin1String("Event_PressedEnter")) args[1] = QStringLiteral("");
+        return {};
+    }
+};
+
+TEST_F(ChatInputTest, APlugInThatEmptiesALineStopsIt) {
+    PluginHost::instance().add(
+        {QStringLiteral("gag"), PluginHost::ChatEvents, std::make_shared<GaggingPlugin>()});
+    EXPECT_TRUE(chatLines(QStringLiteral("hello")).isEmpty());
+}
 TEST_F(ChatInputTest, TypedLinesGoThroughTheCommandsFirst) {
     BotElement& bot = Bots(slot);
     EXPECT_EQ(SendUserLine(slot, QStringLiteral("/ver")), QStringLiteral("/ver"));

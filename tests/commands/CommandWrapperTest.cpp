@@ -29,6 +29,7 @@ protected:
         db.AddUser(slot, QStringLiteral("Boss"), 100);
         db.AddUser(slot, QStringLiteral("Deputy"), 99);
         db.AddUser(slot, QStringLiteral("Op"), 90);
+        db.AddUser(slot, QStringLiteral("Mod"), 70);
         db.AddUser(slot, QStringLiteral("Helper"), 30);
         db.AddUser(slot, QStringLiteral("Guest"), 10);
         Bots(slot).Queue.clear();
@@ -104,7 +105,9 @@ TEST_F(CommandWrapperTest, EachLineIsAnsweredAsTheSpeakersRankAndTheStoreAllow) 
         {"Op", "block Pest", "Block already exists for that user."},
         {"Op", "unblock Pest#1", "Removed block for Pest, you should see them chatting again."},
         {"Op", "unblock Pest", "Block does not exist for that user."},
-        // Ranks are given and taken only below your own.
+        // Ranks are given and taken from 70 on, and only below your own.
+        {"Helper", "add pal 5", ""},
+        {"Mod", "add pal 20", "Added pal to the userbase."},
         {"Op", "add newbie 90", higher},
         {"Boss", "add newbie 100", higher},
         {"Op", "add newbie 89", "Added newbie to the userbase."},
@@ -120,6 +123,9 @@ TEST_F(CommandWrapperTest, EachLineIsAnsweredAsTheSpeakersRankAndTheStoreAllow) 
         {"Guest", "find newbie", "Could not find that user."},
         {"Guest", "find helper", "Helper has a rank of 30."},
         {"Guest", "finduser Sword*HELPER", "Helper has a rank of 30."},
+        // Mail is for rank 20 on.
+        {"Guest", "mail bob hi", ""},
+        {"pal", "mail bob hi", "Added new mail message for bob."},
         // Below rank 90, SAY sends no guarded server command of more than a word.
         {"Guest", "say hello there", "hello there"},
         {"Guest", "say /ban x", guarded},
@@ -162,14 +168,18 @@ TEST_F(CommandWrapperTest, SettingCommandsKeepTheirBounds) {
     };
     const Case cases[] = {
         {"sethome ", "Could not change home channel, invalid length."},
-        {"sethome 0123456789012345678901234567890123",
+        {"sethome 01234567890123456789012345678901",
          "Could not change home channel, invalid length."},
+        {"sethome 0123456789012345678901234567890", "Successfully set new home channel."},
         {"sethome Op Room", "Successfully set new home channel."},
         {"setaccount 0123456789abcdef", "Could not change account, invalid length."},
-        {"setaccount newname", "Successfully set new account."},
+        {"setaccount newname12345678", "Successfully set new account."},
         {"setpassword ", "Could not change password, invalid length."},
+        {"setpassword 0123456789abcdef", "Could not change password, invalid length."},
+        {"setpassword 0123456789abcde", "Successfully set new password."},
         {"settrigger ab", "Could not change trigger, invalid length."},
         {"settrigger ", "Could not change trigger, invalid length."},
+        {"settrigger !", "Successfully set new trigger."},
         {"setserver ", "Could not change BNCS server, please specify server."},
         {"setserverbnls ", "Could not change BNLS server, please specify server."},
         {"setcdkey ", "Could not change cdkey, please specify a cdkey."},
@@ -189,7 +199,8 @@ TEST_F(CommandWrapperTest, SettingCommandsKeepTheirBounds) {
             << c.line;
     ConfigWrapper& config = Bots(slot).Config;
     EXPECT_EQ(config.Channel(), QStringLiteral("Op Room"));
-    EXPECT_EQ(config.Account(), QStringLiteral("newname"));
+    EXPECT_EQ(config.Account(), QStringLiteral("newname12345678"));
+    EXPECT_EQ(config.Password(), QStringLiteral("0123456789abcde"));
     EXPECT_EQ(config.Trigger(), QStringLiteral("!"));
     EXPECT_EQ(config.IdleTime(), 7);
     EXPECT_EQ(config.IdleMsg(), QStringLiteral("back at $time"));

@@ -2,6 +2,7 @@
 #include "config/ConfigWrapper.h"
 #include "config/Folders.h"
 #include "config/RegistryWrapper.h"
+#include "config/SettingLimits.h"
 #include "config/SettingsWrapper.h"
 
 #include <QCoreApplication>
@@ -219,6 +220,24 @@ TEST(Profile, ValuesLiveInTheProfilesKey) {
     EXPECT_TRUE(store.ValueExists(key, QStringLiteral("Channels5")));
     config.setChannels(5, QStringLiteral("Home"));
     EXPECT_EQ(config.Channels(5), QStringLiteral("Home"));
+}
+
+} // namespace
+
+namespace {
+
+// The choices the terminal offers and holds a value to.
+TEST(SettingLimits, EachLimitedValueHasItsChoices) {
+    const std::pair<QStringList, QList<qint32>> limits[] = {
+        {{"Settings", "FloodMode"}, {0, 500, 1000, 2000}},
+        {{"Settings", "Transparency"}, {20, 40, 60, 80, 100}},
+        {{"Settings", "ColorDisp"}, {0, 1, 2}},
+        {{"Settings", "IconDisp"}, {0, 1, 2}},
+        {{"Profiles\\Main", "PingSpoof"}, {0, 1, 2, 3, 4}},
+        {{"Settings", "ChatSize"}, {}},
+    };
+    for (const auto& [value, choices] : limits)
+        EXPECT_EQ(SettingLimits::Choices(value[0], value[1]), choices) << value[1].toStdString();
 }
 
 } // namespace

@@ -60,10 +60,13 @@ TEST_F(CommandWrapperTest, RanksReachTheirLevelsAndNoHigher) {
     EXPECT_TRUE(run(QStringLiteral("boss"), QStringLiteral("QuIt")));
     EXPECT_EQ(quits.count(), 1);
 
-    // One-letter lines get silence (strangers' are the end-to-end test's).
+    // One-letter lines get silence (strangers' are the end-to-end test's);
+    // two letters make a command, REJOIN from rank 80.
     Bots(slot).Queue.clear();
     EXPECT_FALSE(run(QStringLiteral("Boss"), QStringLiteral("u")));
     EXPECT_TRUE(Bots(slot).Queue.isEmpty());
+    EXPECT_FALSE(run(QStringLiteral("Mod"), QStringLiteral("rj")));
+    EXPECT_TRUE(run(QStringLiteral("Op"), QStringLiteral("rj")));
 
     // Diablo II character names are ranked by their account.
     EXPECT_EQ(lastReply(QStringLiteral("Knight*Guest"), QStringLiteral("ver")).left(12),

@@ -71,9 +71,11 @@ TEST(ChatCodec, MovesLettersAndDigitsBehindTheMarker) {
     EXPECT_EQ(other, QStringLiteral("A 9"));
 }
 
-TEST_F(ChatInputTest, DiabloWhispersReachAccounts) {
+// Each typed line and the packets it sends ("" for none), for a Diablo II bot.
+TEST_F(ChatInputTest, TypedLinesAndThePacketsTheySend) {
     Bots(slot).Config.setClient(QStringLiteral("D2XP"));
-    const std::pair<const char*, const char*> cases[] = {
+    const std::pair<QString, const char*> cases[] = {
+        // Whispers reach accounts, not characters, unless a realm is named.
         {"/w bob hi  there", "0x0e /w *bob hi  there"},
         {"/W bob hi", "0x0e /W *bob hi"},
         {"/w bob", "0x0e /w bob"},
@@ -82,16 +84,22 @@ TEST_F(ChatInputTest, DiabloWhispersReachAccounts) {
         {"/w Sorc*bob@Europe hi", "0x0e /w *bob@Europe hi"},
         {"/w Sorc*bob@europe hi", "0x0e /w *Sorc*bob@europe hi"},
         {"/whisp bob hi", "0x0e /whisp bob hi"},
+        // Line ends and NULs are taken out; what is left of an empty line is nothing.
+        {QStringLiteral("\r\n\0"), ""},
+        {"hel\nlo", "0x0e hello"},
+        // ECHO alone is for the server; with a word it runs a command aloud.
+        {"/echo", "0x0e /echo"},
+        {"/echo ", ""},
     };
     for (const auto& [line, packet] : cases)
-        EXPECT_EQ(chatLines(QLatin1String(line)), QStringList{QLatin1String(packet)}) << line;
+        EXPECT_EQ(chatLines(line).join(u'\n'), QLatin1String(packet)) << line.toStdString();
     Bots(slot).Config.setClient(QStringLiteral("W2BN"));
     EXPECT_EQ(chatLines(QStringLiteral("/w bob hi")), QStringList{"0x0e /w bob hi"});
+    Bots(slot).setOnline(false);
+    EXPECT_TRUE(chatLines(QStringLiteral("hello")).isEmpty());
 }
 
 TEST_F(ChatInputTest, EchoRunsCommandsAloud) {
-    EXPECT_EQ(chatLines(QStringLiteral("/echo")), QStringList{"0x0e /echo"});
-    EXPECT_TRUE(chatLines(QStringLiteral("/echo ")).isEmpty());
     EXPECT_TRUE(chatLines(QStringLiteral("/echo x")).isEmpty());
     EXPECT_TRUE(rtbChat(slot).text().contains(
         QStringLiteral("This command is not available via the echo command")));
@@ -110,13 +118,6 @@ TEST_F(ChatInputTest, RepliesNeedSomebodyToAnswer) {
     EXPECT_TRUE(chatLines(QStringLiteral("/reply hi")).isEmpty());
     chatLines(QStringLiteral("/forward yo"));
     EXPECT_EQ(Bots(slot).Queue, (QStringList{"/w bob hi", "/w ann yo"}));
-}
-
-TEST_F(ChatInputTest, OfflineAndEmptyLinesAreDropped) {
-    EXPECT_TRUE(chatLines(QStringLiteral("\r\n\0")).isEmpty());
-    EXPECT_EQ(chatLines(QStringLiteral("hel\nlo")), QStringList{"0x0e hello"});
-    Bots(slot).setOnline(false);
-    EXPECT_TRUE(chatLines(QStringLiteral("hello")).isEmpty());
 }
 
 // A plug-in that empties every outgoing line. (One that changes a line is

@@ -71,12 +71,16 @@ TEST_F(BlocksAndFiltersTest, FilesLoadWithoutEmptyLinesAndHandEditsCountAtTheNex
 
 TEST_F(BlocksAndFiltersTest, OnlyLinesWithAStarAreFilters) {
     writeFile(MessageFiltersFile(), "hello\r\n*buy gold*\r\nwhat?*\r\n*[1]*\r\n");
+    LoadFilters();
     EXPECT_FALSE(IsFiltered("hello"));
     EXPECT_EQ(MessageFilters(), (QStringList{"*buy gold*", "what?*", "*[1]*"}));
     EXPECT_TRUE(IsFiltered("cheap: BUY GOLD now"));
     EXPECT_TRUE(IsFiltered("what? no"));
     EXPECT_FALSE(IsFiltered("whatever"));
     EXPECT_TRUE(IsFiltered("option [1]"));
+    writeFile(MessageFiltersFile(), "*gold*\r\n");
+    EXPECT_FALSE(IsFiltered("what? no")) << "a hand edit counts from the next test";
+    EXPECT_TRUE(IsFiltered("buy gold"));
     QFile::remove(MessageFiltersFile());
     EXPECT_TRUE(IsFiltered("buy gold")) << "kept until the next load";
     writeFile(MessageFiltersFile(), "");

@@ -111,7 +111,8 @@ PatternList& current(LoadedList& loaded, const char* name, void (*load)()) {
     const quint64 burst = FileStamp::burst();
     if (burst != 0 && loaded.lookedInBurst == burst) return loaded.list;
     loaded.lookedInBurst = burst;
-    const std::optional<FileStamp> now = FileStamp::of(SettingsFilePath(QLatin1String(name)));
+    const std::optional<FileStamp> now =
+        FileStamp::ofInBurst(SettingsFilePath(QLatin1String(name)));
     if (now && now != loaded.stamp) load();
     return loaded.list;
 }

@@ -16,11 +16,13 @@ public:
     // nothing when there is no such file.
     static std::optional<FileStamp> of(const QString& path, Kind kind = Kind::File);
 
-    // The same, looked at once in a burst: the events of one read from a
-    // socket are handled in a few microseconds each, and a look at the disk
-    // for every one of them would cost more than the rest of the work. A hand
-    // edit made during a burst counts from the next one, as if made just
-    // after it. Outside a burst every call looks.
+    // The same, looked at only when it may have changed: the events of one
+    // read from a socket are handled in a few microseconds each, and a look
+    // at the disk for each read would cost more than the rest of the work.
+    // Within a burst a stamp is looked at once; it is kept for the bursts
+    // after while the kernel reports no change in its folder (at most two
+    // seconds). A hand edit made during a burst counts from the next one, as
+    // if made just after it. Outside a burst every call looks.
     static std::optional<FileStamp> ofInBurst(const QString& path, Kind kind = Kind::File);
 
     // The number of the burst under way, a new one each time; 0 outside one.

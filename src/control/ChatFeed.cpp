@@ -4,34 +4,6 @@
 
 #include <QMetaObject>
 
-namespace {
-
-// Cuts runs into lines at each line feed, dropping the carriage return before
-// it. What follows the last line feed is not a finished line and stays out.
-std::vector<std::vector<TextRun>> splitLines(const std::vector<TextRun>& runs) {
-    std::vector<std::vector<TextRun>> lines;
-    std::vector<TextRun> current;
-    const auto endLine = [&] {
-        if (!current.empty() && current.back().text.endsWith(u'\r')) {
-            current.back().text.chop(1);
-            if (current.back().text.isEmpty()) current.pop_back();
-        }
-        lines.push_back(std::move(current));
-        current.clear();
-    };
-    for (const TextRun& run : runs) {
-        qsizetype start = 0;
-        for (qsizetype nl; (nl = run.text.indexOf(u'\n', start)) >= 0; start = nl + 1) {
-            if (nl > start) current.push_back({run.text.mid(start, nl - start), run.format});
-            endLine();
-        }
-        if (start < run.text.size()) current.push_back({run.text.mid(start), run.format});
-    }
-    return lines;
-}
-
-} // namespace
-
 QString FeedLine::text() const {
     QString out;
     for (const TextRun& run : runs)
@@ -109,19 +81,10 @@ void ChatFeed::scheduleFlush() {
 
 std::vector<FeedLine> ChatFeed::finishedLines(Watched& w) const {
     std::vector<FeedLine> out;
-    const int length = w.document->length();
-    if (w.handedOn >= length) return out;
-    const std::vector<TextRun> runs = w.document->runsBetween(w.handedOn, length);
-    int consumed = 0;
-    int lineEnd = 0;
-    for (const TextRun& run : runs) {
-        const qsizetype last = run.text.lastIndexOf(u'\n');
-        if (last >= 0) lineEnd = consumed + int(last) + 1;
-        consumed += int(run.text.size());
-    }
-    for (std::vector<TextRun>& line : splitLines(runs))
+    int end = w.handedOn;
+    for (std::vector<TextRun>& line : w.document->linesBetween(w.handedOn, w.document->length(), &end))
         out.push_back({w.slot, w.whisper, std::move(line)});
-    w.handedOn += lineEnd;
+    w.handedOn = end;
     return out;
 }
 
@@ -152,8 +115,7 @@ QList<FeedLine> ChatFeed::recentLines(int slot, int count) const {
         if (w.slot != slot || w.handedOn == 0) continue;
         // Only the tail of a long view is read: a line is rarely longer than this.
         const int from = std::max(0, w.handedOn - count * 512);
-        std::vector<std::vector<TextRun>> lines =
-            splitLines(w.document->runsBetween(from, w.handedOn));
+        std::vector<std::vector<TextRun>> lines = w.document->linesBetween(from, w.handedOn);
         // The first piece may be the end of a line cut in the middle.
         const size_t skip = from > 0 && !lines.empty() ? 1 : 0;
         const size_t first = std::max(skip, lines.size() > size_t(count) ? lines.size() - count : 0);

@@ -32,19 +32,37 @@ void appendEscaped(QByteArray& out, uchar c) {
     }
 }
 
-// Most of what a channel says is ASCII: it goes in without a UTF-8 copy.
+// Most of what a channel says is ASCII: it is copied straight into the room
+// made for it, one byte a character, without a UTF-8 copy.
 bool appendAscii(QByteArray& out, const QString& text) {
     const qsizetype start = out.size();
-    for (const QChar ch : text) {
-        const char16_t c = ch.unicode();
+    const qsizetype size = text.size();
+    const char16_t* from = reinterpret_cast<const char16_t*>(text.constData());
+    out.resize(start + size);
+    char* to = out.data() + start;
+    for (qsizetype i = 0; i < size; ++i) {
+        const char16_t c = from[i];
         if (c >= 0x80) {
             out.truncate(start);
             return false;
         }
-        if (c != '"' && c != '\\' && c >= 0x20)
-            out += char(c);
-        else
-            appendEscaped(out, uchar(c));
+        if (c == '"' || c == '\\' || c < 0x20) {
+            // An escape takes more room than its character: the rest goes
+            // one character at a time.
+            out.truncate(start + i);
+            for (qsizetype j = i; j < size; ++j) {
+                if (from[j] >= 0x80) {
+                    out.truncate(start);
+                    return false;
+                }
+                if (from[j] != '"' && from[j] != '\\' && from[j] >= 0x20)
+                    out += char(from[j]);
+                else
+                    appendEscaped(out, uchar(from[j]));
+            }
+            return true;
+        }
+        to[i] = char(c);
     }
     return true;
 }
@@ -100,9 +118,7 @@ TextRun readRun(const QJsonObject& o) {
 
 namespace FeedMessages {
 
-QByteArray Line(const FeedLine& line, const QString& profile) {
-    QByteArray out;
-    out.reserve(96 + 64 * qsizetype(line.runs.size()));
+void AppendLine(QByteArray& out, const FeedLine& line, const QString& profile) {
     out += "{\"event\":\"line\",\"profile\":";
     appendString(out, profile);
     out += ",\"runs\":[";
@@ -111,6 +127,12 @@ QByteArray Line(const FeedLine& line, const QString& profile) {
         appendRun(out, line.runs[i]);
     }
     out += line.whisper ? "],\"view\":\"whisper\"}\n" : "],\"view\":\"chat\"}\n";
+}
+
+QByteArray Line(const FeedLine& line, const QString& profile) {
+    QByteArray out;
+    out.reserve(96 + 64 * qsizetype(line.runs.size()));
+    AppendLine(out, line, profile);
     return out;
 }
 

@@ -14,6 +14,8 @@
 namespace FeedMessages {
 
 QByteArray Line(const FeedLine& line, const QString& profile);
+// The same line added to the end of `out`: a burst of lines is one message.
+void AppendLine(QByteArray& out, const FeedLine& line, const QString& profile);
 QByteArray Skipped(qint64 lines);
 QByteArray Notice(const QString& text);
 

@@ -108,6 +108,37 @@ std::vector<TextRun> ChatDocument::runsBetween(int from, int to) const {
     return out;
 }
 
+std::vector<std::vector<TextRun>> ChatDocument::linesBetween(int from, int to, int* end) const {
+    std::vector<std::vector<TextRun>> lines;
+    std::vector<TextRun> current;
+    from = std::max(0, from);
+    to = std::min(to, m_length);
+    if (end) *end = from;
+    if (from >= to) return lines;
+    const auto endLine = [&] {
+        if (!current.empty() && current.back().text.endsWith(u'\r')) {
+            current.back().text.chop(1);
+            if (current.back().text.isEmpty()) current.pop_back();
+        }
+        lines.push_back(std::move(current));
+        current.clear();
+    };
+    auto [index, start] = locate(from);
+    for (size_t i = index; i < m_runs.size() && start < to; ++i) {
+        const TextRun& run = m_runs[i];
+        qsizetype a = std::max(from, start) - start;
+        const qsizetype b = std::min(to, start + int(run.text.size())) - start;
+        for (qsizetype nl; (nl = run.text.indexOf(u'\n', a)) >= 0 && nl < b; a = nl + 1) {
+            if (nl > a) current.push_back({run.text.mid(a, nl - a), run.format});
+            endLine();
+            if (end) *end = start + int(nl) + 1;
+        }
+        if (a < b) current.push_back({run.text.mid(a, b - a), run.format});
+        start += int(run.text.size());
+    }
+    return lines;
+}
+
 void ChatDocument::append(QStringView text, const CharFormat& format) {
     if (text.isEmpty())
         return;

@@ -41,6 +41,10 @@ public:
     const std::vector<TextRun>& runs() const { return m_runs; }
     // The runs of [from, to), cut at both ends.
     std::vector<TextRun> runsBetween(int from, int to) const;
+    // The whole lines of [from, to) as runs, cut at each line feed, without
+    // the line end (a carriage return before the feed goes too). What follows
+    // the last line feed is not a whole line: `end` says where it starts.
+    std::vector<std::vector<TextRun>> linesBetween(int from, int to, int* end = nullptr) const;
     // The character at `pos`; a null character outside the text.
     QChar at(int pos) const;
     // The format of the character at `pos`; the default outside the text.

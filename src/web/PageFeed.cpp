@@ -2,6 +2,7 @@
 
 #include "chat/BotElement.h"
 #include "chat/TimedEvents.h"
+#include "config/FileStamp.h"
 #include "control/ChatFeed.h"
 #include "control/FeedMessages.h"
 #include "platform/ListModel.h"
@@ -122,12 +123,15 @@ void PageFeed::watchUsers(int slot) {
 void PageFeed::linesWritten(const QList<FeedLine>& lines) {
     if (!m_listening || lines.isEmpty()) return;
     QByteArray messages;
+    messages.reserve(256 * lines.size());
     for (const FeedLine& line : lines)
-        messages += FeedMessages::Line(line, profileOf(line.slot));
+        FeedMessages::AppendLine(messages, line, profileOf(line.slot));
     Q_EMIT this->lines(messages, int(lines.size()));
 }
 
 void PageFeed::flushState() {
+    // Names of flags and pings, one look at their override file for the lot.
+    const FileStamp::Burst burst;
     const QByteArray slots = compact(slotsNow());
     if (slots != m_lastSlots) {
         m_lastSlots = slots;
@@ -148,6 +152,7 @@ void PageFeed::flushState() {
 // The caller flushes the chat feed first, so that no line is both in the
 // snapshot and still on its way.
 std::vector<QByteArray> PageFeed::snapshot() const {
+    const FileStamp::Burst burst;
     std::vector<QByteArray> messages{compact(slotsNow()), compact(statusNow())};
     const ChatFeed& feed = ChatFeed::instance();
     SlotTable& table = SlotTable::instance();
@@ -155,7 +160,7 @@ std::vector<QByteArray> PageFeed::snapshot() const {
         if (i > 0 && !Bots(i).IsLoaded) continue;
         QByteArray recent;
         for (const FeedLine& line : feed.recentLines(i, kRecentLines))
-            recent += FeedMessages::Line(line, profileOf(i));
+            FeedMessages::AppendLine(recent, line, profileOf(i));
         if (!recent.isEmpty()) messages.push_back(recent);
         if (i > 0) messages.push_back(compact(usersOf(i)));
     }

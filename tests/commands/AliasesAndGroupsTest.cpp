@@ -1,5 +1,7 @@
 #include "commands/AliasesAndGroups.h"
 
+#include "commands/AliasGroupEditor.h"
+#include "commands/AliasLabelEdit.h"
 #include "common/ChatFixture.h"
 #include "platform/ListModel.h"
 
@@ -11,6 +13,17 @@ protected:
         QStringList names;
         ListAliasMembers(alias, names);
         return names;
+    }
+    // Runs one edit of a name in the user list and gives the lines it wrote.
+    QString edit(const QString& tag, const QString& shown, const QString& typed,
+                 bool* accepted = nullptr) {
+        const int slot = SlotTable::instance().LoadProfile(QStringLiteral("editor"));
+        rtbChat(slot).clear();
+        AliasLabelEdit label;
+        label.begin(slot, tag, shown);
+        const bool ok = label.finish(typed);
+        if (accepted) *accepted = ok;
+        return rtbChat(slot).text();
     }
 };
 
@@ -27,17 +40,6 @@ TEST_F(AliasesAndGroupsTest, MembersArePlainNamesFoundInAnyCase) {
     QStringList names;
     ListAliases(names);
     EXPECT_EQ(FindAlias("bob"), names.first()) << "the store's first answers";
-}
-
-TEST_F(AliasesAndGroupsTest, ListsHaveOneEmptySlotOrMinusOne) {
-    QStringList names{"junk"};
-    EXPECT_EQ(ListAliases(names), -1) << "no Aliases key at all";
-    EXPECT_EQ(names, QStringList{QString()});
-    CreateAlias("Empty", {QString()});
-    EXPECT_EQ(ListAliasMembers("Empty", names), 0);
-    EXPECT_EQ(names, QStringList{QString()});
-    EXPECT_EQ(ListAliases(names), 0);
-    EXPECT_EQ(names, QStringList{"Empty"});
 }
 
 TEST_F(AliasesAndGroupsTest, AddingAndRemovingMembersRewritesTheAlias) {
@@ -105,4 +107,36 @@ TEST_F(AliasesAndGroupsTest, RefreshRenamesAndRecoloursTheList) {
     SettingsWrapper::instance().setHideChars(true);
     RefreshAliasesAndGroups(slot);
     EXPECT_EQ(lvUsers(slot).item(1).text, QStringLiteral("bob"));
+}
+
+TEST_F(AliasesAndGroupsTest, TypingANameMakesOrJoinsAnAlias) {
+    bool accepted = false;
+    EXPECT_TRUE(edit("bob", "bob", "bob", &accepted)
+                    .contains("Type something to create an alias for this user."));
+    EXPECT_TRUE(accepted);
+    EXPECT_TRUE(AliasGroupEditor::AliasNames().isEmpty()) << "own name typed back: nothing";
+
+    EXPECT_TRUE(edit("bob", "bob", "Friends").contains("Created alias \"Friends\" for \"bob\"."));
+    EXPECT_TRUE(
+        edit("carl", "carl", "Friends").contains("Added \"carl\" to alias called \"Friends\"."));
+    EXPECT_EQ(AliasGroupEditor::AliasMembers("Friends"), (QStringList{"bob", "carl"}));
+    // (A name refused for its backslash is the user list's test.)
+}
+
+TEST_F(AliasesAndGroupsTest, RenamingMovesTheUserAndTheOwnNameLeavesTheAlias) {
+    CreateAlias("Friends", {"bob", "carl"});
+    EXPECT_TRUE(edit("bob", "Friends", "Pals")
+                    .contains("Attempting to rename alias \"bob\" to \"Friends\"."));
+    EXPECT_EQ(FindAlias("bob"), QStringLiteral("Pals"));
+    EXPECT_EQ(AliasGroupEditor::AliasMembers("Friends"), QStringList{"carl"});
+
+    // The same alias typed again changes nothing.
+    edit("carl", "Friends", "Friends");
+    EXPECT_EQ(FindAlias("carl"), QStringLiteral("Friends"));
+
+    // The own name typed back takes the user out; the emptied alias goes.
+    const QString lines = edit("carl", "Friends", "carl");
+    EXPECT_FALSE(lines.contains("Created alias"));
+    EXPECT_TRUE(FindAlias("carl").isEmpty());
+    EXPECT_EQ(AliasGroupEditor::AliasNames(), QStringList{"Pals"});
 }

@@ -29,6 +29,7 @@ protected:
         db.AddUser(slot, QStringLiteral("Boss"), 100);
         db.AddUser(slot, QStringLiteral("Deputy"), 99);
         db.AddUser(slot, QStringLiteral("Op"), 90);
+        db.AddUser(slot, QStringLiteral("Mod"), 70);
         db.AddUser(slot, QStringLiteral("Helper"), 30);
         db.AddUser(slot, QStringLiteral("Guest"), 10);
         Bots(slot).Queue.clear();
@@ -48,12 +49,6 @@ protected:
         const QStringList lines = said(speaker, line);
         return lines.isEmpty() ? QString() : lines.last();
     }
-    qint32 rankOf(QString name) {
-        qint32 rank = 0;
-        DatabaseWrapper().GrabRank(slot, name, rank);
-        return rank;
-    }
-
     int slot = 0;
 };
 
@@ -65,102 +60,108 @@ TEST_F(CommandWrapperTest, RanksReachTheirLevelsAndNoHigher) {
     EXPECT_TRUE(run(QStringLiteral("boss"), QStringLiteral("QuIt")));
     EXPECT_EQ(quits.count(), 1);
 
-    // Too low a rank looks like no command at all: no reply, nothing queued.
-    EXPECT_TRUE(said(QStringLiteral("Helper"), QStringLiteral("ban someone")).isEmpty());
-    EXPECT_FALSE(run(QStringLiteral("Helper"), QStringLiteral("ban someone")));
-    EXPECT_EQ(said(QStringLiteral("Op"), QStringLiteral("ban someone")),
-              QStringList{QStringLiteral("/ban someone")});
-
-    // Strangers and one-letter lines get silence.
+    // One-letter lines get silence (strangers' are the end-to-end test's);
+    // two letters make a command, REJOIN from rank 80.
     Bots(slot).Queue.clear();
-    EXPECT_FALSE(run(QStringLiteral("Stranger"), QStringLiteral("ver")));
     EXPECT_FALSE(run(QStringLiteral("Boss"), QStringLiteral("u")));
     EXPECT_TRUE(Bots(slot).Queue.isEmpty());
+    EXPECT_FALSE(run(QStringLiteral("Mod"), QStringLiteral("rj")));
+    EXPECT_TRUE(run(QStringLiteral("Op"), QStringLiteral("rj")));
 
     // Diablo II character names are ranked by their account.
     EXPECT_EQ(lastReply(QStringLiteral("Knight*Guest"), QStringLiteral("ver")).left(12),
               QStringLiteral("Corvantide v"));
 }
 
-TEST_F(CommandWrapperTest, PlainAndArgumentFormsAreApart) {
-    EXPECT_FALSE(run(QStringLiteral("Op"), QStringLiteral("ban")));
-    EXPECT_EQ(said(QStringLiteral("Op"), QStringLiteral("ban ")), QStringList{"/ban "});
-    EXPECT_FALSE(run(QStringLiteral("Boss"), QStringLiteral("quit now")));
-    EXPECT_EQ(said(QStringLiteral("Op"), QStringLiteral("dnd")), QStringList{"/dnd"});
-    EXPECT_EQ(said(QStringLiteral("Op"), QStringLiteral("dnd back soon")),
-              QStringList{"/dnd back soon"});
-    EXPECT_EQ(said(QStringLiteral("Helper"), QStringLiteral("away")), QStringList{"/away"});
-    EXPECT_EQ(said(QStringLiteral("Helper"), QStringLiteral("away x")), QStringList{"/away x"});
-    // A word that only sounds like a setting finds no other table.
-    EXPECT_FALSE(run(QStringLiteral("Boss"), QStringLiteral("settle down")));
-}
-
-TEST_F(CommandWrapperTest, RankedUsersAreSparedByName) {
-    EXPECT_EQ(lastReply(QStringLiteral("Op"), QStringLiteral("ban guest")),
-              QStringLiteral("Could not ban that user they are in the database."));
-    EXPECT_EQ(lastReply(QStringLiteral("Op"), QStringLiteral("k Guest")),
-              QStringLiteral("Could not kick that user they are in the database."));
-    // With a reason the whole text is looked up and finds nobody.
-    EXPECT_EQ(lastReply(QStringLiteral("Op"), QStringLiteral("kick Guest go away")),
-              QStringLiteral("/kick Guest go away"));
-    // A block looks up the first word alone.
-    EXPECT_EQ(lastReply(QStringLiteral("Op"), QStringLiteral("block Guest go away")),
-              QStringLiteral("Could not ignore that user they are in the database."));
-    EXPECT_EQ(lastReply(QStringLiteral("Op"), QStringLiteral("block Pest#2 noisy")),
-              QStringLiteral("Added block for Pest, you should not see them chatting anymore."));
-    EXPECT_TRUE(IsBlocked(QStringLiteral("pest")));
-    EXPECT_EQ(lastReply(QStringLiteral("Op"), QStringLiteral("block Pest")),
-              QStringLiteral("Block already exists for that user."));
-    EXPECT_EQ(lastReply(QStringLiteral("Op"), QStringLiteral("unblock Pest#1")),
-              QStringLiteral("Removed block for Pest, you should see them chatting again."));
-    EXPECT_EQ(lastReply(QStringLiteral("Op"), QStringLiteral("unblock Pest")),
-              QStringLiteral("Block does not exist for that user."));
-}
-
-TEST_F(CommandWrapperTest, RanksAreGivenAndTakenOnlyBelowYourOwn) {
-    const QString higher =
-        QStringLiteral("Could not add user, rank specified is higher than yours.");
-    EXPECT_EQ(lastReply(QStringLiteral("Op"), QStringLiteral("add newbie 90")), higher);
-    EXPECT_EQ(lastReply(QStringLiteral("Boss"), QStringLiteral("add newbie 100")), higher);
-    EXPECT_EQ(lastReply(QStringLiteral("Op"), QStringLiteral("add newbie 89")),
-              QStringLiteral("Added newbie to the userbase."));
-    EXPECT_EQ(rankOf(QStringLiteral("NEWBIE")), 89);
-    const QString invalid =
-        QStringLiteral("Could not add user, invalid rank or user already exists in userbase.");
-    EXPECT_EQ(lastReply(QStringLiteral("Op"), QStringLiteral("add Newbie 20")), invalid);
-    EXPECT_EQ(lastReply(QStringLiteral("Op"), QStringLiteral("add other ten")), invalid);
-    EXPECT_EQ(lastReply(QStringLiteral("Op"), QStringLiteral("add other 0")), invalid);
-    EXPECT_EQ(lastReply(QStringLiteral("Op"), QStringLiteral("add other")),
-              QStringLiteral(
-                  "Please include the username you want to add followed by their rank (1-100)."));
-
-    EXPECT_EQ(lastReply(QStringLiteral("Op"), QStringLiteral("remove op")),
-              QStringLiteral("Could not remove user, rank of that user is higher than yours."));
-    EXPECT_EQ(lastReply(QStringLiteral("Op"), QStringLiteral("remove nobody")),
-              QStringLiteral("Could not remove user, user not found in userbase."));
-    EXPECT_EQ(lastReply(QStringLiteral("Op"), QStringLiteral("remove newbie")),
-              QStringLiteral("Removed newbie from the userbase."));
-    EXPECT_EQ(rankOf(QStringLiteral("newbie")), 0);
-    EXPECT_EQ(lastReply(QStringLiteral("Guest"), QStringLiteral("find helper")),
-              QStringLiteral("Helper has a rank of 30."));
-    EXPECT_EQ(lastReply(QStringLiteral("Guest"), QStringLiteral("finduser Sword*HELPER")),
-              QStringLiteral("Helper has a rank of 30."));
-    EXPECT_EQ(lastReply(QStringLiteral("Guest"), QStringLiteral("find newbie")),
-              QStringLiteral("Could not find that user."));
-}
-
-TEST_F(CommandWrapperTest, SayGuardsServerCommandsBelowNinety) {
-    EXPECT_EQ(said(QStringLiteral("Guest"), QStringLiteral("say hello there")),
-              QStringList{"hello there"});
-    EXPECT_EQ(said(QStringLiteral("Guest"), QStringLiteral("say /ban x")),
-              QStringList{"Insufficient permission to send that message."});
-    EXPECT_EQ(said(QStringLiteral("Guest"), QStringLiteral("say /O igpub")),
-              QStringList{"Insufficient permission to send that message."});
-    // One word, or a command not on the guarded list, goes through.
-    EXPECT_EQ(said(QStringLiteral("Guest"), QStringLiteral("say /rejoin")), QStringList{"/rejoin"});
-    EXPECT_EQ(said(QStringLiteral("Guest"), QStringLiteral("say /w bob hi")),
-              QStringList{"/w bob hi"});
-    EXPECT_EQ(said(QStringLiteral("Op"), QStringLiteral("say /ban x")), QStringList{"/ban x"});
+// One conversation: who says what, and all the bot says back ("" is silence,
+// and then the line was no command). Later rows see what earlier rows stored.
+TEST_F(CommandWrapperTest, EachLineIsAnsweredAsTheSpeakersRankAndTheStoreAllow) {
+    struct Row {
+        const char* speaker;
+        const char* line;
+        const char* said;
+    };
+    const char* higher = "Could not add user, rank specified is higher than yours.";
+    const char* invalid = "Could not add user, invalid rank or user already exists in userbase.";
+    const char* guarded = "Insufficient permission to send that message.";
+    const Row rows[] = {
+        // The plain and the argument form of a command are apart.
+        {"Op", "ban", ""},
+        {"Op", "ban ", "/ban "},
+        {"Boss", "quit now", ""},
+        {"Op", "dnd", "/dnd"},
+        {"Op", "dnd back soon", "/dnd back soon"},
+        {"Helper", "away", "/away"},
+        {"Helper", "away x", "/away x"},
+        {"Boss", "settle down", ""}, // sounds like a setting, finds no other table
+        // Too low a rank looks like no command at all.
+        {"Helper", "ban someone", ""},
+        {"Op", "ban someone", "/ban someone"},
+        // Ranked users are spared by name; with a reason the whole text is
+        // looked up for a kick, the first word alone for a block.
+        {"Op", "ban guest", "Could not ban that user they are in the database."},
+        {"Op", "k Guest", "Could not kick that user they are in the database."},
+        {"Op", "kick Guest go away", "/kick Guest go away"},
+        {"Op", "block Guest go away", "Could not ignore that user they are in the database."},
+        {"Op", "block Pest#2 noisy",
+         "Added block for Pest, you should not see them chatting anymore."},
+        {"Op", "block Pest", "Block already exists for that user."},
+        {"Op", "unblock Pest#1", "Removed block for Pest, you should see them chatting again."},
+        {"Op", "unblock Pest", "Block does not exist for that user."},
+        // Ranks are given and taken from 70 on, and only below your own.
+        {"Helper", "add pal 5", ""},
+        {"Mod", "add pal 20", "Added pal to the userbase."},
+        {"Op", "add newbie 90", higher},
+        {"Boss", "add newbie 100", higher},
+        {"Op", "add newbie 89", "Added newbie to the userbase."},
+        {"Guest", "find NEWBIE", "newbie has a rank of 89."},
+        {"Op", "add Newbie 20", invalid},
+        {"Op", "add other ten", invalid},
+        {"Op", "add other 0", invalid},
+        {"Op", "add other",
+         "Please include the username you want to add followed by their rank (1-100)."},
+        {"Op", "remove op", "Could not remove user, rank of that user is higher than yours."},
+        {"Op", "remove nobody", "Could not remove user, user not found in userbase."},
+        {"Op", "remove newbie", "Removed newbie from the userbase."},
+        {"Guest", "find newbie", "Could not find that user."},
+        {"Guest", "find helper", "Helper has a rank of 30."},
+        {"Guest", "finduser Sword*HELPER", "Helper has a rank of 30."},
+        // Mail is for rank 20 on.
+        {"Guest", "mail bob hi", ""},
+        {"pal", "mail bob hi", "Added new mail message for bob."},
+        // Below rank 90, SAY sends no guarded server command of more than a word.
+        {"Guest", "say hello there", "hello there"},
+        {"Guest", "say /ban x", guarded},
+        {"Guest", "say /O igpub", guarded},
+        {"Guest", "say /rejoin", "/rejoin"},
+        {"Guest", "say /w bob hi", "/w bob hi"},
+        {"Op", "say /ban x", "/ban x"},
+        // Quotes and definitions by their IDs, in any case.
+        {"Helper", "addquote wit brevity is the soul",
+         "Added new quote, type !getquote wit to view."},
+        {"Helper", "quote WIT again",
+         "Could not add quote, quote with same ID already exists, type !removequote <ID> to "
+         "delete."},
+        {"Helper", "getquote Wit", "Quote: brevity is the soul"},
+        {"Helper", "quote lonely",
+         "Insufficient fields specified for quote format, do !addquote <ID> <quote>."},
+        {"Helper", "randomquote", "brevity is the soul"},
+        {"Helper", "removequote wit", "Removed quote with ID: wit."},
+        {"Helper", "getquote wit", "Could not find quote with that ID."},
+        {"Helper", "define gg good game", "Added new definition, type !getdef gg to view."},
+        {"Helper", "getdef GG", "Definition for GG: good game"},
+        {"Helper", "defs", "Definitions: gg."},
+        {"Helper", "removedef nope", "Could not remove definition with that ID, it doesn't exist."},
+        {"Guest", "define x y", ""},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(std::string(row.speaker) + ": " + row.line);
+        Bots(slot).Queue.clear();
+        const bool handled = run(QLatin1String(row.speaker), QLatin1String(row.line));
+        EXPECT_EQ(Bots(slot).Queue.join(u'\n'), QLatin1String(row.said));
+        EXPECT_EQ(handled, *row.said != '\0');
+    }
+    EXPECT_FALSE(IsBlocked(QStringLiteral("pest")));
 }
 
 TEST_F(CommandWrapperTest, SettingCommandsKeepTheirBounds) {
@@ -170,14 +171,18 @@ TEST_F(CommandWrapperTest, SettingCommandsKeepTheirBounds) {
     };
     const Case cases[] = {
         {"sethome ", "Could not change home channel, invalid length."},
-        {"sethome 0123456789012345678901234567890123",
+        {"sethome 01234567890123456789012345678901",
          "Could not change home channel, invalid length."},
+        {"sethome 0123456789012345678901234567890", "Successfully set new home channel."},
         {"sethome Op Room", "Successfully set new home channel."},
         {"setaccount 0123456789abcdef", "Could not change account, invalid length."},
-        {"setaccount newname", "Successfully set new account."},
+        {"setaccount newname12345678", "Successfully set new account."},
         {"setpassword ", "Could not change password, invalid length."},
+        {"setpassword 0123456789abcdef", "Could not change password, invalid length."},
+        {"setpassword 0123456789abcde", "Successfully set new password."},
         {"settrigger ab", "Could not change trigger, invalid length."},
         {"settrigger ", "Could not change trigger, invalid length."},
+        {"settrigger !", "Successfully set new trigger."},
         {"setserver ", "Could not change BNCS server, please specify server."},
         {"setserverbnls ", "Could not change BNLS server, please specify server."},
         {"setcdkey ", "Could not change cdkey, please specify a cdkey."},
@@ -197,7 +202,8 @@ TEST_F(CommandWrapperTest, SettingCommandsKeepTheirBounds) {
             << c.line;
     ConfigWrapper& config = Bots(slot).Config;
     EXPECT_EQ(config.Channel(), QStringLiteral("Op Room"));
-    EXPECT_EQ(config.Account(), QStringLiteral("newname"));
+    EXPECT_EQ(config.Account(), QStringLiteral("newname12345678"));
+    EXPECT_EQ(config.Password(), QStringLiteral("0123456789abcde"));
     EXPECT_EQ(config.Trigger(), QStringLiteral("!"));
     EXPECT_EQ(config.IdleTime(), 7);
     EXPECT_EQ(config.IdleMsg(), QStringLiteral("back at $time"));
@@ -214,36 +220,6 @@ TEST_F(CommandWrapperTest, SettingCommandsKeepTheirBounds) {
     EXPECT_TRUE(config.IdleMsg().isEmpty());
     // Setting commands are for rank 90.
     EXPECT_FALSE(run(QStringLiteral("Helper"), QStringLiteral("settrigger ?")));
-}
-
-TEST_F(CommandWrapperTest, QuotesAndDefinitionsByTheirIds) {
-    EXPECT_EQ(
-        lastReply(QStringLiteral("Helper"), QStringLiteral("addquote wit brevity is the soul")),
-        QStringLiteral("Added new quote, type !getquote wit to view."));
-    EXPECT_EQ(lastReply(QStringLiteral("Helper"), QStringLiteral("quote WIT again")),
-              QStringLiteral("Could not add quote, quote with same ID already exists, type "
-                             "!removequote <ID> to delete."));
-    EXPECT_EQ(lastReply(QStringLiteral("Helper"), QStringLiteral("getquote Wit")),
-              QStringLiteral("Quote: brevity is the soul"));
-    EXPECT_EQ(lastReply(QStringLiteral("Helper"), QStringLiteral("quote lonely")),
-              QStringLiteral("Insufficient fields specified for quote format, do !addquote <ID> "
-                             "<quote>."));
-    EXPECT_EQ(said(QStringLiteral("Helper"), QStringLiteral("randomquote")),
-              QStringList{"brevity is the soul"});
-    EXPECT_EQ(lastReply(QStringLiteral("Helper"), QStringLiteral("removequote wit")),
-              QStringLiteral("Removed quote with ID: wit."));
-    EXPECT_EQ(lastReply(QStringLiteral("Helper"), QStringLiteral("getquote wit")),
-              QStringLiteral("Could not find quote with that ID."));
-
-    EXPECT_EQ(lastReply(QStringLiteral("Helper"), QStringLiteral("define gg good game")),
-              QStringLiteral("Added new definition, type !getdef gg to view."));
-    EXPECT_EQ(lastReply(QStringLiteral("Helper"), QStringLiteral("getdef GG")),
-              QStringLiteral("Definition for GG: good game"));
-    EXPECT_EQ(lastReply(QStringLiteral("Helper"), QStringLiteral("defs")),
-              QStringLiteral("Definitions: gg."));
-    EXPECT_EQ(lastReply(QStringLiteral("Helper"), QStringLiteral("removedef nope")),
-              QStringLiteral("Could not remove definition with that ID, it doesn't exist."));
-    EXPECT_EQ(lastReply(QStringLiteral("Guest"), QStringLiteral("define x y")), QString());
 }
 
 // (A macro's lines on their way out are the end-to-end commands test's.)
@@ -279,10 +255,8 @@ TEST_F(CommandWrapperTest, ChannelFactsAndTheKeyboardsReplies) {
 
     // From the keyboard, replies stay on screen in yellow and nothing is said.
     bot.Queue.clear();
-    EXPECT_TRUE(CommandWrapper().SearchCommands(slot, {}, QStringLiteral("where"), true));
     EXPECT_TRUE(CommandWrapper().SearchCommands(slot, {}, QStringLiteral("ver"), true));
     EXPECT_TRUE(bot.Queue.isEmpty());
-    EXPECT_TRUE(rtbChat(slot).text().contains(QStringLiteral("Corvantide v")));
     bool yellow = false;
     for (const TextRun& run : rtbChat(slot).runs())
         yellow = yellow || (run.text.contains(QStringLiteral("Corvantide v")) &&
@@ -295,7 +269,8 @@ TEST_F(CommandWrapperTest, ChannelFactsAndTheKeyboardsReplies) {
 namespace {
 
 // Lines as the server delivers them: talk and whispers from the channel.
-TEST_F(CommandWrapperTest, TalkAndWhispersReachTheCommandsMailAndTheTriggerQuestion) {
+// (Strangers' silence and the trigger question are the end-to-end test's.)
+TEST_F(CommandWrapperTest, TalkAndWhispersReachTheCommandsAndTheMail) {
     const auto talk = [&](const char* user, const char* text, quint32 id = 5) {
         Bots(slot).Queue.clear();
         wsBNET(slot).simulateData(
@@ -309,12 +284,7 @@ TEST_F(CommandWrapperTest, TalkAndWhispersReachTheCommandsMailAndTheTriggerQuest
     EXPECT_EQ(talk("Guest", "Xsay up").value(0), QStringLiteral("up"));
     EXPECT_EQ(talk("Guest", "xsay low", 4).value(0), QStringLiteral("low"));
     EXPECT_TRUE(talk("Guest", "Xsay low", 4).isEmpty());
-    EXPECT_TRUE(talk("Stranger", "xsay hi").isEmpty());
     Bots(slot).Config.setTrigger(QStringLiteral("!"));
-
-    EXPECT_EQ(talk("Guest", "?TRIGGER"), QStringList{"Current trigger is: ! (Alt + 33)"});
-    EXPECT_TRUE(talk("Stranger", "?trigger").isEmpty());
-    EXPECT_TRUE(rtbChat(slot).text().contains(QStringLiteral("?trigger")));
 
     // "!readall" is no command, so with trigger "!" it still reaches the mail.
     AddMail(slot, QStringLiteral("guest"), QStringLiteral("see you at nine"));

@@ -1,14 +1,17 @@
 #include "commands/DatabaseWrapper.h"
 
+#include "commands/DatabaseManager.h"
 #include "common/ChatFixture.h"
 #include "platform/ChatDocument.h"
 #include "presentation/ChatWriter.h"
+#include "session/ProfileLifecycle.h"
 
 class DatabaseWrapperTest : public ChatFixture {
 protected:
     void SetUp() override {
         ChatFixture::SetUp();
         killTree(DatabaseWrapper::DatabasesKey());
+        killTree(ProfileLifecycle::ProfilesKey().chopped(1));
         slot = SlotTable::instance().LoadProfile(QStringLiteral("alpha"));
         Bots(slot).setDatabase(QStringLiteral("Main"));
     }
@@ -29,6 +32,11 @@ protected:
         qint32 rank = -1;
         db.GrabRankByIndex(slot, position, user, rank);
         return {user, rank};
+    }
+
+    static int loaded(const QString& profile) {
+        ProfileLifecycle::CreateProfile(profile);
+        return SlotTable::instance().LoadProfile(profile);
     }
 
     DatabaseWrapper db;
@@ -77,13 +85,11 @@ TEST_F(DatabaseWrapperTest, GrabRankMatchesAccountsAndGivesTheStoredSpelling) {
 }
 
 TEST_F(DatabaseWrapperTest, AddUserTakesNewUsersOnlyAndRemoveUserTheExactKey) {
-    EXPECT_FALSE(db.AddUser(slot, "low", 0));
+    // (Rank 0 and an existing user are refused in the ADD command's test.)
     EXPECT_FALSE(db.AddUser(slot, "high", 101));
     EXPECT_EQ(db.Count(slot), 0) << "nothing written";
     EXPECT_TRUE(db.AddUser(slot, "Top", 100));
     EXPECT_TRUE(db.AddUser(slot, "Bob", 10));
-    EXPECT_FALSE(db.AddUser(slot, "BOB", 50));
-    EXPECT_EQ(grab("bob"), Found("Bob", 10)) << "an existing user keeps the rank";
     store("Ghost", 0);
     EXPECT_TRUE(db.AddUser(slot, "ghost", 5)) << "a key without rank is no user";
     EXPECT_EQ(grab("ghost"), Found("Ghost", 5));
@@ -109,4 +115,60 @@ TEST_F(DatabaseWrapperTest, CountIsTheHighestPositionOfGrabRankByIndex) {
     EXPECT_EQ(db.Count(slot), 2);
     EXPECT_EQ(grabAt(1), Found("Bob", 20));
     EXPECT_EQ(grabAt(2), Found("", 0)) << "a key without rank";
+}
+
+// (The panel's and the terminal's ways through the manager, with a loaded
+// profile that sees a rank at once, are the control panel's and the verbs'
+// tests.)
+TEST_F(DatabaseWrapperTest, ManagerNamesAndRanksOutsideTheRulesAreRefused) {
+    using namespace DatabaseManager;
+    EXPECT_FALSE(CreateDatabase(QStringLiteral("a\\b")).ok);
+    ASSERT_TRUE(CreateDatabase(QStringLiteral("Main")).ok);
+    EXPECT_TRUE(CreateDatabase(QStringLiteral("main")).existed);
+    EXPECT_EQ(ListDatabases(), QStringList{QStringLiteral("Main")});
+
+    EXPECT_EQ(SetUserRank({}, QStringLiteral("bob"), 10).warning,
+              QStringLiteral("You must select a database profile!"));
+    for (qint32 wrong : {0, 101})
+        EXPECT_EQ(SetUserRank(QStringLiteral("Main"), QStringLiteral("bob"), wrong).warning,
+                  QStringLiteral("Flags value must be between 1 - 100!"));
+    EXPECT_FALSE(SetUserRank(QStringLiteral("Gone"), QStringLiteral("bob"), 10).ok);
+    ASSERT_TRUE(SetUserRank(QStringLiteral("Main"), QStringLiteral("Bob"), 1).ok);
+    EXPECT_FALSE(DeleteUser(QStringLiteral("Main"), QStringLiteral("nobody")).ok);
+    EXPECT_TRUE(DeleteUser(QStringLiteral("main"), QStringLiteral("Bob")).ok);
+    EXPECT_TRUE(ListUsers(QStringLiteral("Main")).isEmpty());
+}
+
+// A binding reaches profiles that are only stored, and a release or a
+// deletion takes away only the binding it names.
+TEST_F(DatabaseWrapperTest, ManagerBindingsReachStoredProfilesAndGoOnlyWithTheirDatabase) {
+    using namespace DatabaseManager;
+    ProfileLifecycle::CreateProfile(QStringLiteral("resting"));
+    const int live = loaded(QStringLiteral("live"));
+    const int other = loaded(QStringLiteral("other"));
+    CreateDatabase(QStringLiteral("Doomed"));
+    CreateDatabase(QStringLiteral("Kept"));
+    SetUserRank(QStringLiteral("Doomed"), QStringLiteral("alice"), 50);
+
+    EXPECT_FALSE(BindDatabase(QStringLiteral("nobody"), QStringLiteral("Kept")).ok);
+    EXPECT_FALSE(BindDatabase(QStringLiteral("resting"), QStringLiteral("missing")).ok);
+    ASSERT_TRUE(BindDatabase(QStringLiteral("resting"), QStringLiteral("doomed")).ok);
+    EXPECT_EQ(BoundDatabase(QStringLiteral("resting")), QStringLiteral("Doomed"));
+    ASSERT_TRUE(BindDatabase(QStringLiteral("LIVE"), QStringLiteral("Doomed")).ok);
+    ASSERT_TRUE(BindDatabase(QStringLiteral("other"), QStringLiteral("Kept")).ok);
+
+    EXPECT_TRUE(ReleaseDatabase(QStringLiteral("live"), QStringLiteral("Kept")).ok);
+    EXPECT_EQ(Bots(live).Database(), QStringLiteral("Doomed")) << "bound elsewhere: untouched";
+
+    EXPECT_FALSE(DeleteDatabase(QStringLiteral("never")).ok);
+    ASSERT_TRUE(DeleteDatabase(QStringLiteral("doomed")).ok);
+    EXPECT_EQ(ListDatabases(), QStringList{QStringLiteral("Kept")});
+    EXPECT_TRUE(BoundDatabase(QStringLiteral("resting")).isEmpty());
+    EXPECT_TRUE(Bots(live).Database().isEmpty());
+    EXPECT_EQ(Bots(other).Database(), QStringLiteral("Kept"));
+    EXPECT_TRUE(ReleaseDatabase(QStringLiteral("other"), QStringLiteral("kept")).ok);
+    EXPECT_TRUE(Bots(other).Database().isEmpty());
+    // Made again, it starts empty: the old users went with it.
+    CreateDatabase(QStringLiteral("Doomed"));
+    EXPECT_TRUE(ListUsers(QStringLiteral("Doomed")).isEmpty());
 }

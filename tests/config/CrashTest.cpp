@@ -12,49 +12,28 @@
 
 namespace {
 
-QString keyOf(int n) {
-    return QStringLiteral("HKCU\\Software\\Crash\\K%1").arg(n % 37);
-}
-
-QString renamedOf(int n) {
-    return QStringLiteral("R%1").arg(n);
-}
-
 const QString kCrashKey = QStringLiteral("HKCU\\Software\\Crash");
 constexpr char kWriterFile[] = "CORVANTIDE_STORE_WRITER";
 constexpr char kWriterFirst[] = "CORVANTIDE_STORE_WRITER_FIRST";
 
-// Write n: a string, a dword, or a key made, filled and renamed. False when
+QString newKey(int n) {
+    return kCrashKey + QStringLiteral("\\New%1").arg(n);
+}
+
+// Write n: a key made, given a string and a dword, and renamed. False when
 // the store refused it.
 bool write(RegistryWrapper& store, int n) {
-    const QString name = QStringLiteral("V%1").arg(n);
-    switch (n % 3) {
-    case 0:
-        return store.WriteSTRING(keyOf(n), name, QStringLiteral("text %1").arg(n)) != 0;
-    case 1:
-        return store.WriteDWORD(keyOf(n), name, n) != 0;
-    default:
-        return store.WriteSTRING(kCrashKey + QStringLiteral("\\New%1").arg(n), name, name) != 0 &&
-               store.RenameKey(kCrashKey, QStringLiteral("New%1").arg(n), renamedOf(n));
-    }
+    const QString key = newKey(n);
+    return store.WriteSTRING(key, QStringLiteral("Text"), QStringLiteral("text %1").arg(n)) != 0 &&
+           store.WriteDWORD(key, QStringLiteral("Number"), n) != 0 &&
+           store.RenameKey(kCrashKey, QStringLiteral("New%1").arg(n), QStringLiteral("R%1").arg(n));
 }
 
 ::testing::AssertionResult readsBack(RegistryWrapper& store, int n) {
-    const QString name = QStringLiteral("V%1").arg(n);
-    bool ok = true;
-    switch (n % 3) {
-    case 0:
-        ok = store.ReadSTRING(keyOf(n), name) == QStringLiteral("text %1").arg(n);
-        break;
-    case 1:
-        ok = store.ReadDWORD(keyOf(n), name, -1) == n;
-        break;
-    default:
-        ok = store.ReadSTRING(kCrashKey + u'\\' + renamedOf(n), name) == name &&
-             !store.KeyExists(kCrashKey + QStringLiteral("\\New%1").arg(n));
-        break;
-    }
-    if (ok) return ::testing::AssertionSuccess();
+    const QString renamed = kCrashKey + QStringLiteral("\\R%1").arg(n);
+    if (store.ReadSTRING(renamed, QStringLiteral("Text")) == QStringLiteral("text %1").arg(n) &&
+        store.ReadDWORD(renamed, QStringLiteral("Number"), -1) == n && !store.KeyExists(newKey(n)))
+        return ::testing::AssertionSuccess();
     return ::testing::AssertionFailure() << "write " << n << " was reported done but is lost";
 }
 

@@ -2,6 +2,7 @@
 #include "config/ConfigWrapper.h"
 #include "config/Folders.h"
 #include "config/RegistryWrapper.h"
+#include "config/SettingLimits.h"
 #include "config/SettingsWrapper.h"
 
 #include <QCoreApplication>
@@ -46,7 +47,6 @@ TEST_F(Settings, DefaultsOfAnEmptyStore) {
     EXPECT_EQ(settings_.ListFont(), QStringLiteral("Tahoma"));
     EXPECT_EQ(settings_.TextSize(), 10);
     EXPECT_EQ(settings_.MediaPlayer(), QStringLiteral("Winamp"));
-    EXPECT_EQ(settings_.ThemeID(), QStringLiteral("Default.theme"));
     EXPECT_EQ(settings_.ThemeFile(), QStringLiteral("Default"));
     EXPECT_FALSE(settings_.WindowsStartup());
     EXPECT_FALSE(store_.KeyExists(SettingsWrapper::SettingsKey())) << "a get writes nothing";
@@ -172,19 +172,6 @@ TEST_F(Settings, StartupWritesSettingsBack) {
               GetProgramFolder());
 
     settings_.WriteBackStartupSettings();
-    QStringList names, values;
-    store_.EnumValues(SettingsWrapper::SettingsKey(), names, values);
-    EXPECT_EQ(names,
-              (QStringList{QStringLiteral("FloodMode"),     QStringLiteral("AutoCQ"),
-                           QStringLiteral("MediaPlayer"),   QStringLiteral("Locked"),
-                           QStringLiteral("HideBanUnban"),  QStringLiteral("Tray"),
-                           QStringLiteral("HideJoinLeave"), QStringLiteral("HideOfflineFriends"),
-                           QStringLiteral("Tabbed"),        QStringLiteral("Encryption"),
-                           QStringLiteral("Decryption"),    QStringLiteral("DecodeUTF8"),
-                           QStringLiteral("VoidView"),      QStringLiteral("HideChars"),
-                           QStringLiteral("WhisperPanel"),  QStringLiteral("IconDisp"),
-                           QStringLiteral("TimeStamp"),     QStringLiteral("ColorDisp"),
-                           QStringLiteral("HideEmote"),     QStringLiteral("HidePresent")}));
     EXPECT_EQ(storedDword("FloodMode"), 1000) << "the range holds in the store after start";
     EXPECT_EQ(storedDword("Tray"), 1);
     EXPECT_EQ(storedDword("HideBanUnban"), 0);
@@ -233,6 +220,24 @@ TEST(Profile, ValuesLiveInTheProfilesKey) {
     EXPECT_TRUE(store.ValueExists(key, QStringLiteral("Channels5")));
     config.setChannels(5, QStringLiteral("Home"));
     EXPECT_EQ(config.Channels(5), QStringLiteral("Home"));
+}
+
+} // namespace
+
+namespace {
+
+// The choices the terminal offers and holds a value to.
+TEST(SettingLimits, EachLimitedValueHasItsChoices) {
+    const std::pair<QStringList, QList<qint32>> limits[] = {
+        {{"Settings", "FloodMode"}, {0, 500, 1000, 2000}},
+        {{"Settings", "Transparency"}, {20, 40, 60, 80, 100}},
+        {{"Settings", "ColorDisp"}, {0, 1, 2}},
+        {{"Settings", "IconDisp"}, {0, 1, 2}},
+        {{"Profiles\\Main", "PingSpoof"}, {0, 1, 2, 3, 4}},
+        {{"Settings", "ChatSize"}, {}},
+    };
+    for (const auto& [value, choices] : limits)
+        EXPECT_EQ(SettingLimits::Choices(value[0], value[1]), choices) << value[1].toStdString();
 }
 
 } // namespace

@@ -2,7 +2,6 @@
 #include "WindowFixture.h"
 #include "commands/AliasGroupEditor.h"
 #include "commands/AliasesAndGroups.h"
-#include "commands/BlocksAndFilters.h"
 #include "commands/DatabaseManager.h"
 #include "commands/DatabaseWrapper.h"
 #include "config/Folders.h"
@@ -29,7 +28,6 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRegularExpression>
-#include <QTest>
 #include <QTreeWidget>
 
 namespace {
@@ -200,54 +198,6 @@ TEST_F(ControlPanelPagesTest, SavedAliasesAndGroupsShowAtOnceInTheUserLists) {
     EXPECT_TRUE(AliasGroupEditor::GroupNames().isEmpty());
     EXPECT_TRUE(groups.selectedName().isEmpty());
 }
-
-TEST_F(ControlPanelPagesTest, TheUserListBlocksRenamesAndOpensTheEditors) {
-    const int slot = onlineSlot(QStringLiteral("Watcher"));
-    SlotTable::instance().SelectBot(slot);
-    event(slot, 1, QStringLiteral("bob"), QStringLiteral("RATS 0 0 0"));
-    UserListView* list = window->userList();
-    list->setCurrentIndex(list->model()->index(0, 0));
-    const auto action = [list](const char* name) {
-        return list->contextMenu()->findChild<QAction*>(QLatin1String(name));
-    };
-
-    ASSERT_EQ(action("mnuBlockUser")->text(), QStringLiteral("Block"));
-    action("mnuBlockUser")->trigger();
-    EXPECT_TRUE(IsBlocked(QStringLiteral("bob")));
-    ASSERT_EQ(action("mnuBlockUser")->text(), QStringLiteral("Unblock"));
-    action("mnuBlockUser")->trigger();
-    EXPECT_FALSE(IsBlocked(QStringLiteral("bob")));
-
-    QList<int> rows;
-    QObject::connect(window.get(), &frmBot::controlPanelRequested,
-                     [&rows](int row) { rows << row; });
-    action("mnuEditAliases")->trigger();
-    action("mnuEditGroups")->trigger();
-    EXPECT_EQ(rows, (QList<int>{11, 15}));
-
-    // F2 edits the name in place; a backslash is refused and changes nothing.
-    QTest::keyClick(list, Qt::Key_F2);
-    auto* editor = list->findChild<QLineEdit*>(QStringLiteral("lvUsersLabelEdit"));
-    ASSERT_NE(editor, nullptr);
-    editor->setText(QStringLiteral("a\\b"));
-    QTest::keyClick(editor, Qt::Key_Return);
-    EXPECT_TRUE(rtbChat(slot).text().contains("Name cannot contain backslashes."));
-    EXPECT_TRUE(AliasGroupEditor::AliasNames().isEmpty());
-
-    // A click on the chosen name opens the editor once no double click came.
-    const QPoint name = list->visualRect(list->model()->index(0, 0)).center();
-    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, name);
-    QTRY_VERIFY(list->findChild<QLineEdit*>(QStringLiteral("lvUsersLabelEdit")));
-    auto* second = list->findChild<QLineEdit*>(QStringLiteral("lvUsersLabelEdit"));
-    second->setText(QStringLiteral("Buddy"));
-    QTest::keyClick(second, Qt::Key_Return);
-    EXPECT_EQ(FindAlias(QStringLiteral("bob")), QStringLiteral("Buddy"));
-    EXPECT_EQ(list->model()->index(0, 0).data().toString(), QStringLiteral("Buddy"));
-}
-
-} // namespace
-
-namespace {
 
 // A plug-in that answers the members the Plugins page calls and notes them.
 class NotingPlugin : public PluginObject {

@@ -1,10 +1,13 @@
 #include "WindowFixture.h"
+#include "commands/AliasGroupEditor.h"
 #include "commands/AliasesAndGroups.h"
+#include "commands/BlocksAndFilters.h"
 #include "gui/SendBox.h"
 #include "gui/UserListView.h"
 #include "platform/ListModel.h"
 
 #include <QClipboard>
+#include <QLineEdit>
 #include <QMenu>
 #include <QTest>
 #include <QToolTip>
@@ -28,12 +31,6 @@ protected:
         return names;
     }
     void select(int row) { list->setCurrentIndex(list->model()->index(row, 0)); }
-    QAction* menuAction(QMenu* menu, const QString& name) {
-        for (QAction* action : menu->actions()) {
-            if (action->objectName() == name) return action;
-        }
-        return nullptr;
-    }
     int slot = 0;
     UserListView* list = nullptr;
 };
@@ -70,15 +67,15 @@ TEST_F(UserListTest, KeysAndTheContextMenuActOnTheSelectedUser) {
     select(0);
     QMenu* menu = list->contextMenu();
     ASSERT_NE(menu, nullptr);
-    EXPECT_EQ(menu->defaultAction(), menuAction(menu, QStringLiteral("mnuWhisperUser")));
-    EXPECT_EQ(menuAction(menu, QStringLiteral("mnuSquelchUser"))->text(),
+    EXPECT_EQ(menu->defaultAction(), menu->findChild<QAction*>(QStringLiteral("mnuWhisperUser")));
+    EXPECT_EQ(menu->findChild<QAction*>(QStringLiteral("mnuSquelchUser"))->text(),
               QStringLiteral("Squelch"));
-    menuAction(menu, QStringLiteral("mnuBanUser"))->trigger();
+    menu->findChild<QAction*>(QStringLiteral("mnuBanUser"))->trigger();
     EXPECT_EQ(Bots(slot).Queue, QStringList{QStringLiteral("/ban loud")});
 
     select(1);
     menu = list->contextMenu();
-    QAction* squelch = menuAction(menu, QStringLiteral("mnuSquelchUser"));
+    QAction* squelch = menu->findChild<QAction*>(QStringLiteral("mnuSquelchUser"));
     EXPECT_EQ(squelch->text(), QStringLiteral("Unsquelch"));
     squelch->trigger();
     QMenu* stats = menu->findChild<QMenu*>(QStringLiteral("mnuStatsUser"));
@@ -148,16 +145,34 @@ TEST_F(UserListTest, TheTooltipIsBuiltOncePerItemUnderThePointer) {
     EXPECT_FALSE(QToolTip::isVisible());
 }
 
-TEST_F(UserListTest, AliasAndGroupMenusMoveTheUser) {
+// The menu blocks the user and opens the editors; its alias and group rows
+// and an edit of the name in place move the user between aliases and groups.
+TEST_F(UserListTest, TheMenuAndAnEditInPlaceMoveTheUser) {
     CreateAlias(QStringLiteral("Crew"), {QString()});
     CreateGroup(QStringLiteral("Staff"), {QString()}, 0xFFFFFF, QStringLiteral("Staff"));
     event(slot, 1, QStringLiteral("bob"), QStringLiteral("RATS 0 0 0"));
     select(0);
+    const auto action = [this](const char* name) {
+        return list->contextMenu()->findChild<QAction*>(QLatin1String(name));
+    };
+    ASSERT_EQ(action("mnuBlockUser")->text(), QStringLiteral("Block"));
+    action("mnuBlockUser")->trigger();
+    EXPECT_TRUE(IsBlocked(QStringLiteral("bob")));
+    ASSERT_EQ(action("mnuBlockUser")->text(), QStringLiteral("Unblock"));
+    action("mnuBlockUser")->trigger();
+    EXPECT_FALSE(IsBlocked(QStringLiteral("bob")));
+    QList<int> rows;
+    QObject::connect(window.get(), &frmBot::controlPanelRequested,
+                     [&rows](int row) { rows << row; });
+    action("mnuEditAliases")->trigger();
+    action("mnuEditGroups")->trigger();
+    EXPECT_EQ(rows, (QList<int>{11, 15}));
+
     QMenu* alias = list->contextMenu()->findChild<QMenu*>(QStringLiteral("mnuAlias"));
     ASSERT_NE(alias, nullptr);
     QAction* crew = nullptr;
-    for (QAction* action : alias->actions())
-        crew = action->text() == QLatin1String("Crew") ? action : crew;
+    for (QAction* row : alias->actions())
+        crew = row->text() == QLatin1String("Crew") ? row : crew;
     ASSERT_NE(crew, nullptr);
     crew->trigger();
     EXPECT_EQ(FindAlias(QStringLiteral("bob")), QStringLiteral("Crew"));
@@ -170,12 +185,29 @@ TEST_F(UserListTest, AliasAndGroupMenusMoveTheUser) {
     EXPECT_EQ(FindGroup(QStringLiteral("bob")), QStringLiteral("Staff"));
 
     select(0);
-    menuAction(list->contextMenu()->findChild<QMenu*>(QStringLiteral("mnuAlias")),
-               QStringLiteral("mnuNoAlias"))
-        ->trigger();
+    action("mnuNoAlias")->trigger();
     EXPECT_TRUE(FindAlias(QStringLiteral("bob")).isEmpty());
     EXPECT_EQ(shownNames(), QStringList{QStringLiteral("bob")});
-    DeleteAlias(QStringLiteral("Crew"));
+
+    // F2 edits the name in place; a backslash is refused and changes nothing.
+    QTest::keyClick(list, Qt::Key_F2);
+    auto* editor = list->findChild<QLineEdit*>(QStringLiteral("lvUsersLabelEdit"));
+    ASSERT_NE(editor, nullptr);
+    editor->setText(QStringLiteral("a\\b"));
+    QTest::keyClick(editor, Qt::Key_Return);
+    EXPECT_TRUE(rtbChat(slot).text().contains("Name cannot contain backslashes."));
+    EXPECT_EQ(AliasGroupEditor::AliasNames(), QStringList{QStringLiteral("Crew")});
+    // A click on the chosen name opens the editor once no double click came.
+    const QPoint name = list->visualRect(list->model()->index(0, 0)).center();
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, name);
+    QTRY_VERIFY(list->findChild<QLineEdit*>(QStringLiteral("lvUsersLabelEdit")));
+    auto* second = list->findChild<QLineEdit*>(QStringLiteral("lvUsersLabelEdit"));
+    second->setText(QStringLiteral("Buddy"));
+    QTest::keyClick(second, Qt::Key_Return);
+    EXPECT_EQ(FindAlias(QStringLiteral("bob")), QStringLiteral("Buddy"));
+    EXPECT_EQ(shownNames(), QStringList{QStringLiteral("Buddy")});
+    for (const char* made : {"Crew", "Buddy"})
+        DeleteAlias(QLatin1String(made));
     DeleteGroup(QStringLiteral("Staff"));
 }
 

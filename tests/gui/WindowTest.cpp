@@ -105,7 +105,9 @@ TEST_F(WindowTest, TabPicturesAndTooltipsFollowTheSlots) {
     EXPECT_TRUE(tabs().guiCloseTab()->isHidden());
 }
 
-TEST_F(WindowTest, ConnectMenusAreGuardedOnTheConsole) {
+// The Bot menu acts on the profile on screen: on the console it refuses,
+// and Clear leaves the console alone.
+TEST_F(WindowTest, TheBotMenuActsOnTheProfileOnScreenOnly) {
     SlotTable::instance().SelectBot(0);
     window->mnuConnect()->trigger();
     EXPECT_TRUE(console().contains(
@@ -116,9 +118,18 @@ TEST_F(WindowTest, ConnectMenusAreGuardedOnTheConsole) {
     EXPECT_EQ(wsBNLS(0).State(), SocketControl::Closed);
     EXPECT_EQ(wsBNET(0).State(), SocketControl::Closed);
 
-    // On a profile the same menus act.
     const int slot = onlineSlot(QStringLiteral("Actor"));
+    rtbWhisper(slot).append(u"whispered\r\n", CharFormat{});
     SlotTable::instance().SelectBot(slot);
+    ASSERT_FALSE(rtbChat(slot).isEmpty());
+    const QString consoleBefore = console();
+    window->mnuClear()->trigger();
+    EXPECT_TRUE(rtbChat(slot).isEmpty());
+    EXPECT_TRUE(rtbWhisper(slot).isEmpty());
+    window->chatView(slot)->flush();
+    EXPECT_TRUE(window->chatView(slot)->toPlainText().isEmpty());
+    EXPECT_EQ(console(), consoleBefore);
+
     EXPECT_EQ(window->mnuConnect()->text(), QStringLiteral("Reconnect"));
     window->mnuDisconnect()->trigger();
     EXPECT_FALSE(Bots(slot).Online());
@@ -150,20 +161,6 @@ TEST_F(WindowTest, TheListHeadingNamesTheChosenList) {
     window->SelectList();
     EXPECT_EQ(window->SelectedList, QStringLiteral("Users"));
     EXPECT_EQ(window->lblList()->text(), QStringLiteral(" -- Town (2) -- "));
-}
-
-TEST_F(WindowTest, ClearEmptiesTheViewsOfTheActiveSlotOnly) {
-    const int slot = onlineSlot(QStringLiteral("Chatty"));
-    rtbWhisper(slot).append(u"whispered\r\n", CharFormat{});
-    SlotTable::instance().SelectBot(slot);
-    ASSERT_FALSE(rtbChat(slot).isEmpty());
-    const QString consoleBefore = console();
-    window->mnuClear()->trigger();
-    EXPECT_TRUE(rtbChat(slot).isEmpty());
-    EXPECT_TRUE(rtbWhisper(slot).isEmpty());
-    window->chatView(slot)->flush();
-    EXPECT_TRUE(window->chatView(slot)->toPlainText().isEmpty());
-    EXPECT_EQ(console(), consoleBefore);
 }
 
 TEST_F(WindowTest, StoredProfilesThatAreNotLoadedCanBeLoadedFromTheAddMenu) {

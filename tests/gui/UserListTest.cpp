@@ -70,8 +70,9 @@ TEST_F(UserListTest, KeysAndTheContextMenuActOnTheSelectedUser) {
     EXPECT_EQ(menu->defaultAction(), menu->findChild<QAction*>(QStringLiteral("mnuWhisperUser")));
     EXPECT_EQ(menu->findChild<QAction*>(QStringLiteral("mnuSquelchUser"))->text(),
               QStringLiteral("Squelch"));
-    menu->findChild<QAction*>(QStringLiteral("mnuBanUser"))->trigger();
-    EXPECT_EQ(Bots(slot).Queue, QStringList{QStringLiteral("/ban loud")});
+    for (const char* row : {"mnuBanUser", "mnuDesignateUser", "mnuWhois"})
+        menu->findChild<QAction*>(QLatin1String(row))->trigger();
+    EXPECT_EQ(Bots(slot).Queue, (QStringList{"/ban loud", "/designate loud", "/whois loud"}));
 
     select(1);
     menu = list->contextMenu();
@@ -85,7 +86,8 @@ TEST_F(UserListTest, KeysAndTheContextMenuActOnTheSelectedUser) {
     // The menu's lines take the keyboard's road, so the bot's own UNSQUELCH
     // command is what sends the second.
     EXPECT_EQ(Bots(slot).Queue,
-              (QStringList{"/ban loud", "/unignore hushed", "/stats hushed WAR3"}));
+              (QStringList{"/ban loud", "/designate loud", "/whois loud", "/unignore hushed",
+                           "/stats hushed WAR3"}));
     menu->defaultAction()->trigger();
     EXPECT_EQ(window->cboSend()->currentText(), QStringLiteral("/w hushed "));
 

@@ -5,6 +5,7 @@
 #include "gui/ProfileTabBar.h"
 #include "presentation/Theme.h"
 
+#include <QInputDialog>
 #include <QLabel>
 #include <QMenu>
 #include <QTest>
@@ -92,6 +93,12 @@ TEST_F(WindowTest, TabPicturesAndTooltipsFollowTheSlots) {
     EXPECT_EQ(tabs().tabPicture({}), IconPainter::TabOffline);
     EXPECT_FALSE(Bots(online).IsActive);
     EXPECT_FALSE(tabs().guiCloseTab()->isHidden());
+    // The rows of its menu act on it.
+    for (QAction* row : window->mnuProfileClick()->actions()) {
+        if (row->text() == u"Always Load" || row->text() == u"Disconnect") row->trigger();
+    }
+    EXPECT_TRUE(Bots(online).Config.StartupLoad());
+    EXPECT_TRUE(rtbChat(online).text().contains(QStringLiteral("[Connections Closed]")));
 
     // The close button unloads the active profile; the first one left comes
     // on screen, and with the last one gone the console.
@@ -140,6 +147,36 @@ TEST_F(WindowTest, TheBotMenuActsOnTheProfileOnScreenOnly) {
     EXPECT_EQ(window->mnuConnect()->text(), QStringLiteral("Connect"));
     EXPECT_EQ(window->lblStatus()->text(), QStringLiteral("Disconnected!"));
     EXPECT_EQ(window->windowTitle(), TimedEvents::instance().Caption());
+}
+
+// The Request rows keep each answer where the logon reads it.
+TEST_F(WindowTest, TheRequestRowsKeepEachAnswerInItsPlace) {
+    const int slot = onlineSlot(QStringLiteral("Asker"));
+    SlotTable::instance().SelectBot(slot);
+    const auto ask = [this](const QString& row, const QStringList& answers) {
+        for (QAction* action : window->findChild<QMenu*>(QStringLiteral("mnuRequest"))->actions())
+            if (action->text() == row) action->trigger();
+        for (const QString& answer : answers) {
+            QInputDialog* box = nullptr;
+            for (QInputDialog* shown : window->findChildren<QInputDialog*>())
+                box = shown->isVisible() ? shown : box;
+            ASSERT_NE(box, nullptr) << row.toStdString();
+            box->setTextValue(answer);
+            box->accept();
+        }
+    };
+    BotElement& bot = Bots(slot);
+    ask(QStringLiteral("Change E-mail"), {"old@mail", "new@mail"});
+    EXPECT_EQ(bot.RegisterEmail, QStringLiteral("old@mail"));
+    EXPECT_EQ(bot.NewEmail, QStringLiteral("new@mail"));
+    EXPECT_TRUE(bot.ChangeEmail);
+    ask(QStringLiteral("Change Password"), {"oldpass", "newpass"});
+    EXPECT_EQ(bot.Config.Password(), QStringLiteral("oldpass"));
+    EXPECT_EQ(bot.NewPassword, QStringLiteral("newpass"));
+    EXPECT_TRUE(bot.ChangePassword);
+    ask(QStringLiteral("Forgot Password"), {"me@mail"});
+    EXPECT_EQ(bot.RegisterEmail, QStringLiteral("me@mail"));
+    EXPECT_TRUE(bot.ForgotPassword);
 }
 
 TEST_F(WindowTest, TheListHeadingNamesTheChosenList) {

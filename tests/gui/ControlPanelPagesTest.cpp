@@ -91,6 +91,7 @@ protected:
     }
 };
 
+// (The manager's other refusals are the database manager test's.)
 TEST_F(ControlPanelPagesTest, DatabasesAreMadeBoundToTickedProfilesAndGiveRanks) {
     const int first = profile(QStringLiteral("first"));
     const int second = profile(QStringLiteral("second"));
@@ -106,9 +107,6 @@ TEST_F(ControlPanelPagesTest, DatabasesAreMadeBoundToTickedProfilesAndGiveRanks)
               QStringLiteral("There are no database profiles created!"));
 
     auto* databases = part<QListWidget>(&page, "h3cDatabase");
-    EXPECT_EQ(clickAndType(&page, "h3cNew", QString()),
-              QStringLiteral("You must enter a name for the database!"));
-    EXPECT_EQ(databases->count(), 0);
     clickAndType(&page, "h3cNew", QStringLiteral("Other"));
     clickAndType(&page, "h3cNew", QStringLiteral("Main"));
     ASSERT_EQ(page.selectedDatabase(), QStringLiteral("Main"));
@@ -129,10 +127,7 @@ TEST_F(ControlPanelPagesTest, DatabasesAreMadeBoundToTickedProfilesAndGiveRanks)
     flags->setText(QStringLiteral("abc"));
     EXPECT_EQ(warningOf(&page, "h3cAddUser"),
               QStringLiteral("Flags value must be between 1 - 100!"));
-    username->clear();
     flags->setText(QStringLiteral("100"));
-    EXPECT_EQ(warningOf(&page, "h3cAddUser"), QStringLiteral("You must enter a username!"));
-    username->setText(QStringLiteral("bob"));
     EXPECT_EQ(warningOf(&page, "h3cAddUser"), QString());
     auto* users = part<QTreeWidget>(&page, "h3cUsers");
     ASSERT_EQ(users->topLevelItemCount(), 1);

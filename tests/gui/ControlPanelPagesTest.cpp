@@ -127,7 +127,10 @@ TEST_F(ControlPanelPagesTest, DatabasesAreMadeBoundToTickedProfilesAndGiveRanks)
     flags->setText(QStringLiteral("abc"));
     EXPECT_EQ(warningOf(&page, "h3cAddUser"),
               QStringLiteral("Flags value must be between 1 - 100!"));
+    username->clear();
     flags->setText(QStringLiteral("100"));
+    EXPECT_EQ(warningOf(&page, "h3cAddUser"), QStringLiteral("You must enter a username!"));
+    username->setText(QStringLiteral("bob"));
     EXPECT_EQ(warningOf(&page, "h3cAddUser"), QString());
     auto* users = part<QTreeWidget>(&page, "h3cUsers");
     ASSERT_EQ(users->topLevelItemCount(), 1);

@@ -12,6 +12,7 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QStackedWidget>
+#include <QToolButton>
 
 namespace {
 
@@ -95,6 +96,12 @@ TEST_F(ClanFormsTest, TheClanListAndPanelOfferWhatTheOwnRankAllows) {
     const auto enabled = [&](const char* name) {
         return window->findChild<QWidget*>(QLatin1String(name))->isEnabled();
     };
+    // The packet a button of the panel sends.
+    const auto click = [&](const char* name) {
+        wsBNET(slot).sent.clear();
+        window->findChild<QToolButton*>(QLatin1String(name))->click();
+        return wsBNET(slot).sent.value(0).mid(1, 1);
+    };
     EXPECT_EQ(offered(QStringLiteral("Boss")), QString());
     EXPECT_EQ(offered(QStringLiteral("Sham")), QString());
     EXPECT_EQ(offered(QStringLiteral("Greta")), QStringLiteral("Demote to Peon|Remove from clan"));
@@ -104,6 +111,7 @@ TEST_F(ClanFormsTest, TheClanListAndPanelOfferWhatTheOwnRankAllows) {
     EXPECT_TRUE(enabled("guiLeaveClan"));
     EXPECT_FALSE(enabled("guiDisbandClan"));
     EXPECT_FALSE(enabled("guiChangeChieftain"));
+    EXPECT_EQ(click("guiLeaveClan"), QByteArray("\x78"));
 
     PacketWriter chieftain;
     chieftain.WriteSTRING(QStringLiteral("SHAM"));
@@ -115,6 +123,7 @@ TEST_F(ClanFormsTest, TheClanListAndPanelOfferWhatTheOwnRankAllows) {
               QStringLiteral("Promote to Shaman|Demote to Peon|Remove from clan"));
     EXPECT_TRUE(enabled("guiDisbandClan"));
     EXPECT_FALSE(enabled("guiLeaveClan"));
+    EXPECT_EQ(click("guiDisbandClan"), QByteArray("\x73"));
     wsBNET(slot).sent.clear();
     offered(QStringLiteral("Pete"));
     list->contextMenu()->actions().at(0)->trigger();

@@ -64,6 +64,10 @@ TEST_F(SendBoxTest, EnterQueuesWhatWasTypedAndTheArrowsWalkTheHistory) {
     QTest::keyClick(edit, Qt::Key_Up);
     QTest::keyClick(edit, Qt::Key_Up);
     EXPECT_EQ(box->currentText(), QStringLiteral("Audit"));
+    QTest::keyClick(edit, Qt::Key_Up);
+    QTest::keyClick(edit, Qt::Key_Up);
+    EXPECT_EQ(box->currentText(), QStringLiteral("Audit test line one")) << "the oldest stays";
+    QTest::keyClick(edit, Qt::Key_Down);
     QTest::keyClick(edit, Qt::Key_Down);
     EXPECT_EQ(box->currentText(), QStringLiteral("/p Istmir"));
     QTest::keyClick(edit, Qt::Key_Down);

@@ -216,7 +216,7 @@ TEST_F(WindowTest, StoredProfilesThatAreNotLoadedCanBeLoadedFromTheAddMenu) {
         EXPECT_NE(action->text(), QStringLiteral("Stored"));
 }
 
-TEST_F(WindowTest, TheWhisperPanelAndSidebarFollowTheirSettings) {
+TEST_F(WindowTest, TheWhisperPanelSidebarAndLockFollowTheirSettings) {
     const int slot = onlineSlot(QStringLiteral("Panels"));
     SlotTable::instance().SelectBot(slot);
     EXPECT_FALSE(window->whisperView(slot)->isVisible());
@@ -228,6 +228,9 @@ TEST_F(WindowTest, TheWhisperPanelAndSidebarFollowTheirSettings) {
     EXPECT_FALSE(window->sidebar()->isVisible());
     window->guiToolbar(5);
     EXPECT_TRUE(window->sidebar()->isVisible());
+    for (QAction* row : window->findChild<QMenu*>(QStringLiteral("mnuWindow"))->actions())
+        if (row->text() == u"Locked") row->trigger();
+    EXPECT_TRUE(SettingsWrapper::instance().Locked());
     window->resize(100, 100);
     EXPECT_GE(window->width(), frmBot::kMinimumSize.width());
     EXPECT_GE(window->height(), frmBot::kMinimumSize.height());

@@ -7,6 +7,7 @@
 
 #include <QInputDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
 #include <QTest>
 #include <QToolButton>
@@ -177,6 +178,30 @@ TEST_F(WindowTest, TheRequestRowsKeepEachAnswerInItsPlace) {
     ask(QStringLiteral("Forgot Password"), {"me@mail"});
     EXPECT_EQ(bot.RegisterEmail, QStringLiteral("me@mail"));
     EXPECT_TRUE(bot.ForgotPassword);
+}
+
+// The channels panel joins the home channel and the quick rows, and keeps
+// what is typed into them with the profile.
+TEST_F(WindowTest, TheChannelsPanelJoinsHomeAndTheQuickRows) {
+    const int slot = onlineSlot(QStringLiteral("Roamer"));
+    Bots(slot).Config.setChannel(QStringLiteral("Home Base"));
+    SlotTable::instance().SelectBot(slot);
+    auto* quick = window->findChild<QLineEdit*>(QStringLiteral("txtQuick2"));
+    quick->selectAll();
+    QTest::keyClicks(quick, "Op Nest");
+    EXPECT_EQ(Bots(slot).Config.Channels(2), QStringLiteral("Op Nest"));
+    QList<QToolButton*> joins;
+    for (QToolButton* button : window->findChildren<QToolButton*>())
+        if (button->toolTip() == u"Join channel") joins << button;
+    ASSERT_GT(joins.size(), 2);
+    const auto joined = [&](QToolButton* button) {
+        wsBNET(slot).sent.clear();
+        button->click();
+        return wsBNET(slot).sent.value(1).mid(8);
+    };
+    EXPECT_EQ(joined(window->findChild<QToolButton*>(QStringLiteral("guiHome"))),
+              QByteArray("Home Base", 10));
+    EXPECT_EQ(joined(joins[2]), QByteArray("Op Nest", 8));
 }
 
 TEST_F(WindowTest, TheListHeadingNamesTheChosenList) {

@@ -44,6 +44,21 @@ TEST(IconPainterTest, EveryKeyOfTheListsHasItsOwnDrawing) {
     EXPECT_GT(paintedPixels(doubled.toImage()), 4 * 30);
 }
 
+// The ping bars stand on whole grid units, so their edges fall on pixel
+// edges: full cover at a bar's left edge, nothing in the gap beside it.
+TEST(IconPainterTest, BarsAreSharpAtOneAndTwoPixelsPerUnit) {
+    for (const int size : {16, 32}) {
+        const int unit = size / 16;
+        const QImage image = render(QStringLiteral("Green"), size);
+        for (int bar = 0; bar < 5; ++bar) {
+            const int left = (1 + 3 * bar) * unit;
+            EXPECT_EQ(qAlpha(image.pixel(left, 13 * unit)), 255) << size << " px, bar " << bar;
+            EXPECT_EQ(qAlpha(image.pixel(left + 2 * unit, 13 * unit)), 0)
+                << size << " px, gap " << bar;
+        }
+    }
+}
+
 TEST(IconPainterTest, ANumberedIconShowsItsNumberOverItsBase) {
     SettingsWrapper::instance().setIconDraw(true);
     const QString key = DrawIconNumber(QStringLiteral("SCH"), QStringLiteral("1234"), 0xFFFF);

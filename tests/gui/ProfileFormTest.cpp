@@ -181,9 +181,9 @@ TEST_F(ProfileFormTest, WithoutProfilesTheFormPointsToTheManagerAndWakesUpOnTheN
 
     // The new profile shows the form's defaults, and Save stores them.
     const std::pair<const char*, QString> defaults[] = {
-        {"txtOwner", "Corvantide4.0"}, {"txtTrigger", "."},        {"txtIdleTime", "5"},
-        {"txtVerbyte", ""},            {"cboProduct", "StarCraft"},
-        {"cboServer", SettingsWrapper::Gateways().front()}};
+        {"txtOwner", "Corvantide4.0"}, {"txtTrigger", "."},
+        {"txtIdleTime", "5"},          {"txtVerbyte", ""},
+        {"cboProduct", "StarCraft"},   {"cboServer", SettingsWrapper::Gateways().front()}};
     for (const auto& [control, value] : defaults)
         EXPECT_EQ(shown(part<QWidget>(form.get(), control)), value) << control;
     EXPECT_TRUE(part<QComboBox>(form.get(), "cboIdleMsg")->currentText().endsWith(" -- $v"));

@@ -7,8 +7,8 @@
 #include <QAction>
 #include <QClipboard>
 #include <QInputDialog>
-#include <QMenu>
 #include <QLineEdit>
+#include <QMenu>
 #include <QTest>
 
 namespace {

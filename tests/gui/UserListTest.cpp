@@ -85,9 +85,8 @@ TEST_F(UserListTest, KeysAndTheContextMenuActOnTheSelectedUser) {
     stats->actions().at(5)->trigger();
     // The menu's lines take the keyboard's road, so the bot's own UNSQUELCH
     // command is what sends the second.
-    EXPECT_EQ(Bots(slot).Queue,
-              (QStringList{"/ban loud", "/designate loud", "/whois loud", "/unignore hushed",
-                           "/stats hushed WAR3"}));
+    EXPECT_EQ(Bots(slot).Queue, (QStringList{"/ban loud", "/designate loud", "/whois loud",
+                                             "/unignore hushed", "/stats hushed WAR3"}));
     menu->defaultAction()->trigger();
     EXPECT_EQ(window->cboSend()->currentText(), QStringLiteral("/w hushed "));
 

@@ -90,16 +90,14 @@ TEST_F(DesktopIntegrationTest, WithoutATrayTheWindowIsNeverHidden) {
     EXPECT_TRUE(window.isVisible()) << "with nothing to come back from, hiding minimises";
 }
 
-TEST_F(DesktopIntegrationTest, OnlyAWindowTheUserIsNotInFlashes) {
-    {
-        DesktopIntegration hidden(&window, QIcon(), nullptr, true);
-        DesktopShell::instance().FlashBotWindow();
-        EXPECT_TRUE(hidden.FlashActive());
-    }
+TEST_F(DesktopIntegrationTest, OnlyAWindowTheUserIsNotInFlashesUntilTheUserComesBack) {
     DesktopIntegration desktop(&window, QIcon(), nullptr, true);
+    DesktopShell::instance().FlashBotWindow();
+    EXPECT_TRUE(desktop.FlashActive()) << "hidden";
     window.show();
     window.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    EXPECT_FALSE(desktop.FlashActive()) << "the user came back";
     DesktopShell::instance().FlashBotWindow();
     EXPECT_FALSE(desktop.FlashActive());
 }

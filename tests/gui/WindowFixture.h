@@ -6,6 +6,7 @@
 #include "platform/ChatDocument.h"
 
 #include <QApplication>
+#include <gtest/gtest.h>
 #include <memory>
 
 // A fresh slot table and a shown main window over it; chat events reach a
@@ -38,6 +39,12 @@ protected:
         return slot;
     }
 
+    // A named part of a form or page.
+    template <class Widget> static Widget* part(QWidget* parent, const char* name) {
+        auto* widget = parent->findChild<Widget*>(QLatin1String(name));
+        EXPECT_NE(widget, nullptr) << name;
+        return widget;
+    }
     static void event(int slot, quint32 id, const QString& user, const QString& text = {},
                       quint32 flags = 0, quint32 ping = 20) {
         wsBNET(slot).simulateData(chatEventFrame(id, flags, ping, user, text));

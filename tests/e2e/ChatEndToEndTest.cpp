@@ -7,6 +7,7 @@
 #include "common/SandboxProcess.h"
 #include "common/SlotFixture.h"
 #include "config/SettingsWrapper.h"
+#include "e2e/SandboxTrace.h"
 #include "platform/ChatDocument.h"
 #include "platform/ListModel.h"
 #include "platform/TickCount.h"
@@ -14,7 +15,6 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QTemporaryDir>
-#include <QtEndian>
 #include <algorithm>
 #include <map>
 
@@ -104,28 +104,12 @@ protected:
         return ::testing::AssertionSuccess();
     }
     QString chat(int i) const { return rtbChat(i).text(); }
-    // Chat lines from the bot as the sandbox received them.
-    QList<QByteArray> chatLinesAtServer() const {
-        QFile file(tracePath());
-        file.open(QIODevice::ReadOnly);
-        QList<QByteArray> lines;
-        for (const QByteArray& line : file.readAll().split('\n')) {
-            const QList<QByteArray> f = line.split(' ');
-            if (f.size() >= 7 && f[2] == "bncs" && f[4] == "in" && f[5] == "0x0e")
-                lines << QByteArray::fromHex(f[6]).mid(4).chopped(1);
-        }
-        return lines;
-    }
+    QList<QByteArray> chatLinesAtServer() const { return chatLinesSent(tracePath()); }
     // How many chat events of each id the sandbox sent.
     std::map<quint32, int> eventsSent() const {
-        QFile file(tracePath());
-        file.open(QIODevice::ReadOnly);
         std::map<quint32, int> count;
-        for (const QByteArray& line : file.readAll().split('\n')) {
-            const QList<QByteArray> f = line.split(' ');
-            if (f.size() >= 7 && f[2] == "bncs" && f[4] == "out" && f[5] == "0x0f")
-                ++count[qFromLittleEndian<quint32>(QByteArray::fromHex(f[6]).constData() + 4)];
-        }
+        for (const TracedFrame& t : readTrace(tracePath()))
+            if (t.link == "bncs" && t.direction == "out" && t.id == "0x0f") ++count[t.dword(0)];
         return count;
     }
     static void pause(int ms) {

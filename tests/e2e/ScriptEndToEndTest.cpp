@@ -8,6 +8,8 @@
 #include "common/SlotFixture.h"
 #include "config/Folders.h"
 #include "config/SettingsWrapper.h"
+#include "e2e/HeadlessBot.h"
+#include "e2e/SandboxTrace.h"
 #include "platform/ChatDocument.h"
 #include "platform/ListModel.h"
 #include "plugins/JavaScriptObject.h"
@@ -47,12 +49,6 @@ protected:
         QDir(GetProgramFolder() + QStringLiteral("/Plugins")).removeRecursively();
     }
 
-    static void write(const QString& path, const QByteArray& text) {
-        QDir().mkpath(QFileInfo(path).path());
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(text);
-    }
     static QByteArray example(const QString& name) {
         QFile file(kExamples + name);
         EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
@@ -74,16 +70,9 @@ protected:
         ASSERT_EQ(sandbox.control(lines), QStringList(lines.size(), QStringLiteral("ok")));
     }
     QString tracePath() const { return traceDir.filePath(QStringLiteral("trace.log")); }
-    // Chat lines from the bot as the sandbox received them.
     QStringList linesAtServer() const {
-        QFile file(tracePath());
-        file.open(QIODevice::ReadOnly);
         QStringList lines;
-        for (const QByteArray& line : file.readAll().split('\n')) {
-            const QList<QByteArray> f = line.split(' ');
-            if (f.size() >= 7 && f[2] == "bncs" && f[4] == "in" && f[5] == "0x0e")
-                lines << QString::fromLatin1(QByteArray::fromHex(f[6]).mid(4).chopped(1));
-        }
+        for (const QByteArray& line : chatLinesSent(tracePath())) lines << QString::fromLatin1(line);
         return lines;
     }
     ::testing::AssertionResult serverHears(const QString& line) {
@@ -124,7 +113,7 @@ TEST_F(ScriptEndToEnd, TheObjectsAnswerAScriptAndRefuseASlotWithoutAProfile) {
 }
 
 TEST_F(ScriptEndToEnd, TheExampleScriptGreetsAndAnswersSeen) {
-    write(GetSettingsPath() + QStringLiteral("Script.txt"), example(QStringLiteral("Script.txt")));
+    writeFile(GetSettingsPath() + QStringLiteral("Script.txt"), example(QStringLiteral("Script.txt")));
     LoadScript();
     EXPECT_TRUE(console().contains(QStringLiteral("Greeter script loaded")));
     const int i = online();
@@ -140,7 +129,7 @@ TEST_F(ScriptEndToEnd, TheExampleScriptGreetsAndAnswersSeen) {
 }
 
 TEST_F(ScriptEndToEnd, ARunawayScriptIsStoppedAndTheBotGoesOn) {
-    write(GetSettingsPath() + QStringLiteral("Script.txt"), R"(
+    writeFile(GetSettingsPath() + QStringLiteral("Script.txt"), R"(
         function Event_UserTalk(BotIndex, Username, Message) {
             if (Message === "spin") for (;;) {}
             if (Message === "dive") (function down() { return down() + 1; })();
@@ -180,13 +169,13 @@ TEST_F(ScriptEndToEnd, ARunawayScriptIsStoppedAndTheBotGoesOn) {
 
 TEST_F(ScriptEndToEnd, PluginsInJavaScriptAndCHearPacketsAndChatAndTidyTypedLines) {
     const QString folder = GetProgramFolder() + QStringLiteral("/Plugins/");
-    write(folder + QStringLiteral("greeter.js"), example(QStringLiteral("plugins/greeter.js")));
+    writeFile(folder + QStringLiteral("greeter.js"), example(QStringLiteral("plugins/greeter.js")));
     ASSERT_TRUE(QFile::copy(QStringLiteral(CORVANTIDE_BINARY_DIR "/plugins/hello.so"),
                             folder + QStringLiteral("hello.so")));
     // Asks for chat events and has none of their members.
-    write(folder + QStringLiteral("mute.js"),
+    writeFile(folder + QStringLiteral("mute.js"),
           "function Startup(form, plugin) { form.RegisterPlugin('mute', 1); }");
-    write(folder + QStringLiteral("idle.js"), "function Startup(form, plugin) {}");
+    writeFile(folder + QStringLiteral("idle.js"), "function Startup(form, plugin) {}");
     ASSERT_TRUE(PluginHost::setAutoLoad(QStringLiteral("greeter"), true));
     ASSERT_TRUE(PluginHost::setAutoLoad(QStringLiteral("mute"), true));
     ASSERT_TRUE(PluginHost::setAutoLoad(QStringLiteral("hello"), true));
@@ -238,7 +227,7 @@ TEST_F(ScriptEndToEnd, PluginsOfEachInterfaceReachTheMainFormAndANewerOneIsRefus
         ASSERT_TRUE(QFile::copy(QStringLiteral(CORVANTIDE_BINARY_DIR "/tests/plugins/") + file,
                                 folder + file));
     }
-    write(folder + QStringLiteral("reachjs.js"), R"(
+    writeFile(folder + QStringLiteral("reachjs.js"), R"(
         function Startup(form, plugin) {
             var slot = form.LoadProfile("Stored");
             form.SelectBot(slot);

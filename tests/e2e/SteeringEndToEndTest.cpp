@@ -2,19 +2,12 @@
 // headless bot without input and two profiles against the sandbox; `status`,
 // `load`, `connect`, `send`, `tail`, `disconnect` and `unload` while it runs,
 // and a burst of lines that all reach its standard output.
-#include "common/SandboxProcess.h"
-#include "common/TerminalVerb.h"
+#include "e2e/HeadlessBot.h"
 
-#include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
 
 namespace {
-
-QString program() {
-    return ProgramBinary();
-}
 
 using Answer = VerbAnswer;
 
@@ -22,32 +15,21 @@ class SteeringEndToEnd : public ::testing::Test {
 protected:
     void SetUp() override {
         ASSERT_TRUE(sandbox.start({QStringLiteral("--control")}));
-        for (const QString& name : {QStringLiteral("Alpha"), QStringLiteral("Beta")}) {
-            setUp({QStringLiteral("profile"), QStringLiteral("new"), name});
-            const QList<QPair<QString, QString>> values{
-                {QStringLiteral("Account"), name.toLower() + QStringLiteral("bot")},
-                {QStringLiteral("Password"), QStringLiteral("secret")},
-                {QStringLiteral("Product"), QStringLiteral("STAR")},
-                {QStringLiteral("Verbyte"), QStringLiteral("d3")},
-                {QStringLiteral("Cdkey1"), QStringLiteral("7178075237576")},
-                {QStringLiteral("Server"), sandbox.bncsServer()},
-                {QStringLiteral("ServerBNLS"), sandbox.bnlsServer()},
-                {QStringLiteral("Channel"), QStringLiteral("Steer")}};
-            for (const auto& [key, value] : values)
-                setUp({QStringLiteral("profile"), QStringLiteral("set"), name, key, value});
-        }
-        setUp({QStringLiteral("profile"), QStringLiteral("set"), QStringLiteral("Alpha"),
-               QStringLiteral("Load at Startup"), QStringLiteral("on")});
-        // Every talk event shows, however fast it comes.
-        setUp({QStringLiteral("config"), QStringLiteral("set"), QStringLiteral("Settings"),
-               QStringLiteral("FloodMode"), QStringLiteral("0")});
+        // Every talk event shows, however fast it comes; whispers go to their panel.
+        const Answer imported = importKeys(
+            home.path(),
+            profileKey(QStringLiteral("Alpha"), QStringLiteral("alphabot"), QStringLiteral("Steer"),
+                       sandbox) +
+                profileKey(QStringLiteral("Beta"), QStringLiteral("betabot"),
+                           QStringLiteral("Steer"), sandbox, false) +
+                QStringLiteral("[HKEY_CURRENT_USER\\Software\\Corvantide4\\Settings]\r\n"
+                               "\"FloodMode\"=dword:00000000\r\n\"WhisperPanel\"=dword:00000001\r\n"));
+        ASSERT_EQ(imported.status, 0) << imported.err.toStdString();
     }
     void TearDown() override {
-        for (QProcess* p : {&bot, &tail}) {
-            if (p->state() == QProcess::NotRunning) continue;
-            p->terminate();
-            if (!p->waitForFinished(10000)) p->kill();
-        }
+        if (tail.state() == QProcess::NotRunning) return;
+        tail.terminate();
+        if (!tail.waitForFinished(10000)) tail.kill();
     }
 
     // One verb from another terminal, answered while the bot runs.
@@ -59,10 +41,7 @@ protected:
     }
 
     void startBot() {
-        bot.start(program(), {QStringLiteral("--headless"), QStringLiteral("--no-input"),
-                              QStringLiteral("--connect"), QStringLiteral("--home"),
-                              home.path()});
-        ASSERT_TRUE(bot.waitForStarted());
+        ASSERT_TRUE(bot.run(home.path(), {QStringLiteral("--no-input"), QStringLiteral("--connect")}));
         ASSERT_TRUE(botSays(QStringLiteral("[Alpha] "), QStringLiteral("alphabot is present")));
     }
 
@@ -79,12 +58,12 @@ protected:
     bool botSays(const QString& prefix, const QString& text) {
         return waitFor(
             [&] {
-                botOut += QString::fromUtf8(bot.readAllStandardOutput());
+                bot.out += QString::fromUtf8(bot.readAllStandardOutput());
                 const QRegularExpression line(u'^' + QRegularExpression::escape(prefix) +
                                                   QStringLiteral(".*") +
                                                   QRegularExpression::escape(text),
                                               QRegularExpression::MultilineOption);
-                return line.match(botOut).hasMatch();
+                return line.match(bot.out).hasMatch();
             },
             20000);
     }
@@ -98,8 +77,7 @@ protected:
 
     SandboxProcess sandbox;
     QTemporaryDir home;
-    QProcess bot;
-    QString botOut;
+    HeadlessBot bot;
     QProcess tail;
     QString tailOut;
 };
@@ -107,8 +85,6 @@ protected:
 } // namespace
 
 TEST_F(SteeringEndToEnd, AServiceBotIsSteeredAndFollowedFromOtherTerminals) {
-    setUp({QStringLiteral("config"), QStringLiteral("set"), QStringLiteral("Settings"),
-           QStringLiteral("WhisperPanel"), QStringLiteral("1")});
     startBot();
     ASSERT_TRUE(statusShows(QStringLiteral("Alpha +online +Steer +1 +\\d+ ms +-$")));
 
@@ -125,7 +101,7 @@ TEST_F(SteeringEndToEnd, AServiceBotIsSteeredAndFollowedFromOtherTerminals) {
 
     // A follower gets the last lines first, then each line as it comes: what
     // `send` types, and a whisper that the whisper panel takes.
-    tail.start(program(), {QStringLiteral("--home"), home.path(), QStringLiteral("tail"),
+    tail.start(ProgramBinary(), {QStringLiteral("--home"), home.path(), QStringLiteral("tail"),
                            QStringLiteral("Beta"), QStringLiteral("-n"), QStringLiteral("3")});
     // The account's facts end the logon: the last three lines are theirs.
     ASSERT_TRUE(says(tail, tailOut, QStringLiteral("Time Logged:"))) << tailOut.toStdString();
@@ -196,7 +172,7 @@ TEST_F(SteeringEndToEnd, EveryLineOfABurstReachesStandardOutputInOrder) {
     ASSERT_EQ(sandbox.control(QStringLiteral("join Ghost Steer")), QStringLiteral("ok"));
     ASSERT_TRUE(botSays(QStringLiteral("[Alpha] "), QStringLiteral("Ghost has joined")));
     // The follower is in place once the last line before it has reached it.
-    tail.start(program(), {QStringLiteral("--home"), home.path(), QStringLiteral("tail"),
+    tail.start(ProgramBinary(), {QStringLiteral("--home"), home.path(), QStringLiteral("tail"),
                            QStringLiteral("Alpha"), QStringLiteral("-n"), QStringLiteral("1")});
     ASSERT_TRUE(says(tail, tailOut, QStringLiteral("Ghost has joined")));
 
@@ -209,7 +185,7 @@ TEST_F(SteeringEndToEnd, EveryLineOfABurstReachesStandardOutputInOrder) {
     const QRegularExpression talk(QStringLiteral("^\\[Alpha\\] .*<Ghost> burst line (\\d+)$"),
                                   QRegularExpression::MultilineOption);
     int expected = 1;
-    for (auto it = talk.globalMatch(botOut); it.hasNext();) {
+    for (auto it = talk.globalMatch(bot.out); it.hasNext();) {
         ASSERT_EQ(it.next().captured(1).toInt(), expected) << "a line missing or out of order";
         ++expected;
     }

@@ -7,16 +7,12 @@
 // the plug-in stopped and started from the terminal. A ranked user in the
 // channel commands the bot through all of it.
 #include "chat/TimedEvents.h"
-#include "common/SandboxProcess.h"
 #include "common/SlotFixture.h"
-#include "common/TerminalVerb.h"
 #include "config/SettingsWrapper.h"
+#include "e2e/HeadlessBot.h"
 #include "platform/ChatDocument.h"
 #include "platform/ListModel.h"
 
-#include <QDir>
-#include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 
 namespace {
@@ -30,15 +26,8 @@ protected:
         SettingsWrapper::instance().setFloodMode(0);
         TimedEvents::instance().start();
     }
-    void TearDown() override {
-        TimedEvents::instance().stop();
-        if (bot.state() != QProcess::NotRunning) {
-            bot.closeWriteChannel();
-            if (!bot.waitForFinished(10000)) bot.kill();
-        }
-    }
+    void TearDown() override { TimedEvents::instance().stop(); }
 
-    static QString program() { return ProgramBinary(); }
     Answer verb(const QStringList& words) { return RunVerb(home.path(), words); }
     void setUp(const QStringList& words) {
         const Answer run = verb(words);
@@ -52,7 +41,7 @@ protected:
 
     SandboxProcess sandbox;
     QTemporaryDir home;
-    QProcess bot;
+    HeadlessBot bot;
     int owner = 0;
 };
 
@@ -133,19 +122,11 @@ TEST_F(TerminalVerbsEndToEnd, TheReadmesRecipeLogsOnAndObeysItsUserbase) {
     EXPECT_TRUE(noBot.err.startsWith(QStringLiteral("No Corvantide runs on this home")))
         << noBot.err.toStdString();
 
-    bot.start(program(), {QStringLiteral("--headless"), QStringLiteral("--home"), home.path(),
-                          QStringLiteral("--connect")});
-    ASSERT_TRUE(bot.waitForStarted());
+    ASSERT_TRUE(bot.run(home.path(), {QStringLiteral("--connect")}));
     owner = sandbox.loadProfile(QStringLiteral("myfriend"), QStringLiteral("Lobby"));
     SlotTable::instance().ConnectBot(owner);
     ASSERT_TRUE(waitFor([&] { return lvUsers(owner).count() == 3; }, 30000));
-    QString console;
-    ASSERT_TRUE(waitFor(
-        [&] {
-            console += QString::fromUtf8(bot.readAllStandardOutput());
-            return console.contains(QStringLiteral("Cannot connect: Account is empty"));
-        },
-        10000));
+    ASSERT_TRUE(bot.says(QStringLiteral("Cannot connect: Account is empty")));
 
     Bots(owner).Queue << QStringLiteral(".say obeying the terminal's userbase");
     ASSERT_TRUE(ownerSees(QStringLiteral("<mybot> obeying the terminal's userbase")));
@@ -153,8 +134,8 @@ TEST_F(TerminalVerbsEndToEnd, TheReadmesRecipeLogsOnAndObeysItsUserbase) {
     // The refused byte was mended from BNLS once (Main and the user sent
     // their product's current byte); the profile without an account said
     // what it lacks and never tried.
-    console += QString::fromUtf8(bot.readAllStandardOutput());
-    EXPECT_EQ(console.count(QStringLiteral("[BNLS] The server refused version byte D1 of STAR; "
+    bot.out += QString::fromUtf8(bot.readAllStandardOutput());
+    EXPECT_EQ(bot.out.count(QStringLiteral("[BNLS] The server refused version byte D1 of STAR; "
                                            "stored the current one, D3, in the profile and "
                                            "connecting once more.")),
               1);
@@ -162,10 +143,10 @@ TEST_F(TerminalVerbsEndToEnd, TheReadmesRecipeLogsOnAndObeysItsUserbase) {
                     QStringLiteral("Verbyte")})
                   .out,
               QStringLiteral("D3\n"));
-    EXPECT_EQ(console.count(QStringLiteral("[BNET] Cannot connect: Account is empty; set it with: "
+    EXPECT_EQ(bot.out.count(QStringLiteral("[BNET] Cannot connect: Account is empty; set it with: "
                                            "corvantide profile set Blank Account NAME.")),
               1);
-    EXPECT_FALSE(console.contains(QStringLiteral("Reconnecting")));
+    EXPECT_FALSE(bot.out.contains(QStringLiteral("Reconnecting")));
 
     // The plug-in Plugins.ini loads at start greets who joins.
     Bots(owner).Queue << QStringLiteral("/join Elsewhere") << QStringLiteral("/join Lobby");
@@ -201,12 +182,8 @@ TEST_F(TerminalVerbsEndToEnd, TheReadmesRecipeLogsOnAndObeysItsUserbase) {
            QStringLiteral("macro")});
     Bots(owner).Queue << QStringLiteral("hush hush") << QStringLiteral("#macro greet");
     ASSERT_TRUE(ownerSees(QStringLiteral("<mybot> Hello from a macro")));
-    QString screen;
-    EXPECT_TRUE(waitFor([&] {
-        screen += QString::fromUtf8(bot.readAllStandardOutput());
-        return screen.contains(QStringLiteral("#macro greet"));
-    }));
-    EXPECT_FALSE(screen.contains(QStringLiteral("hush hush")));
+    EXPECT_TRUE(bot.says(QStringLiteral("#macro greet")));
+    EXPECT_FALSE(bot.out.contains(QStringLiteral("hush hush")));
 
     // Refusals from the running bot come back with a failing status.
     const Answer taken = verb({QStringLiteral("profile"), QStringLiteral("new"), p.toLower()});

@@ -1,7 +1,7 @@
 // The socket over which terminal verbs reach a running bot, attacked as a
 // second user of the machine and as a flood of idle connections would.
 #include "control/ControlServer.h"
-#include "e2e/HeadlessBot.h"
+#include "e2e/RunningProgram.h"
 
 #include <QLocalSocket>
 #include <QTemporaryDir>
@@ -40,7 +40,7 @@ protected:
     }
     void startBot() {
         bot.out.clear();
-        ASSERT_TRUE(bot.run(home.path()));
+        ASSERT_TRUE(bot.headless(home.path()));
         ASSERT_TRUE(bot.says(QStringLiteral("Completed all startup tasks"))) << bot.out.toStdString();
     }
     VerbAnswer verb(const QStringList& words) { return RunVerb(home.path(), words); }
@@ -54,7 +54,7 @@ protected:
     QTemporaryDir home;
     QTemporaryDir tmp;
     std::map<const char*, QByteArray> saved;
-    HeadlessBot bot;
+    RunningProgram bot;
 };
 
 // A listening socket at `path` made as another user would make it. The
@@ -153,7 +153,7 @@ TEST_F(ControlSocket, RunningOutOfDescriptorsIsALineAndARetry) {
     const VerbAnswer late = verb({QStringLiteral("profile"), QStringLiteral("list")});
     EXPECT_EQ(late.out.left(15), QStringLiteral("No profiles yet")) << late.err.toStdString();
     EXPECT_TRUE(QFileInfo::exists(path));
-    bot.out += QString::fromUtf8(bot.readAllStandardOutput());
+    bot.read();
     EXPECT_EQ(bot.out.count(QStringLiteral("no file descriptors left")), 1);
 }
 

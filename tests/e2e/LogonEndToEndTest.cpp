@@ -151,7 +151,7 @@ TEST_F(LogonEndToEnd, AMissingAccountIsMadeAndLogsOnAgainAndAWrongPasswordEndsTh
             ASSERT_TRUE(waitFor([&] { return Bots(i).Online(); }))
                 << p.client << " session " << session << "\n"
                 << chat(i).toStdString();
-            EXPECT_EQ(chat(i).contains(QStringLiteral("[BNET] Successfully created account!")),
+            EXPECT_EQ(chat(i).contains(QStringLiteral("[BNET] Successfully created account")),
                       session == 1)
                 << p.client;
             SlotTable::instance().UnloadProfile(Bots(i).Profile());

@@ -8,7 +8,7 @@
 #include "common/SlotFixture.h"
 #include "config/Folders.h"
 #include "config/SettingsWrapper.h"
-#include "e2e/HeadlessBot.h"
+#include "e2e/RunningProgram.h"
 #include "e2e/SandboxTrace.h"
 #include "platform/ChatDocument.h"
 #include "platform/ListModel.h"

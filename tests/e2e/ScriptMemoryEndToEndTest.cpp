@@ -4,7 +4,7 @@
 // and unloaded with a red line naming it, the bot answers /ver and a typed
 // line reaches the channel afterwards, its resident size is back near where
 // it was before, and it ends cleanly at the end of its input.
-#include "e2e/HeadlessBot.h"
+#include "e2e/RunningProgram.h"
 
 #include <QRegularExpression>
 #include <QTemporaryDir>
@@ -65,14 +65,14 @@ TEST(ScriptMemoryEndToEnd, AScriptAndAPluginThatEatMemoryAreUnloadedAndTheBotGoe
     writeFile(home.filePath(QStringLiteral(".local/share/Corvantide/Plugins/hungry.js")),
               kHungryPlugin);
 
-    HeadlessBot bot;
+    RunningProgram bot;
     // Without the caps an allocation fails here long before the machine's
     // memory runs out, and the bot must live through that too.
     bot.setChildProcessModifier([] {
         const rlimit oneGiB{1L << 30, 1L << 30};
         setrlimit(RLIMIT_AS, &oneGiB);
     });
-    ASSERT_TRUE(bot.run(home.path(), {QStringLiteral("--connect")}));
+    ASSERT_TRUE(bot.headless(home.path(), {QStringLiteral("--connect")}));
     ASSERT_TRUE(bot.says(QStringLiteral("eater is present"))) << bot.out.toStdString();
     waitFor([] { return false; }, 1000);
     const qint64 before = residentKiB(bot.processId());

@@ -59,9 +59,12 @@ protected:
     SandboxProcess sandbox;
 };
 
-TEST_F(SocialEndToEnd, ReportOnEnteringChatAResidentsProfileAndTheBotsOwnSavedAndReadBack) {
+// The account report on entering chat, a resident's profile, the bot's own
+// saved and read back, and friends added and removed by chat commands.
+TEST_F(SocialEndToEnd, ReportProfilesAndFriendsOfABotInChat) {
     ASSERT_TRUE(sandbox.start({"--control", "--residents", "3", "--seed", "4"}));
-    const QString resident = residents().value(0);
+    const QStringList three = residents();
+    const QString resident = three.value(0);
     const int i = connect(QStringLiteral("Pilot"));
     EXPECT_TRUE(saw(i, QStringLiteral("Account Information for: Pilot")));
     EXPECT_TRUE(saw(i, QStringLiteral("Last Game Played: Never Played (N/A)")));
@@ -88,6 +91,16 @@ TEST_F(SocialEndToEnd, ReportOnEnteringChatAResidentsProfileAndTheBotsOwnSavedAn
     EXPECT_EQ(shown, QStringList({"m", "Harbour town", "Sails at dawn."}));
     EXPECT_TRUE(ConnectionWrapper::IsOwnProfile(i, QStringLiteral("pilot")));
     EXPECT_FALSE(ConnectionWrapper::IsOwnProfile(i, resident));
+
+    for (const QString& name : three.mid(0, 2))
+        SendChatLine(i, QStringLiteral("/f a ") + name);
+    ASSERT_TRUE(waitFor([i] { return lvFriends(i).count() == 2; }));
+    EXPECT_EQ(lvFriends(i).item(1).text, three[0]);
+    SendChatLine(i, QStringLiteral("/f r ") + three[0]);
+    ASSERT_TRUE(waitFor([i] { return lvFriends(i).count() == 1; }));
+    EXPECT_EQ(lvFriends(i).item(1).text, three[1]);
+    EXPECT_TRUE(
+        saw(i, QStringLiteral("Removed ") + three[0] + QStringLiteral(" from your friends list.")));
 }
 
 // Typed as on the terminal. The founding and an invitation are answered by a
@@ -202,21 +215,6 @@ TEST_F(SocialEndToEnd, AStalkedFriendIsFollowedOnceAHop) {
     SlotTable::instance().UnloadProfile(QStringLiteral("Quarry"));
     EXPECT_TRUE(saw(shadow, QStringLiteral("Quarry cannot be stalked")));
     EXPECT_EQ(settled(QStringLiteral("Quarry cannot be stalked")), 1) << chat(shadow).toStdString();
-}
-
-TEST_F(SocialEndToEnd, FriendsAddedAndRemovedByChatCommandsReachTheFriendsList) {
-    ASSERT_TRUE(sandbox.start({"--control", "--residents", "2", "--seed", "5"}));
-    const QStringList two = residents();
-    const int i = connect(QStringLiteral("Buddy"));
-    for (const QString& name : two)
-        SendChatLine(i, QStringLiteral("/f a ") + name);
-    ASSERT_TRUE(waitFor([i] { return lvFriends(i).count() == 2; }));
-    EXPECT_EQ(lvFriends(i).item(1).text, two[0]);
-    SendChatLine(i, QStringLiteral("/f r ") + two[0]);
-    ASSERT_TRUE(waitFor([i] { return lvFriends(i).count() == 1; }));
-    EXPECT_EQ(lvFriends(i).item(1).text, two[1]);
-    EXPECT_TRUE(
-        saw(i, QStringLiteral("Removed ") + two[0] + QStringLiteral(" from your friends list.")));
 }
 
 } // namespace

@@ -2,7 +2,7 @@
 // headless bot without input and two profiles against the sandbox; `status`,
 // `load`, `connect`, `send`, `tail`, `disconnect` and `unload` while it runs,
 // and a burst of lines that all reach its standard output.
-#include "e2e/HeadlessBot.h"
+#include "e2e/RunningProgram.h"
 
 #include <QRegularExpression>
 #include <QTemporaryDir>
@@ -26,12 +26,6 @@ protected:
                                "\"FloodMode\"=dword:00000000\r\n\"WhisperPanel\"=dword:00000001\r\n"));
         ASSERT_EQ(imported.status, 0) << imported.err.toStdString();
     }
-    void TearDown() override {
-        if (tail.state() == QProcess::NotRunning) return;
-        tail.terminate();
-        if (!tail.waitForFinished(10000)) tail.kill();
-    }
-
     // One verb from another terminal, answered while the bot runs.
     Answer verb(const QStringList& words) { return RunVerb(home.path(), words); }
     void setUp(const QStringList& words) {
@@ -41,29 +35,19 @@ protected:
     }
 
     void startBot() {
-        ASSERT_TRUE(bot.run(home.path(), {QStringLiteral("--no-input"), QStringLiteral("--connect")}));
+        ASSERT_TRUE(bot.headless(home.path(), {QStringLiteral("--no-input"), QStringLiteral("--connect")}));
         ASSERT_TRUE(botSays(QStringLiteral("[Alpha] "), QStringLiteral("alphabot is present")));
     }
 
-    // Waits until `text` has come out of `process` (everything it printed is
-    // kept in `seen`); the text may stand after a prefix on its line.
-    static bool says(QProcess& process, QString& seen, const QString& text, int ms = 20000) {
-        return waitFor(
-            [&] {
-                seen += QString::fromUtf8(process.readAllStandardOutput());
-                return seen.contains(text);
-            },
-            ms);
-    }
+    // Until `text` has come out of the bot on a line of the profile's `prefix`.
     bool botSays(const QString& prefix, const QString& text) {
         return waitFor(
             [&] {
-                bot.out += QString::fromUtf8(bot.readAllStandardOutput());
                 const QRegularExpression line(u'^' + QRegularExpression::escape(prefix) +
                                                   QStringLiteral(".*") +
                                                   QRegularExpression::escape(text),
                                               QRegularExpression::MultilineOption);
-                return line.match(bot.out).hasMatch();
+                return line.match(bot.read()).hasMatch();
             },
             20000);
     }
@@ -77,9 +61,8 @@ protected:
 
     SandboxProcess sandbox;
     QTemporaryDir home;
-    HeadlessBot bot;
-    QProcess tail;
-    QString tailOut;
+    RunningProgram bot;
+    RunningProgram tail;
 };
 
 } // namespace
@@ -101,32 +84,32 @@ TEST_F(SteeringEndToEnd, AServiceBotIsSteeredAndFollowedFromOtherTerminals) {
 
     // A follower gets the last lines first, then each line as it comes: what
     // `send` types, and a whisper that the whisper panel takes.
-    tail.start(ProgramBinary(), {QStringLiteral("--home"), home.path(), QStringLiteral("tail"),
+    tail.verb(home.path(), {QStringLiteral("tail"),
                            QStringLiteral("Beta"), QStringLiteral("-n"), QStringLiteral("3")});
     // The account's facts end the logon: the last three lines are theirs.
-    ASSERT_TRUE(says(tail, tailOut, QStringLiteral("Time Logged:"))) << tailOut.toStdString();
-    EXPECT_EQ(tailOut.count(u'\n'), 3) << tailOut.toStdString();
-    EXPECT_TRUE(tailOut.contains(QStringLiteral("Last Logoff:")));
+    ASSERT_TRUE(tail.says(QStringLiteral("Time Logged:"))) << tail.out.toStdString();
+    EXPECT_EQ(tail.out.count(u'\n'), 3) << tail.out.toStdString();
+    EXPECT_TRUE(tail.out.contains(QStringLiteral("Last Logoff:")));
     a = verb({QStringLiteral("send"), QStringLiteral("Beta"), QStringLiteral("hello"),
               QStringLiteral("from"), QStringLiteral("afar")});
     ASSERT_EQ(a.status, 0) << a.err.toStdString();
-    EXPECT_TRUE(says(tail, tailOut, QStringLiteral("<betabot> hello from afar")));
+    EXPECT_TRUE(tail.says(QStringLiteral("<betabot> hello from afar")));
     a = verb({QStringLiteral("send"), QStringLiteral("Beta"), QStringLiteral("/ver")});
     EXPECT_TRUE(a.out.contains(QStringLiteral("Corvantide v"))) << a.out.toStdString();
     ASSERT_EQ(sandbox.control({QStringLiteral("user Ghost"),
                                QStringLiteral("whisper Ghost betabot psst, beta")}),
               QStringList({QStringLiteral("ok"), QStringLiteral("ok")}));
-    EXPECT_TRUE(says(tail, tailOut, QStringLiteral("<From: Ghost> psst, beta")));
+    EXPECT_TRUE(tail.says(QStringLiteral("<From: Ghost> psst, beta")));
     EXPECT_TRUE(botSays(QStringLiteral("[Beta] "), QStringLiteral("<From: Ghost> psst, beta")));
-    EXPECT_FALSE(tailOut.contains(QStringLiteral("[Alpha]")));
+    EXPECT_FALSE(tail.out.contains(QStringLiteral("[Alpha]")));
 
     // Disconnected and unloaded from here; the follower is told, and a line
     // for a profile no longer loaded is refused.
     ASSERT_EQ(verb({QStringLiteral("disconnect"), QStringLiteral("Beta")}).status, 0);
-    EXPECT_TRUE(says(tail, tailOut, QStringLiteral("[Connections Closed]")));
+    EXPECT_TRUE(tail.says(QStringLiteral("[Connections Closed]")));
     EXPECT_TRUE(statusShows(QStringLiteral("Beta +offline +- ")));
     ASSERT_EQ(verb({QStringLiteral("unload"), QStringLiteral("Beta")}).status, 0);
-    EXPECT_TRUE(says(tail, tailOut, QStringLiteral("-- 'Beta' was unloaded")));
+    EXPECT_TRUE(tail.says(QStringLiteral("-- 'Beta' was unloaded")));
     a = verb({QStringLiteral("send"), QStringLiteral("Beta"), QStringLiteral("hi")});
     EXPECT_EQ(a.status, 1);
     EXPECT_TRUE(a.err.startsWith(QStringLiteral("No profile named 'Beta' is loaded")));
@@ -135,8 +118,8 @@ TEST_F(SteeringEndToEnd, AServiceBotIsSteeredAndFollowedFromOtherTerminals) {
     // Loaded again, the follower picks it up by name.
     ASSERT_EQ(verb({QStringLiteral("load"), QStringLiteral("Beta")}).status, 0);
     ASSERT_EQ(verb({QStringLiteral("reconnect"), QStringLiteral("Beta")}).status, 0);
-    EXPECT_TRUE(says(tail, tailOut, QStringLiteral("-- 'Beta' was loaded.")));
-    EXPECT_TRUE(says(tail, tailOut, QStringLiteral("Joined Private channel:")));
+    EXPECT_TRUE(tail.says(QStringLiteral("-- 'Beta' was loaded.")));
+    EXPECT_TRUE(tail.says(QStringLiteral("Joined Private channel:")));
 
     // A loaded profile deleted from the store leaves its slot, and loading
     // goes on working.
@@ -144,8 +127,7 @@ TEST_F(SteeringEndToEnd, AServiceBotIsSteeredAndFollowedFromOtherTerminals) {
            QStringLiteral("Gamma")});
     setUp({QStringLiteral("profile"), QStringLiteral("delete"), QStringLiteral("Beta")});
     EXPECT_TRUE(waitFor([&] {
-        tailOut += QString::fromUtf8(tail.readAllStandardOutput());
-        return tailOut.count(QStringLiteral("-- 'Beta' was unloaded")) == 2;
+        return tail.read().count(QStringLiteral("-- 'Beta' was unloaded")) == 2;
     }));
     a = verb({QStringLiteral("load"), QStringLiteral("Gamma")});
     EXPECT_EQ(a.status, 0) << a.err.toStdString();
@@ -172,9 +154,9 @@ TEST_F(SteeringEndToEnd, EveryLineOfABurstReachesStandardOutputInOrder) {
     ASSERT_EQ(sandbox.control(QStringLiteral("join Ghost Steer")), QStringLiteral("ok"));
     ASSERT_TRUE(botSays(QStringLiteral("[Alpha] "), QStringLiteral("Ghost has joined")));
     // The follower is in place once the last line before it has reached it.
-    tail.start(ProgramBinary(), {QStringLiteral("--home"), home.path(), QStringLiteral("tail"),
+    tail.verb(home.path(), {QStringLiteral("tail"),
                            QStringLiteral("Alpha"), QStringLiteral("-n"), QStringLiteral("1")});
-    ASSERT_TRUE(says(tail, tailOut, QStringLiteral("Ghost has joined")));
+    ASSERT_TRUE(tail.says(QStringLiteral("Ghost has joined")));
 
     constexpr int kLines = 10000;
     QStringList burst;
@@ -198,11 +180,11 @@ TEST_F(SteeringEndToEnd, EveryLineOfABurstReachesStandardOutputInOrder) {
                                      QRegularExpression::MultilineOption);
     int accounted = 0;
     ASSERT_TRUE(waitFor([&] {
-        tailOut += QString::fromUtf8(tail.readAllStandardOutput());
+        tail.out += QString::fromUtf8(tail.readAllStandardOutput());
         accounted = 0;
-        for (auto it = shown.globalMatch(tailOut); it.hasNext(); it.next())
+        for (auto it = shown.globalMatch(tail.out); it.hasNext(); it.next())
             ++accounted;
-        for (auto it = skipped.globalMatch(tailOut); it.hasNext();)
+        for (auto it = skipped.globalMatch(tail.out); it.hasNext();)
             accounted += it.next().captured(1).toInt();
         return accounted >= kLines;
     }, 30000)) << accounted;

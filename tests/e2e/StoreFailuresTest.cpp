@@ -2,7 +2,7 @@
 // cannot be used: no success is claimed for a write that was lost, and each
 // refusal says what is wrong.
 #include "config/RegistryWrapper.h"
-#include "e2e/HeadlessBot.h"
+#include "e2e/RunningProgram.h"
 
 #include <QTemporaryDir>
 #include <csignal>
@@ -70,10 +70,10 @@ TEST(StoreFailures, AFullDiskGetsNoClaimOfAWriteItLost) {
     ASSERT_EQ(imported.status, 0) << imported.err.toStdString();
     EXPECT_EQ(imported.out, QStringLiteral("Imported 2 values from %1/import.reg\n").arg(home));
 
-    HeadlessBot bot;
+    RunningProgram bot;
     // A write past the size limit is refused, not a reason to end the bot.
     bot.setChildProcessModifier([] { std::signal(SIGXFSZ, SIG_IGN); });
-    ASSERT_TRUE(bot.run(home));
+    ASSERT_TRUE(bot.headless(home));
     ASSERT_TRUE(bot.says(QStringLiteral("Completed all startup tasks successfully.")))
         << bot.out.toStdString();
     disk.fill(bot.processId());
@@ -113,12 +113,13 @@ TEST(StoreFailures, AStoreThatCannotBeUsedIsToldApart) {
     text.close();
 
     // The first start of a bot without profiles.
-    HeadlessBot first;
-    ASSERT_TRUE(first.run(home.path()));
+    RunningProgram first;
+    ASSERT_TRUE(first.headless(home.path()));
     ASSERT_TRUE(first.says(QStringLiteral("Completed all startup tasks successfully.")))
         << first.out.toStdString();
     const QString& out = first.out;
-    EXPECT_TRUE(out.startsWith(QStringLiteral("Welcome to Corvantide v"))) << out.toStdString();
+    EXPECT_TRUE(out.contains(QStringLiteral("goes on with fresh settings.\nWelcome to Corvantide v")))
+        << out.toStdString();
     EXPECT_TRUE(out.contains(QStringLiteral("- There are no bots set to be loaded!")));
     EXPECT_TRUE(out.contains(QStringLiteral("was not a settings store; it was moved aside to ") +
                              file + QStringLiteral(".damaged-")))

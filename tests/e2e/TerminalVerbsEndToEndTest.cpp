@@ -9,7 +9,7 @@
 #include "chat/TimedEvents.h"
 #include "common/SlotFixture.h"
 #include "config/SettingsWrapper.h"
-#include "e2e/HeadlessBot.h"
+#include "e2e/RunningProgram.h"
 #include "platform/ChatDocument.h"
 #include "platform/ListModel.h"
 
@@ -41,7 +41,7 @@ protected:
 
     SandboxProcess sandbox;
     QTemporaryDir home;
-    HeadlessBot bot;
+    RunningProgram bot;
     int owner = 0;
 };
 
@@ -57,25 +57,7 @@ static QList<QStringList> readmeRecipe() {
     const qsizetype end = text.indexOf(QStringLiteral("```"), start);
     QList<QStringList> commands;
     for (const QString& line : text.mid(start, end - start).split(u'\n')) {
-        QStringList words;
-        QString word;
-        bool quoted = false;
-        bool inWord = false;
-        for (const QChar c : line) {
-            if (c == u'#' && !quoted) break;
-            if (c == u'"') {
-                quoted = !quoted;
-                inWord = true;
-            } else if (c == u' ' && !quoted) {
-                if (inWord) words << word;
-                word.clear();
-                inWord = false;
-            } else {
-                word += c;
-                inWord = true;
-            }
-        }
-        if (inWord) words << word;
+        const QStringList words = QProcess::splitCommand(line.section(u'#', 0, 0));
         if (words.value(0) == u"corvantide") commands << words.mid(1);
     }
     return commands;
@@ -122,7 +104,7 @@ TEST_F(TerminalVerbsEndToEnd, TheReadmesRecipeLogsOnAndObeysItsUserbase) {
     EXPECT_TRUE(noBot.err.startsWith(QStringLiteral("No Corvantide runs on this home")))
         << noBot.err.toStdString();
 
-    ASSERT_TRUE(bot.run(home.path(), {QStringLiteral("--connect")}));
+    ASSERT_TRUE(bot.headless(home.path(), {QStringLiteral("--connect")}));
     owner = sandbox.loadProfile(QStringLiteral("myfriend"), QStringLiteral("Lobby"));
     SlotTable::instance().ConnectBot(owner);
     ASSERT_TRUE(waitFor([&] { return lvUsers(owner).count() == 3; }, 30000));
@@ -134,7 +116,7 @@ TEST_F(TerminalVerbsEndToEnd, TheReadmesRecipeLogsOnAndObeysItsUserbase) {
     // The refused byte was mended from BNLS once (Main and the user sent
     // their product's current byte); the profile without an account said
     // what it lacks and never tried.
-    bot.out += QString::fromUtf8(bot.readAllStandardOutput());
+    bot.read();
     EXPECT_EQ(bot.out.count(QStringLiteral("[BNLS] The server refused version byte D1 of STAR; "
                                            "stored the current one, D3, in the profile and "
                                            "connecting once more.")),

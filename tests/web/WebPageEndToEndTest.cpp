@@ -2,7 +2,7 @@
 // page on, and a real browser that opens the page, offers a wrong token and
 // then the right one, reads the channel and its users, and types a line that
 // the channel hears.
-#include "e2e/HeadlessBot.h"
+#include "e2e/RunningProgram.h"
 #include "web/HeadlessChromium.h"
 
 #include <QTcpServer>
@@ -39,8 +39,8 @@ TEST(WebPageEndToEnd, ABrowserReadsTheChannelAndTypesIntoItOnlyWithTheToken) {
     const QString token = RunVerb(home.path(), {QStringLiteral("web-token")}).out.trimmed();
     ASSERT_GE(token.size(), 40) << token.toStdString();
 
-    HeadlessBot bot;
-    ASSERT_TRUE(bot.run(home.path(), {QStringLiteral("--no-input"), QStringLiteral("--connect")}));
+    RunningProgram bot;
+    ASSERT_TRUE(bot.headless(home.path(), {QStringLiteral("--no-input"), QStringLiteral("--connect")}));
     ASSERT_TRUE(bot.says(QStringLiteral("The web page is at http://127.0.0.1:%1/").arg(port)))
         << bot.out.toStdString();
 

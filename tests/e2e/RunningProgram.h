@@ -39,34 +39,40 @@ inline VerbAnswer importKeys(const QString& home, const QString& keys) {
     return RunVerb(home, {QStringLiteral("--import-reg"), reg});
 }
 
-// `corvantide --headless --home HOME ...`, everything it printed kept in `out`.
-class HeadlessBot : public QProcess {
+// The program running beside the test, everything it printed kept in `out`.
+class RunningProgram : public QProcess {
 public:
-    ~HeadlessBot() override { stop(); }
-    bool run(const QString& home, const QStringList& options = {}) {
-        start(ProgramBinary(),
-              QStringList{QStringLiteral("--headless"), QStringLiteral("--home"), home} + options);
-        return waitForStarted();
+    ~RunningProgram() override { stop(); }
+    // `corvantide --headless --home HOME OPTIONS...`
+    bool headless(const QString& home, const QStringList& options = {}) {
+        m_endsWithInput = !options.contains(QStringLiteral("--no-input"));
+        return run(QStringList{QStringLiteral("--headless"), QStringLiteral("--home"), home} +
+                   options);
+    }
+    // `corvantide --home HOME WORDS...` for a verb that goes on, such as `tail`.
+    bool verb(const QString& home, const QStringList& words) {
+        m_endsWithInput = false;
+        return run(QStringList{QStringLiteral("--home"), home} + words);
     }
     // Until `text` has come out on standard output.
     bool says(const QString& text, int ms = 20000) {
-        return waitFor(
-            [&] {
-                out += QString::fromUtf8(readAllStandardOutput());
-                return out.contains(text);
-            },
-            ms);
+        return waitFor([&] { return read().contains(text); }, ms);
     }
-    // Ends its input as a terminal does (a bot without input is asked to end)
-    // and gives its exit status; -1 when it crashed or had to be killed.
+    // All it printed so far.
+    const QString& read() {
+        out += QString::fromUtf8(readAllStandardOutput());
+        return out;
+    }
+    // Ends its input as a terminal does (one that reads none is asked to
+    // end) and gives its exit status; -1 when it crashed or had to be killed.
     int stop() {
-        if (state() == NotRunning) return exitCode();
-        if (arguments().contains(QStringLiteral("--no-input")))
-            terminate();
-        else
+        if (state() == NotRunning) return exitStatus() == NormalExit ? exitCode() : -1;
+        if (m_endsWithInput)
             closeWriteChannel();
+        else
+            terminate();
         if (waitForFinished(20000)) {
-            out += QString::fromUtf8(readAllStandardOutput());
+            read();
             return exitStatus() == NormalExit ? exitCode() : -1;
         }
         kill();
@@ -75,4 +81,11 @@ public:
     }
 
     QString out;
+
+private:
+    bool run(const QStringList& arguments) {
+        start(ProgramBinary(), arguments);
+        return waitForStarted();
+    }
+    bool m_endsWithInput = true;
 };

@@ -201,34 +201,7 @@ TEST_F(TerminalVerbs_, ConfigFollowsTheSettingsRulesAndNeverShowsAPassword) {
     run(QStringLiteral("profile|delete|Main"));
 }
 
-TEST_F(TerminalVerbs_, UserbasesAreMadeFilledAndBoundInOneLineEach) {
-    ASSERT_EQ(run(QStringLiteral("profile|new|Keeper")).status, 0);
-    const int slot = SlotTable::instance().LoadProfile(QStringLiteral("Keeper"));
-    ASSERT_EQ(run(QStringLiteral("database|new|Crew")).status, 0);
-    expectRefused(QStringLiteral("database|new|crew"),
-                  QStringLiteral("A database named 'Crew' already exists."));
-    expectRefused(QStringLiteral("database|add|Crew|alice|101"),
-                  QStringLiteral("Flags value must be between 1 - 100!"));
-    ASSERT_EQ(run(QStringLiteral("database|add|Crew|alice|100")).status, 0);
-    ASSERT_EQ(run(QStringLiteral("database|add|crew|Alice|40")).status, 0)
-        << "the panel's way: an existing rank is overwritten";
-    EXPECT_EQ(run(QStringLiteral("database|list|Crew")).out, QStringLiteral("alice\t40\n"));
-
-    EXPECT_EQ(run(QStringLiteral("database|bind|crew|keeper")).out,
-              QStringLiteral("Bound database 'Crew' to profile 'Keeper'.\n"));
-    EXPECT_EQ(Bots(slot).Database(), QStringLiteral("Crew"));
-    EXPECT_TRUE(rtbChat(slot).text().contains(
-        QStringLiteral("Binded database 'Crew' to this profile.")));
-
-    // Deleting the database leaves no profile bound to a half-gone userbase.
-    EXPECT_EQ(run(QStringLiteral("database|delete|Crew")).status, 0);
-    EXPECT_TRUE(Bots(slot).Database().isEmpty());
-    expectRefused(QStringLiteral("database|list|Crew"),
-                  QStringLiteral("There is no database called \"Crew\"."));
-    run(QStringLiteral("profile|delete|Keeper"));
-}
-
-TEST_F(TerminalVerbs_, ListsChangeInOneLineEachAndTheBotUsesThemAtOnce) {
+TEST_F(TerminalVerbs_, ListsAndUserbasesChangeInOneLineEachAndTheBotUsesThemAtOnce) {
     SettingsWrapper::instance().setFloodMode(0);
     const int slot = loadConnected(QStringLiteral("Lister"));
     Bots(slot).setOnline(true);
@@ -273,6 +246,15 @@ TEST_F(TerminalVerbs_, ListsChangeInOneLineEachAndTheBotUsesThemAtOnce) {
         {"group|list|Crew", 0, "bob"},
         {"group|remove|Nobody", 1, "There is no group 'Nobody'."},
         {"alias|frobnicate", 2, nullptr},
+        {"database|new|Crew", 0, nullptr},
+        {"database|new|crew", 1, "A database named 'Crew' already exists."},
+        {"database|add|Crew|alice|101", 1, "Flags value must be between 1 - 100!"},
+        {"database|add|Crew|alice|100", 0, nullptr},
+        // The panel's way: an existing rank is overwritten.
+        {"database|add|crew|Alice|40", 0, nullptr},
+        {"database|list|Crew", 0, "alice\t40"},
+        {"profile|new|Lister", 0, nullptr},
+        {"database|bind|crew|lister", 0, "Bound database 'Crew' to profile 'Lister'."},
     };
     for (const Step& step : steps) {
         const QString line = QString::fromLatin1(step.line);
@@ -291,4 +273,13 @@ TEST_F(TerminalVerbs_, ListsChangeInOneLineEachAndTheBotUsesThemAtOnce) {
     EXPECT_EQ(lvUsers(slot).item(1).color, 0x0080FFu) << "the group's colour, red in the low byte";
     EXPECT_EQ(run(QStringLiteral("alias|remove|pal")).out, QStringLiteral("Removed alias 'Pal'.\n"));
     EXPECT_TRUE(FindAlias(QStringLiteral("bob")).isEmpty());
+    EXPECT_EQ(Bots(slot).Database(), QStringLiteral("Crew"));
+    EXPECT_TRUE(rtbChat(slot).text().contains(
+        QStringLiteral("Binded database 'Crew' to this profile.")));
+    // Deleting the database leaves no profile bound to a half-gone userbase.
+    EXPECT_EQ(run(QStringLiteral("database|delete|Crew")).status, 0);
+    EXPECT_TRUE(Bots(slot).Database().isEmpty());
+    expectRefused(QStringLiteral("database|list|Crew"),
+                  QStringLiteral("There is no database called \"Crew\"."));
+    run(QStringLiteral("profile|delete|Lister"));
 }

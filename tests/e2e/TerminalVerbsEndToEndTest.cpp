@@ -133,19 +133,24 @@ TEST_F(TerminalVerbsEndToEnd, TheReadmesRecipeLogsOnAndObeysItsUserbase) {
     // The plug-in Plugins.ini loads at start greets who joins.
     Bots(owner).Queue << QStringLiteral("/join Elsewhere") << QStringLiteral("/join Lobby");
     ASSERT_TRUE(ownerSees(QStringLiteral("<mybot> Hello myfriend, greetings from a plug-in.")));
-    const QStringList plugin{QStringLiteral("plugin")};
-    EXPECT_EQ(verb(plugin + QStringList{QStringLiteral("list")}).out,
-              QStringLiteral("greeter\trunning, loads at start\n"));
-    EXPECT_EQ(verb(plugin + QStringList{QStringLiteral("stop"), QStringLiteral("greeter")}).out,
-              QStringLiteral("Stopped 'greeter'.\n"));
-    EXPECT_EQ(verb(plugin + QStringList{QStringLiteral("stop"), QStringLiteral("greeter")}).err,
-              QStringLiteral("'greeter' is not running.\n"));
-    EXPECT_EQ(verb(plugin + QStringList{QStringLiteral("disable"), QStringLiteral("greeter")}).out,
-              QStringLiteral("'greeter' no longer loads when the bot starts.\n"));
-    EXPECT_EQ(verb(plugin + QStringList{QStringLiteral("start"), QStringLiteral("greeter")}).out,
-              QStringLiteral("Started 'greeter'.\n"));
-    EXPECT_EQ(verb(plugin + QStringList{QStringLiteral("list")}).out,
-              QStringLiteral("greeter\trunning, not loaded at start\n"));
+    struct PluginVerb {
+        const char* words;
+        int status;
+        QString said; // on standard output, or standard error for a refusal
+    } const pluginVerbs[] = {
+        {"list", 0, QStringLiteral("greeter\trunning, loads at start\n")},
+        {"stop greeter", 0, QStringLiteral("Stopped 'greeter'.\n")},
+        {"stop greeter", 1, QStringLiteral("'greeter' is not running.\n")},
+        {"disable greeter", 0, QStringLiteral("'greeter' no longer loads when the bot starts.\n")},
+        {"start greeter", 0, QStringLiteral("Started 'greeter'.\n")},
+        {"list", 0, QStringLiteral("greeter\trunning, not loaded at start\n")},
+    };
+    for (const PluginVerb& row : pluginVerbs) {
+        const Answer a = verb(QStringList{QStringLiteral("plugin")} +
+                              QString::fromLatin1(row.words).split(u' '));
+        EXPECT_EQ(a.status, row.status) << row.words;
+        EXPECT_EQ(row.status == 0 ? a.out : a.err, row.said) << row.words;
+    }
 
     // The running bot takes the new trigger at once: the old one is silence.
     const Answer changed = verb({QStringLiteral("profile"), QStringLiteral("set"), p,

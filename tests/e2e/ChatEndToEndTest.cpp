@@ -2,41 +2,30 @@
 // the channel's through everything the channel does, whispers go both ways, a
 // spammer's burst vanishes unseen, profanity is censored where it shows, and
 // the idle message keeps its minute on the bot's own clock.
-#include "chat/TimedEvents.h"
 #include "commands/ProfanityReader.h"
-#include "common/SandboxProcess.h"
-#include "common/SlotFixture.h"
-#include "config/SettingsWrapper.h"
-#include "e2e/SandboxTrace.h"
-#include "platform/ChatDocument.h"
+#include "e2e/BotFixture.h"
 #include "platform/ListModel.h"
 #include "platform/TickCount.h"
 
 #include <QCoreApplication>
 #include <QFile>
-#include <QTemporaryDir>
 #include <algorithm>
 #include <map>
 
 namespace {
 
-class ChatEndToEnd : public SlotFixture {
+class ChatEndToEnd : public BotFixture {
 protected:
     void SetUp() override {
-        SlotFixture::SetUp();
+        BotFixture::SetUp();
         SettingsWrapper& settings = SettingsWrapper::instance();
-        settings.setLocalHashing(false);
         settings.setFloodMode(1000); // every event takes the delayed road
         settings.setWhisperPanel(false);
-        TimedEvents::instance().start();
     }
-    void TearDown() override { TimedEvents::instance().stop(); }
 
     bool startSandbox(QStringList options) {
-        options << QStringLiteral("--control") << QStringLiteral("--trace-file") << tracePath();
-        return sandbox.start(options);
+        return sandbox.start(traced(options << QStringLiteral("--control")));
     }
-    QString tracePath() const { return traceDir.filePath(QStringLiteral("trace.log")); }
 
     // A profile on the sandbox whose home is `channel`; not yet connected.
     int load(const QString& account, const QString& channel) {
@@ -103,7 +92,6 @@ protected:
         }
         return ::testing::AssertionSuccess();
     }
-    QString chat(int i) const { return rtbChat(i).text(); }
     QList<QByteArray> chatLinesAtServer() const { return chatLinesSent(tracePath()); }
     // How many chat events of each id the sandbox sent.
     std::map<quint32, int> eventsSent() const {
@@ -112,12 +100,6 @@ protected:
             if (t.link == "bncs" && t.direction == "out" && t.id == "0x0f") ++count[t.dword(0)];
         return count;
     }
-    static void pause(int ms) {
-        waitFor([] { return false; }, ms);
-    }
-
-    QTemporaryDir traceDir;
-    SandboxProcess sandbox;
 };
 
 } // namespace

@@ -7,34 +7,12 @@
 // as the one before it did: eight lines (about thirteen seconds) cover every
 // wait the formula gives, and a longer run repeats the last.
 #include "chat/SendQueue.h"
-#include "chat/TimedEvents.h"
-#include "common/SandboxProcess.h"
-#include "common/SlotFixture.h"
-#include "config/SettingsWrapper.h"
-#include "e2e/SandboxTrace.h"
-#include "platform/ChatDocument.h"
+#include "e2e/BotFixture.h"
 
-#include <QTemporaryDir>
-
-namespace {
-
-class FloodEndToEnd : public SlotFixture {
-protected:
-    void SetUp() override {
-        SlotFixture::SetUp();
-        TimedEvents::instance().start();
-    }
-    void TearDown() override { TimedEvents::instance().stop(); }
-};
-
-} // namespace
+using FloodEndToEnd = BotFixture;
 
 TEST_F(FloodEndToEnd, ABurstLeavesAtTheQueuesPaceWithoutADisconnect) {
-    QTemporaryDir traceDir;
-    const QString trace = traceDir.filePath(QStringLiteral("trace.log"));
-    SandboxProcess sandbox;
-    ASSERT_TRUE(sandbox.start({QStringLiteral("--trace-file"), trace}));
-    SettingsWrapper::instance().setLocalHashing(false);
+    ASSERT_TRUE(sandbox.start(traced()));
     const int i = sandbox.loadProfile(QStringLiteral("flooder"), QStringLiteral("Flood"));
     SlotTable::instance().ConnectBot(i);
     ASSERT_TRUE(waitFor([&] { return Bots(i).Channel() == QLatin1String("Flood"); }));
@@ -44,14 +22,14 @@ TEST_F(FloodEndToEnd, ABurstLeavesAtTheQueuesPaceWithoutADisconnect) {
     for (int n = 0; n < kLines; ++n)
         Bots(i).Queue << QString::number(n, 36).rightJustified(kLength, u'0');
     const bool drained = waitFor([&] { return Bots(i).Queue.isEmpty(); }, 3 * 60 * 1000);
-    waitFor([] { return false; }, 500);
+    pause(500);
     ASSERT_TRUE(drained) << Bots(i).Queue.size() << " lines left";
     EXPECT_TRUE(Bots(i).Online());
-    EXPECT_FALSE(rtbChat(i).text().contains(QStringLiteral("Disconnected")));
+    EXPECT_FALSE(chat(i).contains(QStringLiteral("Disconnected")));
 
     // Arrival times at the server of the chat lines.
     std::vector<qint64> times;
-    for (const TracedFrame& t : readTrace(trace))
+    for (const TracedFrame& t : readTrace(tracePath()))
         if (t.link == "bncs" && t.direction == "in" && t.id == "0x0e") times.push_back(t.ms);
     ASSERT_EQ(times.size(), size_t(kLines));
     // A line leaves on the first send step after the wait of the one before

@@ -1,15 +1,9 @@
 // The bot against the local sandbox over loopback: every product by every
 // route it allows, account creation, refusals, and the order on the wire.
-#include "chat/TimedEvents.h"
-#include "common/SandboxProcess.h"
-#include "common/SlotFixture.h"
-#include "config/SettingsWrapper.h"
-#include "e2e/SandboxTrace.h"
-#include "platform/ChatDocument.h"
+#include "e2e/BotFixture.h"
 #include "session/ConnectionWrapper.h"
 
 #include <QFile>
-#include <QTemporaryDir>
 
 namespace {
 
@@ -56,26 +50,15 @@ public:
     QString files; // the sandbox's --hash-files
 };
 
-class LogonEndToEnd : public SlotFixture {
+class LogonEndToEnd : public BotFixture {
 protected:
-    // The program's timers run as they do in a real run: the delayed chat
-    // events, the send queue and the watchdog.
-    void SetUp() override {
-        SlotFixture::SetUp();
-        TimedEvents::instance().start();
-    }
-    void TearDown() override { TimedEvents::instance().stop(); }
-
     bool startSandbox(QStringList options = {}) {
-        options << QStringLiteral("--hash-files") << game.files << QStringLiteral("--trace-file")
-                << trace.filePath(QStringLiteral("trace.log"));
-        return sandbox.start(options);
+        return sandbox.start(traced(options << QStringLiteral("--hash-files") << game.files));
     }
-    int load(const Product& p, const QString& account, const QString& password) {
-        return load(p, account, password, sandbox);
-    }
+    // On the test's sandbox unless another `server` is named.
     int load(const Product& p, const QString& account, const QString& password,
-             const SandboxProcess& server) {
+             const SandboxProcess* server = nullptr) {
+        if (!server) server = &sandbox;
         const int i = SlotTable::instance().LoadProfile(account + QString::fromLatin1(p.client));
         ConfigWrapper& c = Bots(i).Config;
         c.setAccount(account);
@@ -84,8 +67,8 @@ protected:
         c.setVerbyte(QStringLiteral("d3"));
         c.setCdkey(QString::fromLatin1(p.key));
         c.setCdkey2(QString::fromLatin1(p.key2));
-        c.setServer(server.bncsServer());
-        c.setServerBNLS(server.bnlsServer());
+        c.setServer(server->bncsServer());
+        c.setServerBNLS(server->bnlsServer());
         c.setChannel(QStringLiteral("Lobby"));
         return i;
     }
@@ -96,10 +79,7 @@ protected:
         s.setPathD2XP(game.dir.path());
         s.setPathWAR3(game.dir.path());
     }
-    QString chat(int i) { return rtbChat(i).text(); }
     GameFolder game;
-    QTemporaryDir trace;
-    SandboxProcess sandbox;
 };
 
 } // namespace
@@ -124,7 +104,7 @@ TEST_F(LogonEndToEnd, EveryProductReachesChatByEveryRouteInTheWiresOrder) {
 
     // Pings and keep-alives may fall anywhere; the first logon's steps may not.
     QStringList order;
-    for (const TracedFrame& t : readTrace(trace.filePath(QStringLiteral("trace.log"))))
+    for (const TracedFrame& t : readTrace(tracePath()))
         order << QString::fromLatin1(t.link + ' ' + t.direction + ' ' + t.id);
     int previous = -1;
     for (const char* step : {"bncs in proto", "bncs in 0x50", "bncs out 0x50", "bnls in 0x1a",
@@ -189,7 +169,7 @@ TEST_F(LogonEndToEnd, VersionResultsShowTheirWordsForEachRoute) {
                           QStringLiteral("--version-result"), QString::fromLatin1(c.result)}));
         useLocalHashing(c.local);
         const int i = load(kProducts[3], QStringLiteral("version") + QString::number(c.local),
-                           QStringLiteral("pass"), server);
+                           QStringLiteral("pass"), &server);
         SlotTable::instance().ConnectBot(i);
         ASSERT_TRUE(waitFor([&] { return chat(i).contains("[Connections Closed]"); }))
             << chat(i).toStdString();
@@ -204,7 +184,7 @@ TEST_F(LogonEndToEnd, AFailedBnlsCheckStandsStillUntilTheWatchdog) {
     const int i = load(kProducts[0], QStringLiteral("stuck"), QStringLiteral("pass"));
     SlotTable::instance().ConnectBot(i);
     ASSERT_TRUE(waitFor([&] { return chat(i).contains("[BNLS] Version check failed."); }));
-    waitFor([] { return false; }, 500);
+    pause(500);
     EXPECT_FALSE(chat(i).contains(QStringLiteral("Authorizing client information")));
     EXPECT_TRUE(Bots(i).CanConnect);
     // Thirty seconds after the attempt the watchdog gives it up, naming the

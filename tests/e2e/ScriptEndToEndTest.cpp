@@ -3,14 +3,9 @@
 // goes on, plug-ins in JavaScript and in C hear packets and chat, and tidy
 // the lines the user types, and both reach the main form, a C plug-in of an
 // older interface loading and one of a newer interface refused.
-#include "chat/TimedEvents.h"
-#include "common/SandboxProcess.h"
-#include "common/SlotFixture.h"
 #include "config/Folders.h"
-#include "config/SettingsWrapper.h"
+#include "e2e/BotFixture.h"
 #include "e2e/RunningProgram.h"
-#include "e2e/SandboxTrace.h"
-#include "platform/ChatDocument.h"
 #include "platform/ListModel.h"
 #include "plugins/JavaScriptObject.h"
 #include "plugins/PluginHost.h"
@@ -23,25 +18,22 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QRegularExpression>
-#include <QTemporaryDir>
 
 namespace {
 
 const QString kExamples =
     QDir::cleanPath(QStringLiteral(CORVANTIDE_TEST_DATA "/../../examples")) + u'/';
 
-class ScriptEndToEnd : public SlotFixture {
+class ScriptEndToEnd : public BotFixture {
 protected:
     void SetUp() override {
-        SlotFixture::SetUp();
-        SettingsWrapper::instance().setLocalHashing(false);
+        BotFixture::SetUp();
         SettingsWrapper::instance().setFloodMode(0);
         PluginHost::instance().clear();
         PluginHost::instance().options().clear();
-        TimedEvents::instance().start();
     }
     void TearDown() override {
-        TimedEvents::instance().stop();
+        BotFixture::TearDown();
         PluginHost::instance().clear();
         PluginHost::instance().setScript(nullptr);
         QFile::remove(GetSettingsPath() + QStringLiteral("Script.txt"));
@@ -57,19 +49,17 @@ protected:
 
     // A bot in the sandbox's channel with nobody else there.
     int online() {
-        EXPECT_TRUE(sandbox.start({QStringLiteral("--residents"), QStringLiteral("0"),
-                                   QStringLiteral("--trace-file"), tracePath(),
-                                   QStringLiteral("--control")}));
+        EXPECT_TRUE(sandbox.start(traced(
+            {QStringLiteral("--residents"), QStringLiteral("0"), QStringLiteral("--control")})));
         const int i = sandbox.loadProfile(QStringLiteral("scribe"), QStringLiteral("Sandbox"));
         SlotTable::instance().ConnectBot(i);
         EXPECT_TRUE(waitFor([&] { return Bots(i).Channel() == QLatin1String("Sandbox"); }, 15000))
-            << rtbChat(i).text().toStdString();
+            << chat(i).toStdString();
         return i;
     }
     void control(const QStringList& lines) {
         ASSERT_EQ(sandbox.control(lines), QStringList(lines.size(), QStringLiteral("ok")));
     }
-    QString tracePath() const { return traceDir.filePath(QStringLiteral("trace.log")); }
     QStringList linesAtServer() const {
         QStringList lines;
         for (const QByteArray& line : chatLinesSent(tracePath())) lines << QString::fromLatin1(line);
@@ -83,9 +73,6 @@ protected:
                << linesAtServer().join(QStringLiteral("\n  ")).toStdString();
     }
     static QString console() { return rtbChat(0).text(); }
-
-    QTemporaryDir traceDir;
-    SandboxProcess sandbox;
 };
 
 TEST_F(ScriptEndToEnd, TheObjectsAnswerAScriptAndRefuseASlotWithoutAProfile) {

@@ -2,30 +2,23 @@
 // entering chat, a resident's profile, the bot's own profile saved and read
 // back; a WarCraft III bot founds a clan and runs it by typed commands; a
 // stalked friend is followed.
-#include "chat/TimedEvents.h"
 #include "commands/ChatInput.h"
-#include "common/SandboxProcess.h"
-#include "common/SlotFixture.h"
-#include "config/SettingsWrapper.h"
-#include "platform/ChatDocument.h"
+#include "e2e/BotFixture.h"
 #include "platform/ListModel.h"
 #include "social/ClanNotices.h"
 #include "social/ClanPacket.h"
 
 namespace {
 
-class SocialEndToEnd : public SlotFixture {
+class SocialEndToEnd : public BotFixture {
 protected:
     void SetUp() override {
-        SlotFixture::SetUp();
+        BotFixture::SetUp();
         ClanPacket::install();
-        SettingsWrapper& settings = SettingsWrapper::instance();
-        settings.setLocalHashing(false);
-        settings.setRequestKeys(true);
-        TimedEvents::instance().start();
+        SettingsWrapper::instance().setRequestKeys(true);
     }
     void TearDown() override {
-        TimedEvents::instance().stop();
+        BotFixture::TearDown();
         for (int i = 1; i <= SlotTable::instance().highestIndex(); ++i)
             EXPECT_FALSE(chat(i).contains(QLatin1String("Unhandled packet")))
                 << chat(i).toStdString();
@@ -42,7 +35,6 @@ protected:
             << chat(i).toStdString();
         return i;
     }
-    static QString chat(int i) { return rtbChat(i).text(); }
     static bool saw(int i, const QString& text) {
         return waitFor([&] { return chat(i).contains(text); }, 10000);
     }
@@ -55,8 +47,6 @@ protected:
             names << w.section(u':', 0, 0);
         return names;
     }
-
-    SandboxProcess sandbox;
 };
 
 // The account report on entering chat, a resident's profile, the bot's own
@@ -207,7 +197,7 @@ TEST_F(SocialEndToEnd, AStalkedFriendIsFollowedOnceAHop) {
     SendChatLine(quarry, QStringLiteral("/join Backroom"));
     ASSERT_TRUE(waitFor([&] { return Bots(shadow).Channel() == QLatin1String("Backroom"); }));
     const auto settled = [&](const QString& text) {
-        waitFor([] { return false; }, 3000); // any further join would have left by now
+        pause(3000); // any further join would have left by now
         return int(chat(shadow).count(text));
     };
     EXPECT_EQ(settled(QStringLiteral("Attempting to follow/stalk user Quarry..")), 1);

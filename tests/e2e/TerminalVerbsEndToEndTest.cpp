@@ -6,11 +6,8 @@
 // refuses an old version byte, and while it runs a new trigger is sent and
 // the plug-in stopped and started from the terminal. A ranked user in the
 // channel commands the bot through all of it.
-#include "chat/TimedEvents.h"
-#include "common/SlotFixture.h"
-#include "config/SettingsWrapper.h"
+#include "e2e/BotFixture.h"
 #include "e2e/RunningProgram.h"
-#include "platform/ChatDocument.h"
 #include "platform/ListModel.h"
 
 #include <QTemporaryDir>
@@ -19,14 +16,12 @@ namespace {
 
 using Answer = VerbAnswer;
 
-class TerminalVerbsEndToEnd : public SlotFixture {
+class TerminalVerbsEndToEnd : public BotFixture {
 protected:
     void SetUp() override {
-        SlotFixture::SetUp();
+        BotFixture::SetUp();
         SettingsWrapper::instance().setFloodMode(0);
-        TimedEvents::instance().start();
     }
-    void TearDown() override { TimedEvents::instance().stop(); }
 
     Answer verb(const QStringList& words) { return RunVerb(home.path(), words); }
     void setUp(const QStringList& words) {
@@ -36,10 +31,9 @@ protected:
     }
 
     bool ownerSees(const QString& text) {
-        return waitFor([&] { return rtbChat(owner).text().contains(text); }, 20000);
+        return waitFor([&] { return chat(owner).contains(text); }, 20000);
     }
 
-    SandboxProcess sandbox;
     QTemporaryDir home;
     RunningProgram bot;
     int owner = 0;

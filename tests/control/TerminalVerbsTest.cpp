@@ -249,7 +249,7 @@ TEST_F(TerminalVerbs_, ListsAndUserbasesChangeInOneLineEachAndTheBotUsesThemAtOn
         {"database|new|Crew", 0, nullptr},
         {"database|new|crew", 1, "A database named 'Crew' already exists."},
         {"database|add|Crew|alice|101", 1, "Flags value must be between 1 - 100!"},
-        {"database|add|Crew|alice|0", 1, "Flags value must be between 1 - 100!"},
+        {"database|add|Crew|alice|ten", 1, "Flags value must be between 1 - 100!"},
         {"database|add|Crew|alice|100", 0, nullptr},
         // The panel's way: an existing rank is overwritten.
         {"database|add|crew|Alice|40", 0, nullptr},

@@ -5,7 +5,6 @@
 
 #include <QLocalSocket>
 #include <QTemporaryDir>
-
 #include <map>
 #include <memory>
 #include <pwd.h>
@@ -22,26 +21,32 @@ namespace {
 class ControlSocket : public testing::Test {
 protected:
     void SetUp() override {
-        for (const char* name : {"TMPDIR", "XDG_RUNTIME_DIR"}) saved[name] = qgetenv(name);
+        for (const char* name : {"TMPDIR", "XDG_RUNTIME_DIR"})
+            saved[name] = qgetenv(name);
         qputenv("TMPDIR", QFile::encodeName(tmp.path()));
         useRuntime({});
     }
     void TearDown() override {
         bot.stop();
         for (const auto& [name, value] : saved) {
-            if (value.isNull()) qunsetenv(name);
-            else qputenv(name, value);
+            if (value.isNull())
+                qunsetenv(name);
+            else
+                qputenv(name, value);
         }
     }
 
     static void useRuntime(const QString& folder) {
-        if (folder.isEmpty()) qunsetenv("XDG_RUNTIME_DIR");
-        else qputenv("XDG_RUNTIME_DIR", QFile::encodeName(folder));
+        if (folder.isEmpty())
+            qunsetenv("XDG_RUNTIME_DIR");
+        else
+            qputenv("XDG_RUNTIME_DIR", QFile::encodeName(folder));
     }
     void startBot() {
         bot.out.clear();
         ASSERT_TRUE(bot.headless(home.path()));
-        ASSERT_TRUE(bot.says(QStringLiteral("Completed all startup tasks"))) << bot.out.toStdString();
+        ASSERT_TRUE(bot.says(QStringLiteral("Completed all startup tasks")))
+            << bot.out.toStdString();
     }
     VerbAnswer verb(const QStringList& words) { return RunVerb(home.path(), words); }
     // The one socket in `folder`.
@@ -149,7 +154,8 @@ TEST_F(ControlSocket, RunningOutOfDescriptorsIsALineAndARetry) {
         idle.back()->connectToServer(path);
         ASSERT_TRUE(idle.back()->waitForConnected(2000)) << i;
     }
-    EXPECT_TRUE(bot.says(QStringLiteral("the bot has no file descriptors left (Too many open files)")));
+    EXPECT_TRUE(
+        bot.says(QStringLiteral("the bot has no file descriptors left (Too many open files)")));
     const VerbAnswer late = verb({QStringLiteral("profile"), QStringLiteral("list")});
     EXPECT_EQ(late.out.left(15), QStringLiteral("No profiles yet")) << late.err.toStdString();
     EXPECT_TRUE(QFileInfo::exists(path));
@@ -177,8 +183,10 @@ TEST_F(ControlSocket, AnotherUserTakingThePlaceFirstGetsNoByte) {
     const int inFolder = listenAs(other, folder + QStringLiteral("/corvantide-squat"));
     ASSERT_GE(inFolder, 0);
     startBot();
-    EXPECT_TRUE(bot.says(QStringLiteral("cannot reach this bot: the folder"))) << bot.out.toStdString();
-    EXPECT_TRUE(bot.out.contains(QStringLiteral("belongs to the user nobody"))) << bot.out.toStdString();
+    EXPECT_TRUE(bot.says(QStringLiteral("cannot reach this bot: the folder")))
+        << bot.out.toStdString();
+    EXPECT_TRUE(bot.out.contains(QStringLiteral("belongs to the user nobody")))
+        << bot.out.toStdString();
     const VerbAnswer refused = verb(secret);
     EXPECT_EQ(refused.status, 1);
     EXPECT_TRUE(refused.err.contains(QStringLiteral("belongs to the user nobody")))

@@ -107,12 +107,11 @@ TEST_F(LogonEndToEnd, EveryProductReachesChatByEveryRouteInTheWiresOrder) {
     for (const TracedFrame& t : readTrace(tracePath()))
         order << QString::fromLatin1(t.link + ' ' + t.direction + ' ' + t.id);
     int previous = -1;
-    for (const char* step : {"bncs in proto", "bncs in 0x50", "bncs out 0x50", "bnls in 0x1a",
-                             "bnls out 0x1a", "bncs in 0x51", "bncs in 0x3a", "bncs in 0x0a",
-                             "bncs in 0x0b", "bncs in 0x0c"}) {
+    for (const char* step :
+         {"bncs in proto", "bncs in 0x50", "bncs out 0x50", "bnls in 0x1a", "bnls out 0x1a",
+          "bncs in 0x51", "bncs in 0x3a", "bncs in 0x0a", "bncs in 0x0b", "bncs in 0x0c"}) {
         const int at = order.indexOf(QString::fromLatin1(step));
-        EXPECT_GT(at, previous) << step << " out of order:\n"
-                                << order.join(u'\n').toStdString();
+        EXPECT_GT(at, previous) << step << " out of order:\n" << order.join(u'\n').toStdString();
         previous = at;
     }
 }
@@ -122,11 +121,12 @@ TEST_F(LogonEndToEnd, EveryProductReachesChatByEveryRouteInTheWiresOrder) {
 TEST_F(LogonEndToEnd, AMissingAccountIsMadeAndLogsOnAgainAndAWrongPasswordEndsTheSession) {
     ASSERT_TRUE(startSandbox({QStringLiteral("--account"), QStringLiteral("known:right")}));
     useLocalHashing(false);
-    for (const Product& p : {kProducts[0], kProducts[1], kProducts[2], kProducts[3], kProducts[4],
-                             kProducts[5]}) {
+    for (const Product& p :
+         {kProducts[0], kProducts[1], kProducts[2], kProducts[3], kProducts[4], kProducts[5]}) {
         const QString account = QStringLiteral("Mixed") + QString::fromLatin1(p.client);
         for (const int session : {1, 2}) {
-            const int i = load(p, account, QStringLiteral("PaSsWoRd-") + QString::fromLatin1(p.client));
+            const int i =
+                load(p, account, QStringLiteral("PaSsWoRd-") + QString::fromLatin1(p.client));
             SlotTable::instance().ConnectBot(i);
             ASSERT_TRUE(waitFor([&] { return Bots(i).Online(); }))
                 << p.client << " session " << session << "\n"

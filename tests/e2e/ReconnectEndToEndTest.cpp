@@ -221,5 +221,6 @@ TEST_F(ReconnectEndToEnd, ProfilesDroppedTogetherComeBackWhenTheirLinesSay) {
         for (const int i : slots)
             if (!started.count(i) && attempts(i) > before[i]) started[i] = second;
     }
-    for (const int i : slots) EXPECT_EQ(started[i], announced[i]) << chat(i).toStdString();
+    for (const int i : slots)
+        EXPECT_EQ(started[i], announced[i]) << chat(i).toStdString();
 }

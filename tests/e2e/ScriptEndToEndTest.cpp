@@ -62,7 +62,8 @@ protected:
     }
     QStringList linesAtServer() const {
         QStringList lines;
-        for (const QByteArray& line : chatLinesSent(tracePath())) lines << QString::fromLatin1(line);
+        for (const QByteArray& line : chatLinesSent(tracePath()))
+            lines << QString::fromLatin1(line);
         return lines;
     }
     ::testing::AssertionResult serverHears(const QString& line) {
@@ -100,7 +101,8 @@ TEST_F(ScriptEndToEnd, TheObjectsAnswerAScriptAndRefuseASlotWithoutAProfile) {
 }
 
 TEST_F(ScriptEndToEnd, TheExampleScriptGreetsAndAnswersSeen) {
-    writeFile(GetSettingsPath() + QStringLiteral("Script.txt"), example(QStringLiteral("Script.txt")));
+    writeFile(GetSettingsPath() + QStringLiteral("Script.txt"),
+              example(QStringLiteral("Script.txt")));
     LoadScript();
     EXPECT_TRUE(console().contains(QStringLiteral("Greeter script loaded")));
     const int i = online();
@@ -161,7 +163,7 @@ TEST_F(ScriptEndToEnd, PluginsInJavaScriptAndCHearPacketsAndChatAndTidyTypedLine
                             folder + QStringLiteral("hello.so")));
     // Asks for chat events and has none of their members.
     writeFile(folder + QStringLiteral("mute.js"),
-          "function Startup(form, plugin) { form.RegisterPlugin('mute', 1); }");
+              "function Startup(form, plugin) { form.RegisterPlugin('mute', 1); }");
     writeFile(folder + QStringLiteral("idle.js"), "function Startup(form, plugin) {}");
     ASSERT_TRUE(PluginHost::setAutoLoad(QStringLiteral("greeter"), true));
     ASSERT_TRUE(PluginHost::setAutoLoad(QStringLiteral("mute"), true));

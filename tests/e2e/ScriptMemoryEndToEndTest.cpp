@@ -80,13 +80,15 @@ TEST(ScriptMemoryEndToEnd, AScriptAndAPluginThatEatMemoryAreUnloadedAndTheBotGoe
 
     sandbox.control({QStringLiteral("user Alice"), QStringLiteral("join Alice Sandbox"),
                      QStringLiteral("talk Alice eat")});
-    EXPECT_TRUE(bot.says(QStringLiteral("Error -> Plugin hungry is unloaded and its memory freed: it "
-                                    "used more than 64 MB of memory (ScriptMemoryLimit) and was "
-                                    "stopped.")))
+    EXPECT_TRUE(
+        bot.says(QStringLiteral("Error -> Plugin hungry is unloaded and its memory freed: it "
+                                "used more than 64 MB of memory (ScriptMemoryLimit) and was "
+                                "stopped.")))
         << bot.out.toStdString();
-    EXPECT_TRUE(bot.says(QStringLiteral("Error -> Script.txt is unloaded and its memory freed: it "
-                                    "used more than 64 MB of memory (ScriptMemoryLimit) and was "
-                                    "stopped.")))
+    EXPECT_TRUE(
+        bot.says(QStringLiteral("Error -> Script.txt is unloaded and its memory freed: it "
+                                "used more than 64 MB of memory (ScriptMemoryLimit) and was "
+                                "stopped.")))
         << bot.out.toStdString();
 
     bot.write("/ver\n");

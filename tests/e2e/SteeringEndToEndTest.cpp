@@ -22,20 +22,21 @@ protected:
                        sandbox) +
                 profileKey(QStringLiteral("Beta"), QStringLiteral("betabot"),
                            QStringLiteral("Steer"), sandbox, false) +
-                QStringLiteral("[HKEY_CURRENT_USER\\Software\\Corvantide4\\Settings]\r\n"
-                               "\"FloodMode\"=dword:00000000\r\n\"WhisperPanel\"=dword:00000001\r\n"));
+                QStringLiteral(
+                    "[HKEY_CURRENT_USER\\Software\\Corvantide4\\Settings]\r\n"
+                    "\"FloodMode\"=dword:00000000\r\n\"WhisperPanel\"=dword:00000001\r\n"));
         ASSERT_EQ(imported.status, 0) << imported.err.toStdString();
     }
     // One verb from another terminal, answered while the bot runs.
     Answer verb(const QStringList& words) { return RunVerb(home.path(), words); }
     void setUp(const QStringList& words) {
         const Answer run = verb(words);
-        ASSERT_EQ(run.status, 0) << words.join(u' ').toStdString() << ": "
-                                 << run.err.toStdString();
+        ASSERT_EQ(run.status, 0) << words.join(u' ').toStdString() << ": " << run.err.toStdString();
     }
 
     void startBot() {
-        ASSERT_TRUE(bot.headless(home.path(), {QStringLiteral("--no-input"), QStringLiteral("--connect")}));
+        ASSERT_TRUE(
+            bot.headless(home.path(), {QStringLiteral("--no-input"), QStringLiteral("--connect")}));
         ASSERT_TRUE(botSays(QStringLiteral("[Alpha] "), QStringLiteral("alphabot is present")));
     }
 
@@ -55,8 +56,7 @@ protected:
     bool statusShows(const QString& row) {
         const QRegularExpression pattern(u'^' + row, QRegularExpression::MultilineOption);
         return waitFor(
-            [&] { return pattern.match(verb({QStringLiteral("status")}).out).hasMatch(); },
-            20000);
+            [&] { return pattern.match(verb({QStringLiteral("status")}).out).hasMatch(); }, 20000);
     }
 
     SandboxProcess sandbox;
@@ -84,8 +84,8 @@ TEST_F(SteeringEndToEnd, AServiceBotIsSteeredAndFollowedFromOtherTerminals) {
 
     // A follower gets the last lines first, then each line as it comes: what
     // `send` types, and a whisper that the whisper panel takes.
-    tail.verb(home.path(), {QStringLiteral("tail"),
-                           QStringLiteral("Beta"), QStringLiteral("-n"), QStringLiteral("3")});
+    tail.verb(home.path(), {QStringLiteral("tail"), QStringLiteral("Beta"), QStringLiteral("-n"),
+                            QStringLiteral("3")});
     // The account's facts end the logon: the last three lines are theirs.
     ASSERT_TRUE(tail.says(QStringLiteral("Time Logged:"))) << tail.out.toStdString();
     EXPECT_EQ(tail.out.count(u'\n'), 3) << tail.out.toStdString();
@@ -126,9 +126,8 @@ TEST_F(SteeringEndToEnd, AServiceBotIsSteeredAndFollowedFromOtherTerminals) {
     setUp({QStringLiteral("profile"), QStringLiteral("clone"), QStringLiteral("Beta"),
            QStringLiteral("Gamma")});
     setUp({QStringLiteral("profile"), QStringLiteral("delete"), QStringLiteral("Beta")});
-    EXPECT_TRUE(waitFor([&] {
-        return tail.read().count(QStringLiteral("-- 'Beta' was unloaded")) == 2;
-    }));
+    EXPECT_TRUE(
+        waitFor([&] { return tail.read().count(QStringLiteral("-- 'Beta' was unloaded")) == 2; }));
     a = verb({QStringLiteral("load"), QStringLiteral("Gamma")});
     EXPECT_EQ(a.status, 0) << a.err.toStdString();
     EXPECT_TRUE(statusShows(QStringLiteral("Gamma +offline")));
@@ -142,7 +141,8 @@ TEST_F(SteeringEndToEnd, AServiceBotIsSteeredAndFollowedFromOtherTerminals) {
     // Without a running bot the steering verbs say so.
     a = verb({QStringLiteral("status")});
     EXPECT_EQ(a.status, 1);
-    EXPECT_TRUE(a.err.startsWith(QStringLiteral("No Corvantide runs on this home"))) << a.err.toStdString();
+    EXPECT_TRUE(a.err.startsWith(QStringLiteral("No Corvantide runs on this home")))
+        << a.err.toStdString();
 }
 
 // Ten thousand talk events in one burst: each is a line on the bot's standard
@@ -154,8 +154,8 @@ TEST_F(SteeringEndToEnd, EveryLineOfABurstReachesStandardOutputInOrder) {
     ASSERT_EQ(sandbox.control(QStringLiteral("join Ghost Steer")), QStringLiteral("ok"));
     ASSERT_TRUE(botSays(QStringLiteral("[Alpha] "), QStringLiteral("Ghost has joined")));
     // The follower is in place once the last line before it has reached it.
-    tail.verb(home.path(), {QStringLiteral("tail"),
-                           QStringLiteral("Alpha"), QStringLiteral("-n"), QStringLiteral("1")});
+    tail.verb(home.path(), {QStringLiteral("tail"), QStringLiteral("Alpha"), QStringLiteral("-n"),
+                            QStringLiteral("1")});
     ASSERT_TRUE(tail.says(QStringLiteral("Ghost has joined")));
 
     constexpr int kLines = 10000;
@@ -179,14 +179,17 @@ TEST_F(SteeringEndToEnd, EveryLineOfABurstReachesStandardOutputInOrder) {
     const QRegularExpression skipped(QStringLiteral("^\\.\\.\\. (\\d+) lines skipped$"),
                                      QRegularExpression::MultilineOption);
     int accounted = 0;
-    ASSERT_TRUE(waitFor([&] {
-        tail.out += QString::fromUtf8(tail.readAllStandardOutput());
-        accounted = 0;
-        for (auto it = shown.globalMatch(tail.out); it.hasNext(); it.next())
-            ++accounted;
-        for (auto it = skipped.globalMatch(tail.out); it.hasNext();)
-            accounted += it.next().captured(1).toInt();
-        return accounted >= kLines;
-    }, 30000)) << accounted;
+    ASSERT_TRUE(waitFor(
+        [&] {
+            tail.read();
+            accounted = 0;
+            for (auto it = shown.globalMatch(tail.out); it.hasNext(); it.next())
+                ++accounted;
+            for (auto it = skipped.globalMatch(tail.out); it.hasNext();)
+                accounted += it.next().captured(1).toInt();
+            return accounted >= kLines;
+        },
+        30000))
+        << accounted;
     EXPECT_EQ(accounted, kLines);
 }

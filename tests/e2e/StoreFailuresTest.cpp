@@ -64,9 +64,10 @@ TEST(StoreFailures, AFullDiskGetsNoClaimOfAWriteItLost) {
     const QString home = base.filePath(QStringLiteral("home"));
     FillableHome disk(home);
     const VerbAnswer imported = importKeys(
-        home, QStringLiteral("[HKEY_CURRENT_USER\\Software\\Corvantide4\\Profiles\\Full]\r\n"
-                             "\"Database\"=\"Main\"\r\n\"Load at Startup\"=dword:00000001\r\n\r\n"
-                             "[HKEY_CURRENT_USER\\Software\\Corvantide4\\Databases\\Main]\r\n\r\n"));
+        home,
+        QStringLiteral("[HKEY_CURRENT_USER\\Software\\Corvantide4\\Profiles\\Full]\r\n"
+                       "\"Database\"=\"Main\"\r\n\"Load at Startup\"=dword:00000001\r\n\r\n"
+                       "[HKEY_CURRENT_USER\\Software\\Corvantide4\\Databases\\Main]\r\n\r\n"));
     ASSERT_EQ(imported.status, 0) << imported.err.toStdString();
     EXPECT_EQ(imported.out, QStringLiteral("Imported 2 values from %1/import.reg\n").arg(home));
 
@@ -118,7 +119,8 @@ TEST(StoreFailures, AStoreThatCannotBeUsedIsToldApart) {
     ASSERT_TRUE(first.says(QStringLiteral("Completed all startup tasks successfully.")))
         << first.out.toStdString();
     const QString& out = first.out;
-    EXPECT_TRUE(out.contains(QStringLiteral("goes on with fresh settings.\nWelcome to Corvantide v")))
+    EXPECT_TRUE(
+        out.contains(QStringLiteral("goes on with fresh settings.\nWelcome to Corvantide v")))
         << out.toStdString();
     EXPECT_TRUE(out.contains(QStringLiteral("- There are no bots set to be loaded!")));
     EXPECT_TRUE(out.contains(QStringLiteral("was not a settings store; it was moved aside to ") +

@@ -26,8 +26,7 @@ protected:
     Answer verb(const QStringList& words) { return RunVerb(home.path(), words); }
     void setUp(const QStringList& words) {
         const Answer run = verb(words);
-        ASSERT_EQ(run.status, 0) << words.join(u' ').toStdString() << ": "
-                                 << run.err.toStdString();
+        ASSERT_EQ(run.status, 0) << words.join(u' ').toStdString() << ": " << run.err.toStdString();
     }
 
     bool ownerSees(const QString& text) {

@@ -1,8 +1,9 @@
 // The lines a running bot hands to its terminal and followers: finished,
-// across views in the order written, and none lost when a full view is
-// emptied.
+// across views in the order written, none lost when a full view is emptied,
+// and printed in their colours with nothing that would steer the terminal.
 #include "common/SlotFixture.h"
 #include "config/SettingsWrapper.h"
+#include "control/AnsiText.h"
 #include "control/ChatFeed.h"
 #include "control/FeedMessages.h"
 #include "platform/ChatDocument.h"
@@ -79,4 +80,15 @@ TEST(FeedMessages, ALineReadsBackAsItWasWritten) {
         EXPECT_EQ(back.runs[1].format.color, bold.color);
         EXPECT_TRUE(back.runs[1].format.bold);
     }
+}
+
+// Colours as the terminal takes them (red first, where the views keep blue
+// first), the prefix plain, and control characters shown, not obeyed.
+TEST(AnsiText, ALineKeepsItsColoursAndCannotSteerTheTerminal) {
+    CharFormat red;
+    red.color = 0x0000FF;
+    red.bold = true;
+    const std::vector<TextRun> runs{{QStringLiteral("hi\x1b[2J\x07\t\u009b"), red}};
+    EXPECT_EQ(AnsiLine("[A] ", runs, true), "[A] \x1b[0;1;38;2;255;0;0mhi?[2J?\t?\x1b[0m\n");
+    EXPECT_EQ(AnsiLine("[\x1b] ", runs, false), "[?] hi?[2J?\t?\n");
 }

@@ -1,28 +1,21 @@
 // Three profiles of this program in one sandbox channel: a bot with a
 // userbase, its ranked owner and a stranger. The owner drives the bot by talk
 // and by whisper and reads its answers as any channel user would.
-#include "chat/TimedEvents.h"
 #include "commands/DatabaseWrapper.h"
 #include "commands/MacroWrapper.h"
-#include "common/SandboxProcess.h"
-#include "common/SlotFixture.h"
 #include "config/Folders.h"
-#include "config/SettingsWrapper.h"
-#include "platform/ChatDocument.h"
+#include "e2e/BotFixture.h"
 #include "platform/ListModel.h"
 
 #include <QFile>
 
 namespace {
 
-class CommandsEndToEnd : public SlotFixture {
+class CommandsEndToEnd : public BotFixture {
 protected:
     void SetUp() override {
-        SlotFixture::SetUp();
-        SettingsWrapper& s = SettingsWrapper::instance();
-        s.setLocalHashing(false);
-        s.setFloodMode(0);
-        TimedEvents::instance().start();
+        BotFixture::SetUp();
+        SettingsWrapper::instance().setFloodMode(0);
         ASSERT_TRUE(sandbox.start());
         keeper = load(QStringLiteral("keeper"));
         owner = load(QStringLiteral("owner"));
@@ -39,7 +32,6 @@ protected:
             },
             30000));
     }
-    void TearDown() override { TimedEvents::instance().stop(); }
 
     int load(const QString& account) {
         return sandbox.loadProfile(account, QStringLiteral("Commands"));
@@ -49,7 +41,6 @@ protected:
         return waitFor([&] { return rtbChat(owner).text().contains(text); }, ms);
     }
 
-    SandboxProcess sandbox;
     int keeper = 0;
     int owner = 0;
     int stranger = 0;

@@ -1,16 +1,11 @@
 // The socket over which terminal verbs reach a running bot, attacked as a
 // second user of the machine and as a flood of idle connections would.
-#include "common/SandboxProcess.h"
 #include "control/ControlServer.h"
+#include "e2e/RunningProgram.h"
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QLocalSocket>
-#include <QProcess>
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
-
+#include <map>
 #include <memory>
 #include <pwd.h>
 #include <sys/resource.h>
@@ -21,57 +16,39 @@
 
 namespace {
 
-struct Answer {
-    int status = -1;
-    QString err;
-    QString out;
-};
-
 // A bot and its verbs on one home, with the folders they look in for the
-// socket set by the test.
+// socket set by the test in the environment they inherit.
 class ControlSocket : public testing::Test {
 protected:
-    void TearDown() override { stopBot(); }
+    void SetUp() override {
+        for (const char* name : {"TMPDIR", "XDG_RUNTIME_DIR"})
+            saved[name] = qgetenv(name);
+        qputenv("TMPDIR", QFile::encodeName(tmp.path()));
+        useRuntime({});
+    }
+    void TearDown() override {
+        bot.stop();
+        for (const auto& [name, value] : saved) {
+            if (value.isNull())
+                qunsetenv(name);
+            else
+                qputenv(name, value);
+        }
+    }
 
-    QProcessEnvironment environment() const {
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("TMPDIR"), tmp.path());
-        if (runtime.isEmpty())
-            env.remove(QStringLiteral("XDG_RUNTIME_DIR"));
+    static void useRuntime(const QString& folder) {
+        if (folder.isEmpty())
+            qunsetenv("XDG_RUNTIME_DIR");
         else
-            env.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtime);
-        return env;
+            qputenv("XDG_RUNTIME_DIR", QFile::encodeName(folder));
     }
     void startBot() {
-        bot.setProcessEnvironment(environment());
-        bot.start(QStringLiteral(CORVANTIDE_BINARY_DIR "/corvantide"),
-                  {QStringLiteral("--headless"), QStringLiteral("--home"), home.path()});
-        ASSERT_TRUE(bot.waitForStarted());
-        ASSERT_TRUE(botSaid("Completed all startup tasks")) << said.toStdString();
+        bot.out.clear();
+        ASSERT_TRUE(bot.headless(home.path()));
+        ASSERT_TRUE(bot.says(QStringLiteral("Completed all startup tasks")))
+            << bot.out.toStdString();
     }
-    void stopBot() {
-        if (bot.state() == QProcess::NotRunning) return;
-        bot.closeWriteChannel();
-        if (!bot.waitForFinished(10000)) bot.kill();
-    }
-    bool botSaid(const char* text, int ms = 10000) {
-        return waitFor(
-            [&] {
-                said += QString::fromUtf8(bot.readAllStandardOutput());
-                return said.contains(QString::fromUtf8(text));
-            },
-            ms);
-    }
-    Answer verb(const QStringList& words) {
-        QProcess process;
-        process.setProcessEnvironment(environment());
-        process.start(QStringLiteral(CORVANTIDE_BINARY_DIR "/corvantide"),
-                      QStringList{QStringLiteral("--home"), home.path()} + words);
-        Answer run;
-        if (!waitFor([&] { return process.state() == QProcess::NotRunning; }, 20000)) return run;
-        return {process.exitCode(), QString::fromUtf8(process.readAllStandardError()),
-                QString::fromUtf8(process.readAllStandardOutput())};
-    }
+    VerbAnswer verb(const QStringList& words) { return RunVerb(home.path(), words); }
     // The one socket in `folder`.
     static QString socketIn(const QString& folder) {
         const QStringList names =
@@ -81,9 +58,8 @@ protected:
 
     QTemporaryDir home;
     QTemporaryDir tmp;
-    QString runtime;
-    QProcess bot;
-    QString said;
+    std::map<const char*, QByteArray> saved;
+    RunningProgram bot;
 };
 
 // A listening socket at `path` made as another user would make it. The
@@ -127,7 +103,7 @@ TEST_F(ControlSocket, LivesInAPrivateFolderAndOutlastsIdleConnections) {
     startBot();
     const QString folder = tmp.filePath(QStringLiteral("corvantide-%1").arg(geteuid()));
     struct stat facts {};
-    ASSERT_EQ(::lstat(QFile::encodeName(folder).constData(), &facts), 0) << said.toStdString();
+    ASSERT_EQ(::lstat(QFile::encodeName(folder).constData(), &facts), 0) << bot.out.toStdString();
     EXPECT_TRUE(S_ISDIR(facts.st_mode));
     EXPECT_EQ(facts.st_uid, geteuid());
     EXPECT_EQ(facts.st_mode & 07777, 0700u);
@@ -149,14 +125,14 @@ TEST_F(ControlSocket, LivesInAPrivateFolderAndOutlastsIdleConnections) {
     };
     ASSERT_TRUE(waitFor([&] { return open() == ControlServer::kMostConnections; }, 3000)) << open();
     EXPECT_TRUE(idle.back()->readAll().contains("32 terminal connections open"));
-    const Answer busy = verb({QStringLiteral("profile"), QStringLiteral("list")});
+    const VerbAnswer busy = verb({QStringLiteral("profile"), QStringLiteral("list")});
     EXPECT_EQ(busy.status, 1);
     EXPECT_TRUE(busy.err.contains(QStringLiteral("terminal connections")))
         << busy.err.toStdString();
-    EXPECT_TRUE(botSaid("32 terminal connections are open at once"));
+    EXPECT_TRUE(bot.says(QStringLiteral("32 terminal connections are open at once")));
 
     EXPECT_TRUE(waitFor([&] { return open() == 0; }, ControlServer::kIdleMs + 3000)) << open();
-    const Answer made =
+    const VerbAnswer made =
         verb({QStringLiteral("profile"), QStringLiteral("new"), QStringLiteral("Main")});
     EXPECT_EQ(made.status, 0) << made.err.toStdString();
     EXPECT_EQ(made.out.left(22), QStringLiteral("Created profile 'Main'"));
@@ -178,12 +154,13 @@ TEST_F(ControlSocket, RunningOutOfDescriptorsIsALineAndARetry) {
         idle.back()->connectToServer(path);
         ASSERT_TRUE(idle.back()->waitForConnected(2000)) << i;
     }
-    EXPECT_TRUE(botSaid("the bot has no file descriptors left (Too many open files)"));
-    const Answer late = verb({QStringLiteral("profile"), QStringLiteral("list")});
+    EXPECT_TRUE(
+        bot.says(QStringLiteral("the bot has no file descriptors left (Too many open files)")));
+    const VerbAnswer late = verb({QStringLiteral("profile"), QStringLiteral("list")});
     EXPECT_EQ(late.out.left(15), QStringLiteral("No profiles yet")) << late.err.toStdString();
     EXPECT_TRUE(QFileInfo::exists(path));
-    said += QString::fromUtf8(bot.readAllStandardOutput());
-    EXPECT_EQ(said.count(QStringLiteral("no file descriptors left")), 1);
+    bot.read();
+    EXPECT_EQ(bot.out.count(QStringLiteral("no file descriptors left")), 1);
 }
 
 // A second user who takes the socket's place first gets no byte of a
@@ -206,35 +183,37 @@ TEST_F(ControlSocket, AnotherUserTakingThePlaceFirstGetsNoByte) {
     const int inFolder = listenAs(other, folder + QStringLiteral("/corvantide-squat"));
     ASSERT_GE(inFolder, 0);
     startBot();
-    EXPECT_TRUE(botSaid("cannot reach this bot: the folder")) << said.toStdString();
-    EXPECT_TRUE(said.contains(QStringLiteral("belongs to the user nobody"))) << said.toStdString();
-    const Answer refused = verb(secret);
+    EXPECT_TRUE(bot.says(QStringLiteral("cannot reach this bot: the folder")))
+        << bot.out.toStdString();
+    EXPECT_TRUE(bot.out.contains(QStringLiteral("belongs to the user nobody")))
+        << bot.out.toStdString();
+    const VerbAnswer refused = verb(secret);
     EXPECT_EQ(refused.status, 1);
     EXPECT_TRUE(refused.err.contains(QStringLiteral("belongs to the user nobody")))
         << refused.err.toStdString();
-    stopBot();
+    bot.stop();
 
     // In a private runtime folder: the bot's own socket name, first owned by
     // the other user, then made to look like the user's.
     QTemporaryDir runtimeDir;
-    runtime = runtimeDir.path();
-    said.clear();
+    const QString runtime = runtimeDir.path();
+    useRuntime(runtime);
     startBot();
     const QString path = socketIn(runtime);
     ASSERT_FALSE(path.isEmpty());
-    stopBot();
+    bot.stop();
     QTemporaryDir shared;
     ASSERT_EQ(::chmod(QFile::encodeName(shared.path()).constData(), 01777), 0);
     const QString squat = shared.filePath(QStringLiteral("s"));
     const int behind = listenAs(other, squat);
     ASSERT_GE(behind, 0);
     ASSERT_TRUE(QFile::rename(squat, path));
-    const Answer foreignFile = verb(secret);
+    const VerbAnswer foreignFile = verb(secret);
     EXPECT_EQ(foreignFile.err, QStringLiteral("The control socket %1 belongs to the user nobody, "
                                               "not to you; nothing was sent to it.\n")
                                    .arg(path));
     ASSERT_EQ(::lchown(QFile::encodeName(path).constData(), 0, 0), 0);
-    const Answer foreignPeer = verb(secret);
+    const VerbAnswer foreignPeer = verb(secret);
     EXPECT_EQ(foreignPeer.err, QStringLiteral("The program listening on %1 belongs to the user "
                                               "nobody, not to you; nothing was sent to it.\n")
                                    .arg(path));
@@ -243,7 +222,6 @@ TEST_F(ControlSocket, AnotherUserTakingThePlaceFirstGetsNoByte) {
     ::close(behind);
 
     // The other user reaches the bot's socket (the folder opened by hand).
-    said.clear();
     startBot();
     ASSERT_EQ(::chmod(QFile::encodeName(runtime).constData(), 0711), 0);
     ASSERT_EQ(::chmod(QFile::encodeName(path).constData(), 0666), 0);
@@ -255,8 +233,8 @@ TEST_F(ControlSocket, AnotherUserTakingThePlaceFirstGetsNoByte) {
     intruder.write("{\"args\":[\"profile\",\"new\",\"Intruder\"]}\n");
     EXPECT_TRUE(waitFor([&] { return intruder.state() != QLocalSocket::ConnectedState; }));
     EXPECT_TRUE(intruder.readAll().isEmpty());
-    EXPECT_TRUE(botSaid("Refused a terminal connection from the user nobody"));
+    EXPECT_TRUE(bot.says(QStringLiteral("Refused a terminal connection from the user nobody")));
     ASSERT_EQ(::chmod(QFile::encodeName(runtime).constData(), 0700), 0);
-    const Answer list = verb({QStringLiteral("profile"), QStringLiteral("list")});
+    const VerbAnswer list = verb({QStringLiteral("profile"), QStringLiteral("list")});
     EXPECT_EQ(list.out.left(15), QStringLiteral("No profiles yet")) << list.err.toStdString();
 }

@@ -3,18 +3,12 @@
 // frame or by a frame too short to be one, after a server that never answers,
 // and after the server drops it. The user's disconnect stops it. A server that
 // echoes keep-alives hears one per period, not an endless exchange.
-#include "chat/TimedEvents.h"
-#include "common/SandboxProcess.h"
-#include "common/SlotFixture.h"
-#include "config/SettingsWrapper.h"
-#include "platform/ChatDocument.h"
+#include "e2e/BotFixture.h"
 #include "platform/TickCount.h"
 
-#include <QFile>
 #include <QRegularExpression>
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <QTemporaryDir>
 #include <algorithm>
 #include <map>
 #include <vector>
@@ -63,24 +57,17 @@ public:
     int connections = 0;
 };
 
-class ReconnectEndToEnd : public SlotFixture {
+class ReconnectEndToEnd : public BotFixture {
 protected:
-    void SetUp() override {
-        SlotFixture::SetUp();
-        SettingsWrapper::instance().setLocalHashing(false);
-        TimedEvents::instance().start();
-    }
-    void TearDown() override { TimedEvents::instance().stop(); }
-
-    QString chat(int i) const { return rtbChat(i).text(); }
     int attempts(int i) const { return chat(i).count(QStringLiteral("Connecting to BNLS host")); }
-    // Moves the bot's clock on and lets the timers see it.
+    // Moves the bot's clock on, runs the timers that are due and lets the
+    // sockets deliver what that sent.
     void pass(quint32 ms) {
         clock.advance(ms);
-        waitFor([] { return false; }, 200);
+        TimedEvents::instance().pulse();
+        pause(20);
     }
 
-    SandboxProcess sandbox;
     tickcount::ManualClock clock{GetTickCount()};
 };
 
@@ -92,15 +79,13 @@ TEST_F(ReconnectEndToEnd, ABrokenServerEndsInALineAndALogonOnTheNextTry) {
         QByteArray fault;
         bool close;
         const char* line;
-        quint32 wait; // until the next try
     } const cases[] = {
         // Five bytes of an eight-byte frame: the next connection must not
         // find them in front of its first frame.
-        {QByteArray("\xff\x25\x08\x00\x01", 5), true, "[BNET] Disconnected!", 20000},
+        {QByteArray("\xff\x25\x08\x00\x01", 5), true, "[BNET] Disconnected!"},
         {QByteArray("\xff\x25\x02\x00\xff\x25\x08\x00\0\0\0\0", 12), false,
          "[BNET] Protocol error: the server sent a frame of length 2, below the least of 4; "
-         "closing the connection.",
-         20000},
+         "closing the connection."},
     };
     for (const Case& c : cases) {
         FaultyGateway gateway(sandbox.bncsPort, c.fault, c.close);
@@ -108,8 +93,8 @@ TEST_F(ReconnectEndToEnd, ABrokenServerEndsInALineAndALogonOnTheNextTry) {
         Bots(i).Config.setServer(gateway.address());
         SlotTable::instance().ConnectBot(i);
         ASSERT_TRUE(waitFor([&] { return gateway.connections == 1; })) << c.line;
-        waitFor([] { return false; }, 300);
-        pass(c.wait);
+        pause(300);
+        pass(20000); // past the first wait before the next try
         EXPECT_TRUE(chat(i).contains(QString::fromLatin1(c.line))) << chat(i).toStdString();
         EXPECT_TRUE(waitFor([&] { return Bots(i).Online(); })) << chat(i).toStdString();
         EXPECT_EQ(gateway.connections, 2) << c.line;
@@ -150,20 +135,15 @@ TEST_F(ReconnectEndToEnd, ADroppedSlotComesBackByItselfUntilTheUserDisconnects) 
 }
 
 TEST_F(ReconnectEndToEnd, AServerThatEchoesKeepAlivesHearsOnePerPeriod) {
-    QTemporaryDir dir;
-    const QString trace = dir.filePath(QStringLiteral("trace.log"));
-    ASSERT_TRUE(sandbox.start({QStringLiteral("--echo-keepalive"), QStringLiteral("--trace-file"),
-                               trace}));
+    ASSERT_TRUE(sandbox.start(traced({QStringLiteral("--echo-keepalive")})));
     const int i = sandbox.loadProfile(QStringLiteral("keeper"), QStringLiteral("Lobby"));
     SlotTable::instance().ConnectBot(i);
     ASSERT_TRUE(waitFor([&] { return Bots(i).Online(); })) << chat(i).toStdString();
     const auto keepAlives = [&] {
-        QFile file(trace);
-        if (!file.open(QIODevice::ReadOnly)) return -1;
-        int count = 0;
-        for (const QByteArray& line : file.readAll().split('\n'))
-            count += line.contains(" bncs ") && line.contains(" in 0x00 ") ? 1 : 0;
-        return count;
+        const std::vector<TracedFrame> frames = readTrace(tracePath());
+        return std::count_if(frames.begin(), frames.end(), [](const TracedFrame& t) {
+            return t.link == "bncs" && t.direction == "in" && t.id == "0x00";
+        });
     };
     for (int period = 1; period <= 3; ++period) {
         pass(40000);
@@ -196,7 +176,7 @@ TEST_F(ReconnectEndToEnd, ASilentServerIsNamedAndWaitedForLongerEachTime) {
         SlotTable::instance().ConnectBot(i);
         for (const quint32 wait : {15000u, 30000u}) {
             ASSERT_TRUE(waitFor([&] { return silent.connections == int(wait / 15000); }));
-            waitFor([] { return false; }, 300);
+            pause(300);
             pass(31000);
             EXPECT_EQ(chat(i).count(QString::fromLatin1(c.line)), int(wait / 15000)) << c.line;
             ASSERT_TRUE(Bots(i).Reconnect.isArmed()) << chat(i).toStdString();
@@ -241,5 +221,6 @@ TEST_F(ReconnectEndToEnd, ProfilesDroppedTogetherComeBackWhenTheirLinesSay) {
         for (const int i : slots)
             if (!started.count(i) && attempts(i) > before[i]) started[i] = second;
     }
-    for (const int i : slots) EXPECT_EQ(started[i], announced[i]) << chat(i).toStdString();
+    for (const int i : slots)
+        EXPECT_EQ(started[i], announced[i]) << chat(i).toStdString();
 }

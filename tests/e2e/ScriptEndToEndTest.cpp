@@ -3,12 +3,9 @@
 // goes on, plug-ins in JavaScript and in C hear packets and chat, and tidy
 // the lines the user types, and both reach the main form, a C plug-in of an
 // older interface loading and one of a newer interface refused.
-#include "chat/TimedEvents.h"
-#include "common/SandboxProcess.h"
-#include "common/SlotFixture.h"
 #include "config/Folders.h"
-#include "config/SettingsWrapper.h"
-#include "platform/ChatDocument.h"
+#include "e2e/BotFixture.h"
+#include "e2e/RunningProgram.h"
 #include "platform/ListModel.h"
 #include "plugins/JavaScriptObject.h"
 #include "plugins/PluginHost.h"
@@ -21,25 +18,22 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QRegularExpression>
-#include <QTemporaryDir>
 
 namespace {
 
 const QString kExamples =
     QDir::cleanPath(QStringLiteral(CORVANTIDE_TEST_DATA "/../../examples")) + u'/';
 
-class ScriptEndToEnd : public SlotFixture {
+class ScriptEndToEnd : public BotFixture {
 protected:
     void SetUp() override {
-        SlotFixture::SetUp();
-        SettingsWrapper::instance().setLocalHashing(false);
+        BotFixture::SetUp();
         SettingsWrapper::instance().setFloodMode(0);
         PluginHost::instance().clear();
         PluginHost::instance().options().clear();
-        TimedEvents::instance().start();
     }
     void TearDown() override {
-        TimedEvents::instance().stop();
+        BotFixture::TearDown();
         PluginHost::instance().clear();
         PluginHost::instance().setScript(nullptr);
         QFile::remove(GetSettingsPath() + QStringLiteral("Script.txt"));
@@ -47,12 +41,6 @@ protected:
         QDir(GetProgramFolder() + QStringLiteral("/Plugins")).removeRecursively();
     }
 
-    static void write(const QString& path, const QByteArray& text) {
-        QDir().mkpath(QFileInfo(path).path());
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(text);
-    }
     static QByteArray example(const QString& name) {
         QFile file(kExamples + name);
         EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
@@ -61,29 +49,21 @@ protected:
 
     // A bot in the sandbox's channel with nobody else there.
     int online() {
-        EXPECT_TRUE(sandbox.start({QStringLiteral("--residents"), QStringLiteral("0"),
-                                   QStringLiteral("--trace-file"), tracePath(),
-                                   QStringLiteral("--control")}));
+        EXPECT_TRUE(sandbox.start(traced(
+            {QStringLiteral("--residents"), QStringLiteral("0"), QStringLiteral("--control")})));
         const int i = sandbox.loadProfile(QStringLiteral("scribe"), QStringLiteral("Sandbox"));
         SlotTable::instance().ConnectBot(i);
         EXPECT_TRUE(waitFor([&] { return Bots(i).Channel() == QLatin1String("Sandbox"); }, 15000))
-            << rtbChat(i).text().toStdString();
+            << chat(i).toStdString();
         return i;
     }
     void control(const QStringList& lines) {
         ASSERT_EQ(sandbox.control(lines), QStringList(lines.size(), QStringLiteral("ok")));
     }
-    QString tracePath() const { return traceDir.filePath(QStringLiteral("trace.log")); }
-    // Chat lines from the bot as the sandbox received them.
     QStringList linesAtServer() const {
-        QFile file(tracePath());
-        file.open(QIODevice::ReadOnly);
         QStringList lines;
-        for (const QByteArray& line : file.readAll().split('\n')) {
-            const QList<QByteArray> f = line.split(' ');
-            if (f.size() >= 7 && f[2] == "bncs" && f[4] == "in" && f[5] == "0x0e")
-                lines << QString::fromLatin1(QByteArray::fromHex(f[6]).mid(4).chopped(1));
-        }
+        for (const QByteArray& line : chatLinesSent(tracePath()))
+            lines << QString::fromLatin1(line);
         return lines;
     }
     ::testing::AssertionResult serverHears(const QString& line) {
@@ -94,9 +74,6 @@ protected:
                << linesAtServer().join(QStringLiteral("\n  ")).toStdString();
     }
     static QString console() { return rtbChat(0).text(); }
-
-    QTemporaryDir traceDir;
-    SandboxProcess sandbox;
 };
 
 TEST_F(ScriptEndToEnd, TheObjectsAnswerAScriptAndRefuseASlotWithoutAProfile) {
@@ -124,7 +101,8 @@ TEST_F(ScriptEndToEnd, TheObjectsAnswerAScriptAndRefuseASlotWithoutAProfile) {
 }
 
 TEST_F(ScriptEndToEnd, TheExampleScriptGreetsAndAnswersSeen) {
-    write(GetSettingsPath() + QStringLiteral("Script.txt"), example(QStringLiteral("Script.txt")));
+    writeFile(GetSettingsPath() + QStringLiteral("Script.txt"),
+              example(QStringLiteral("Script.txt")));
     LoadScript();
     EXPECT_TRUE(console().contains(QStringLiteral("Greeter script loaded")));
     const int i = online();
@@ -140,7 +118,7 @@ TEST_F(ScriptEndToEnd, TheExampleScriptGreetsAndAnswersSeen) {
 }
 
 TEST_F(ScriptEndToEnd, ARunawayScriptIsStoppedAndTheBotGoesOn) {
-    write(GetSettingsPath() + QStringLiteral("Script.txt"), R"(
+    writeFile(GetSettingsPath() + QStringLiteral("Script.txt"), R"(
         function Event_UserTalk(BotIndex, Username, Message) {
             if (Message === "spin") for (;;) {}
             if (Message === "dive") (function down() { return down() + 1; })();
@@ -180,13 +158,13 @@ TEST_F(ScriptEndToEnd, ARunawayScriptIsStoppedAndTheBotGoesOn) {
 
 TEST_F(ScriptEndToEnd, PluginsInJavaScriptAndCHearPacketsAndChatAndTidyTypedLines) {
     const QString folder = GetProgramFolder() + QStringLiteral("/Plugins/");
-    write(folder + QStringLiteral("greeter.js"), example(QStringLiteral("plugins/greeter.js")));
+    writeFile(folder + QStringLiteral("greeter.js"), example(QStringLiteral("plugins/greeter.js")));
     ASSERT_TRUE(QFile::copy(QStringLiteral(CORVANTIDE_BINARY_DIR "/plugins/hello.so"),
                             folder + QStringLiteral("hello.so")));
     // Asks for chat events and has none of their members.
-    write(folder + QStringLiteral("mute.js"),
-          "function Startup(form, plugin) { form.RegisterPlugin('mute', 1); }");
-    write(folder + QStringLiteral("idle.js"), "function Startup(form, plugin) {}");
+    writeFile(folder + QStringLiteral("mute.js"),
+              "function Startup(form, plugin) { form.RegisterPlugin('mute', 1); }");
+    writeFile(folder + QStringLiteral("idle.js"), "function Startup(form, plugin) {}");
     ASSERT_TRUE(PluginHost::setAutoLoad(QStringLiteral("greeter"), true));
     ASSERT_TRUE(PluginHost::setAutoLoad(QStringLiteral("mute"), true));
     ASSERT_TRUE(PluginHost::setAutoLoad(QStringLiteral("hello"), true));
@@ -238,7 +216,7 @@ TEST_F(ScriptEndToEnd, PluginsOfEachInterfaceReachTheMainFormAndANewerOneIsRefus
         ASSERT_TRUE(QFile::copy(QStringLiteral(CORVANTIDE_BINARY_DIR "/tests/plugins/") + file,
                                 folder + file));
     }
-    write(folder + QStringLiteral("reachjs.js"), R"(
+    writeFile(folder + QStringLiteral("reachjs.js"), R"(
         function Startup(form, plugin) {
             var slot = form.LoadProfile("Stored");
             form.SelectBot(slot);

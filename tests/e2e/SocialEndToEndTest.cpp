@@ -2,30 +2,23 @@
 // entering chat, a resident's profile, the bot's own profile saved and read
 // back; a WarCraft III bot founds a clan and runs it by typed commands; a
 // stalked friend is followed.
-#include "chat/TimedEvents.h"
 #include "commands/ChatInput.h"
-#include "common/SandboxProcess.h"
-#include "common/SlotFixture.h"
-#include "config/SettingsWrapper.h"
-#include "platform/ChatDocument.h"
+#include "e2e/BotFixture.h"
 #include "platform/ListModel.h"
 #include "social/ClanNotices.h"
 #include "social/ClanPacket.h"
 
 namespace {
 
-class SocialEndToEnd : public SlotFixture {
+class SocialEndToEnd : public BotFixture {
 protected:
     void SetUp() override {
-        SlotFixture::SetUp();
+        BotFixture::SetUp();
         ClanPacket::install();
-        SettingsWrapper& settings = SettingsWrapper::instance();
-        settings.setLocalHashing(false);
-        settings.setRequestKeys(true);
-        TimedEvents::instance().start();
+        SettingsWrapper::instance().setRequestKeys(true);
     }
     void TearDown() override {
-        TimedEvents::instance().stop();
+        BotFixture::TearDown();
         for (int i = 1; i <= SlotTable::instance().highestIndex(); ++i)
             EXPECT_FALSE(chat(i).contains(QLatin1String("Unhandled packet")))
                 << chat(i).toStdString();
@@ -42,7 +35,6 @@ protected:
             << chat(i).toStdString();
         return i;
     }
-    static QString chat(int i) { return rtbChat(i).text(); }
     static bool saw(int i, const QString& text) {
         return waitFor([&] { return chat(i).contains(text); }, 10000);
     }
@@ -55,13 +47,14 @@ protected:
             names << w.section(u':', 0, 0);
         return names;
     }
-
-    SandboxProcess sandbox;
 };
 
-TEST_F(SocialEndToEnd, ReportOnEnteringChatAResidentsProfileAndTheBotsOwnSavedAndReadBack) {
+// The account report on entering chat, a resident's profile, the bot's own
+// saved and read back, and friends added and removed by chat commands.
+TEST_F(SocialEndToEnd, ReportProfilesAndFriendsOfABotInChat) {
     ASSERT_TRUE(sandbox.start({"--control", "--residents", "3", "--seed", "4"}));
-    const QString resident = residents().value(0);
+    const QStringList three = residents();
+    const QString resident = three.value(0);
     const int i = connect(QStringLiteral("Pilot"));
     EXPECT_TRUE(saw(i, QStringLiteral("Account Information for: Pilot")));
     EXPECT_TRUE(saw(i, QStringLiteral("Last Game Played: Never Played (N/A)")));
@@ -88,6 +81,16 @@ TEST_F(SocialEndToEnd, ReportOnEnteringChatAResidentsProfileAndTheBotsOwnSavedAn
     EXPECT_EQ(shown, QStringList({"m", "Harbour town", "Sails at dawn."}));
     EXPECT_TRUE(ConnectionWrapper::IsOwnProfile(i, QStringLiteral("pilot")));
     EXPECT_FALSE(ConnectionWrapper::IsOwnProfile(i, resident));
+
+    for (const QString& name : three.mid(0, 2))
+        SendChatLine(i, QStringLiteral("/f a ") + name);
+    ASSERT_TRUE(waitFor([i] { return lvFriends(i).count() == 2; }));
+    EXPECT_EQ(lvFriends(i).item(1).text, three[0]);
+    SendChatLine(i, QStringLiteral("/f r ") + three[0]);
+    ASSERT_TRUE(waitFor([i] { return lvFriends(i).count() == 1; }));
+    EXPECT_EQ(lvFriends(i).item(1).text, three[1]);
+    EXPECT_TRUE(
+        saw(i, QStringLiteral("Removed ") + three[0] + QStringLiteral(" from your friends list.")));
 }
 
 // Typed as on the terminal. The founding and an invitation are answered by a
@@ -194,7 +197,7 @@ TEST_F(SocialEndToEnd, AStalkedFriendIsFollowedOnceAHop) {
     SendChatLine(quarry, QStringLiteral("/join Backroom"));
     ASSERT_TRUE(waitFor([&] { return Bots(shadow).Channel() == QLatin1String("Backroom"); }));
     const auto settled = [&](const QString& text) {
-        waitFor([] { return false; }, 3000); // any further join would have left by now
+        pause(3000); // any further join would have left by now
         return int(chat(shadow).count(text));
     };
     EXPECT_EQ(settled(QStringLiteral("Attempting to follow/stalk user Quarry..")), 1);
@@ -202,21 +205,6 @@ TEST_F(SocialEndToEnd, AStalkedFriendIsFollowedOnceAHop) {
     SlotTable::instance().UnloadProfile(QStringLiteral("Quarry"));
     EXPECT_TRUE(saw(shadow, QStringLiteral("Quarry cannot be stalked")));
     EXPECT_EQ(settled(QStringLiteral("Quarry cannot be stalked")), 1) << chat(shadow).toStdString();
-}
-
-TEST_F(SocialEndToEnd, FriendsAddedAndRemovedByChatCommandsReachTheFriendsList) {
-    ASSERT_TRUE(sandbox.start({"--control", "--residents", "2", "--seed", "5"}));
-    const QStringList two = residents();
-    const int i = connect(QStringLiteral("Buddy"));
-    for (const QString& name : two)
-        SendChatLine(i, QStringLiteral("/f a ") + name);
-    ASSERT_TRUE(waitFor([i] { return lvFriends(i).count() == 2; }));
-    EXPECT_EQ(lvFriends(i).item(1).text, two[0]);
-    SendChatLine(i, QStringLiteral("/f r ") + two[0]);
-    ASSERT_TRUE(waitFor([i] { return lvFriends(i).count() == 1; }));
-    EXPECT_EQ(lvFriends(i).item(1).text, two[1]);
-    EXPECT_TRUE(
-        saw(i, QStringLiteral("Removed ") + two[0] + QStringLiteral(" from your friends list.")));
 }
 
 } // namespace

@@ -2,19 +2,12 @@
 // headless bot without input and two profiles against the sandbox; `status`,
 // `load`, `connect`, `send`, `tail`, `disconnect` and `unload` while it runs,
 // and a burst of lines that all reach its standard output.
-#include "common/SandboxProcess.h"
-#include "common/TerminalVerb.h"
+#include "e2e/RunningProgram.h"
 
-#include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
 
 namespace {
-
-QString program() {
-    return ProgramBinary();
-}
 
 using Answer = VerbAnswer;
 
@@ -22,69 +15,40 @@ class SteeringEndToEnd : public ::testing::Test {
 protected:
     void SetUp() override {
         ASSERT_TRUE(sandbox.start({QStringLiteral("--control")}));
-        for (const QString& name : {QStringLiteral("Alpha"), QStringLiteral("Beta")}) {
-            setUp({QStringLiteral("profile"), QStringLiteral("new"), name});
-            const QList<QPair<QString, QString>> values{
-                {QStringLiteral("Account"), name.toLower() + QStringLiteral("bot")},
-                {QStringLiteral("Password"), QStringLiteral("secret")},
-                {QStringLiteral("Product"), QStringLiteral("STAR")},
-                {QStringLiteral("Verbyte"), QStringLiteral("d3")},
-                {QStringLiteral("Cdkey1"), QStringLiteral("7178075237576")},
-                {QStringLiteral("Server"), sandbox.bncsServer()},
-                {QStringLiteral("ServerBNLS"), sandbox.bnlsServer()},
-                {QStringLiteral("Channel"), QStringLiteral("Steer")}};
-            for (const auto& [key, value] : values)
-                setUp({QStringLiteral("profile"), QStringLiteral("set"), name, key, value});
-        }
-        setUp({QStringLiteral("profile"), QStringLiteral("set"), QStringLiteral("Alpha"),
-               QStringLiteral("Load at Startup"), QStringLiteral("on")});
-        // Every talk event shows, however fast it comes.
-        setUp({QStringLiteral("config"), QStringLiteral("set"), QStringLiteral("Settings"),
-               QStringLiteral("FloodMode"), QStringLiteral("0")});
+        // Every talk event shows, however fast it comes; whispers go to their panel.
+        const Answer imported = importKeys(
+            home.path(),
+            profileKey(QStringLiteral("Alpha"), QStringLiteral("alphabot"), QStringLiteral("Steer"),
+                       sandbox) +
+                profileKey(QStringLiteral("Beta"), QStringLiteral("betabot"),
+                           QStringLiteral("Steer"), sandbox, false) +
+                QStringLiteral(
+                    "[HKEY_CURRENT_USER\\Software\\Corvantide4\\Settings]\r\n"
+                    "\"FloodMode\"=dword:00000000\r\n\"WhisperPanel\"=dword:00000001\r\n"));
+        ASSERT_EQ(imported.status, 0) << imported.err.toStdString();
     }
-    void TearDown() override {
-        for (QProcess* p : {&bot, &tail}) {
-            if (p->state() == QProcess::NotRunning) continue;
-            p->terminate();
-            if (!p->waitForFinished(10000)) p->kill();
-        }
-    }
-
     // One verb from another terminal, answered while the bot runs.
     Answer verb(const QStringList& words) { return RunVerb(home.path(), words); }
     void setUp(const QStringList& words) {
         const Answer run = verb(words);
-        ASSERT_EQ(run.status, 0) << words.join(u' ').toStdString() << ": "
-                                 << run.err.toStdString();
+        ASSERT_EQ(run.status, 0) << words.join(u' ').toStdString() << ": " << run.err.toStdString();
     }
 
     void startBot() {
-        bot.start(program(), {QStringLiteral("--headless"), QStringLiteral("--no-input"),
-                              QStringLiteral("--connect"), QStringLiteral("--home"),
-                              home.path()});
-        ASSERT_TRUE(bot.waitForStarted());
+        ASSERT_TRUE(
+            bot.headless(home.path(), {QStringLiteral("--no-input"), QStringLiteral("--connect")}));
         ASSERT_TRUE(botSays(QStringLiteral("[Alpha] "), QStringLiteral("alphabot is present")));
     }
 
-    // Waits until `text` has come out of `process` (everything it printed is
-    // kept in `seen`); the text may stand after a prefix on its line.
-    static bool says(QProcess& process, QString& seen, const QString& text, int ms = 20000) {
-        return waitFor(
-            [&] {
-                seen += QString::fromUtf8(process.readAllStandardOutput());
-                return seen.contains(text);
-            },
-            ms);
-    }
+    // Until `text` has come out of the bot on a line of the profile's `prefix`.
     bool botSays(const QString& prefix, const QString& text) {
         return waitFor(
             [&] {
-                botOut += QString::fromUtf8(bot.readAllStandardOutput());
                 const QRegularExpression line(u'^' + QRegularExpression::escape(prefix) +
                                                   QStringLiteral(".*") +
                                                   QRegularExpression::escape(text),
                                               QRegularExpression::MultilineOption);
-                return line.match(botOut).hasMatch();
+                return line.match(bot.read()).hasMatch();
             },
             20000);
     }
@@ -92,23 +56,18 @@ protected:
     bool statusShows(const QString& row) {
         const QRegularExpression pattern(u'^' + row, QRegularExpression::MultilineOption);
         return waitFor(
-            [&] { return pattern.match(verb({QStringLiteral("status")}).out).hasMatch(); },
-            20000);
+            [&] { return pattern.match(verb({QStringLiteral("status")}).out).hasMatch(); }, 20000);
     }
 
     SandboxProcess sandbox;
     QTemporaryDir home;
-    QProcess bot;
-    QString botOut;
-    QProcess tail;
-    QString tailOut;
+    RunningProgram bot;
+    RunningProgram tail;
 };
 
 } // namespace
 
 TEST_F(SteeringEndToEnd, AServiceBotIsSteeredAndFollowedFromOtherTerminals) {
-    setUp({QStringLiteral("config"), QStringLiteral("set"), QStringLiteral("Settings"),
-           QStringLiteral("WhisperPanel"), QStringLiteral("1")});
     startBot();
     ASSERT_TRUE(statusShows(QStringLiteral("Alpha +online +Steer +1 +\\d+ ms +-$")));
 
@@ -125,32 +84,32 @@ TEST_F(SteeringEndToEnd, AServiceBotIsSteeredAndFollowedFromOtherTerminals) {
 
     // A follower gets the last lines first, then each line as it comes: what
     // `send` types, and a whisper that the whisper panel takes.
-    tail.start(program(), {QStringLiteral("--home"), home.path(), QStringLiteral("tail"),
-                           QStringLiteral("Beta"), QStringLiteral("-n"), QStringLiteral("3")});
+    tail.verb(home.path(), {QStringLiteral("tail"), QStringLiteral("Beta"), QStringLiteral("-n"),
+                            QStringLiteral("3")});
     // The account's facts end the logon: the last three lines are theirs.
-    ASSERT_TRUE(says(tail, tailOut, QStringLiteral("Time Logged:"))) << tailOut.toStdString();
-    EXPECT_EQ(tailOut.count(u'\n'), 3) << tailOut.toStdString();
-    EXPECT_TRUE(tailOut.contains(QStringLiteral("Last Logoff:")));
+    ASSERT_TRUE(tail.says(QStringLiteral("Time Logged:"))) << tail.out.toStdString();
+    EXPECT_EQ(tail.out.count(u'\n'), 3) << tail.out.toStdString();
+    EXPECT_TRUE(tail.out.contains(QStringLiteral("Last Logoff:")));
     a = verb({QStringLiteral("send"), QStringLiteral("Beta"), QStringLiteral("hello"),
               QStringLiteral("from"), QStringLiteral("afar")});
     ASSERT_EQ(a.status, 0) << a.err.toStdString();
-    EXPECT_TRUE(says(tail, tailOut, QStringLiteral("<betabot> hello from afar")));
+    EXPECT_TRUE(tail.says(QStringLiteral("<betabot> hello from afar")));
     a = verb({QStringLiteral("send"), QStringLiteral("Beta"), QStringLiteral("/ver")});
     EXPECT_TRUE(a.out.contains(QStringLiteral("Corvantide v"))) << a.out.toStdString();
     ASSERT_EQ(sandbox.control({QStringLiteral("user Ghost"),
                                QStringLiteral("whisper Ghost betabot psst, beta")}),
               QStringList({QStringLiteral("ok"), QStringLiteral("ok")}));
-    EXPECT_TRUE(says(tail, tailOut, QStringLiteral("<From: Ghost> psst, beta")));
+    EXPECT_TRUE(tail.says(QStringLiteral("<From: Ghost> psst, beta")));
     EXPECT_TRUE(botSays(QStringLiteral("[Beta] "), QStringLiteral("<From: Ghost> psst, beta")));
-    EXPECT_FALSE(tailOut.contains(QStringLiteral("[Alpha]")));
+    EXPECT_FALSE(tail.out.contains(QStringLiteral("[Alpha]")));
 
     // Disconnected and unloaded from here; the follower is told, and a line
     // for a profile no longer loaded is refused.
     ASSERT_EQ(verb({QStringLiteral("disconnect"), QStringLiteral("Beta")}).status, 0);
-    EXPECT_TRUE(says(tail, tailOut, QStringLiteral("[Connections Closed]")));
+    EXPECT_TRUE(tail.says(QStringLiteral("[Connections Closed]")));
     EXPECT_TRUE(statusShows(QStringLiteral("Beta +offline +- ")));
     ASSERT_EQ(verb({QStringLiteral("unload"), QStringLiteral("Beta")}).status, 0);
-    EXPECT_TRUE(says(tail, tailOut, QStringLiteral("-- 'Beta' was unloaded")));
+    EXPECT_TRUE(tail.says(QStringLiteral("-- 'Beta' was unloaded")));
     a = verb({QStringLiteral("send"), QStringLiteral("Beta"), QStringLiteral("hi")});
     EXPECT_EQ(a.status, 1);
     EXPECT_TRUE(a.err.startsWith(QStringLiteral("No profile named 'Beta' is loaded")));
@@ -159,18 +118,16 @@ TEST_F(SteeringEndToEnd, AServiceBotIsSteeredAndFollowedFromOtherTerminals) {
     // Loaded again, the follower picks it up by name.
     ASSERT_EQ(verb({QStringLiteral("load"), QStringLiteral("Beta")}).status, 0);
     ASSERT_EQ(verb({QStringLiteral("reconnect"), QStringLiteral("Beta")}).status, 0);
-    EXPECT_TRUE(says(tail, tailOut, QStringLiteral("-- 'Beta' was loaded.")));
-    EXPECT_TRUE(says(tail, tailOut, QStringLiteral("Joined Private channel:")));
+    EXPECT_TRUE(tail.says(QStringLiteral("-- 'Beta' was loaded.")));
+    EXPECT_TRUE(tail.says(QStringLiteral("Joined Private channel:")));
 
     // A loaded profile deleted from the store leaves its slot, and loading
     // goes on working.
     setUp({QStringLiteral("profile"), QStringLiteral("clone"), QStringLiteral("Beta"),
            QStringLiteral("Gamma")});
     setUp({QStringLiteral("profile"), QStringLiteral("delete"), QStringLiteral("Beta")});
-    EXPECT_TRUE(waitFor([&] {
-        tailOut += QString::fromUtf8(tail.readAllStandardOutput());
-        return tailOut.count(QStringLiteral("-- 'Beta' was unloaded")) == 2;
-    }));
+    EXPECT_TRUE(
+        waitFor([&] { return tail.read().count(QStringLiteral("-- 'Beta' was unloaded")) == 2; }));
     a = verb({QStringLiteral("load"), QStringLiteral("Gamma")});
     EXPECT_EQ(a.status, 0) << a.err.toStdString();
     EXPECT_TRUE(statusShows(QStringLiteral("Gamma +offline")));
@@ -184,7 +141,8 @@ TEST_F(SteeringEndToEnd, AServiceBotIsSteeredAndFollowedFromOtherTerminals) {
     // Without a running bot the steering verbs say so.
     a = verb({QStringLiteral("status")});
     EXPECT_EQ(a.status, 1);
-    EXPECT_TRUE(a.err.startsWith(QStringLiteral("No Corvantide runs on this home"))) << a.err.toStdString();
+    EXPECT_TRUE(a.err.startsWith(QStringLiteral("No Corvantide runs on this home")))
+        << a.err.toStdString();
 }
 
 // Ten thousand talk events in one burst: each is a line on the bot's standard
@@ -196,9 +154,9 @@ TEST_F(SteeringEndToEnd, EveryLineOfABurstReachesStandardOutputInOrder) {
     ASSERT_EQ(sandbox.control(QStringLiteral("join Ghost Steer")), QStringLiteral("ok"));
     ASSERT_TRUE(botSays(QStringLiteral("[Alpha] "), QStringLiteral("Ghost has joined")));
     // The follower is in place once the last line before it has reached it.
-    tail.start(program(), {QStringLiteral("--home"), home.path(), QStringLiteral("tail"),
-                           QStringLiteral("Alpha"), QStringLiteral("-n"), QStringLiteral("1")});
-    ASSERT_TRUE(says(tail, tailOut, QStringLiteral("Ghost has joined")));
+    tail.verb(home.path(), {QStringLiteral("tail"), QStringLiteral("Alpha"), QStringLiteral("-n"),
+                            QStringLiteral("1")});
+    ASSERT_TRUE(tail.says(QStringLiteral("Ghost has joined")));
 
     constexpr int kLines = 10000;
     QStringList burst;
@@ -209,7 +167,7 @@ TEST_F(SteeringEndToEnd, EveryLineOfABurstReachesStandardOutputInOrder) {
     const QRegularExpression talk(QStringLiteral("^\\[Alpha\\] .*<Ghost> burst line (\\d+)$"),
                                   QRegularExpression::MultilineOption);
     int expected = 1;
-    for (auto it = talk.globalMatch(botOut); it.hasNext();) {
+    for (auto it = talk.globalMatch(bot.out); it.hasNext();) {
         ASSERT_EQ(it.next().captured(1).toInt(), expected) << "a line missing or out of order";
         ++expected;
     }
@@ -221,14 +179,17 @@ TEST_F(SteeringEndToEnd, EveryLineOfABurstReachesStandardOutputInOrder) {
     const QRegularExpression skipped(QStringLiteral("^\\.\\.\\. (\\d+) lines skipped$"),
                                      QRegularExpression::MultilineOption);
     int accounted = 0;
-    ASSERT_TRUE(waitFor([&] {
-        tailOut += QString::fromUtf8(tail.readAllStandardOutput());
-        accounted = 0;
-        for (auto it = shown.globalMatch(tailOut); it.hasNext(); it.next())
-            ++accounted;
-        for (auto it = skipped.globalMatch(tailOut); it.hasNext();)
-            accounted += it.next().captured(1).toInt();
-        return accounted >= kLines;
-    }, 30000)) << accounted;
+    ASSERT_TRUE(waitFor(
+        [&] {
+            tail.read();
+            accounted = 0;
+            for (auto it = shown.globalMatch(tail.out); it.hasNext(); it.next())
+                ++accounted;
+            for (auto it = skipped.globalMatch(tail.out); it.hasNext();)
+                accounted += it.next().captured(1).toInt();
+            return accounted >= kLines;
+        },
+        30000))
+        << accounted;
     EXPECT_EQ(accounted, kLines);
 }

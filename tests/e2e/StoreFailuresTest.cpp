@@ -1,24 +1,16 @@
 // The program as a user meets a disk that fills up and a settings store that
 // cannot be used: no success is claimed for a write that was lost, and each
 // refusal says what is wrong.
-#include "common/SandboxProcess.h"
 #include "config/RegistryWrapper.h"
+#include "e2e/RunningProgram.h"
 
-#include <QDir>
-#include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <csignal>
-#include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
 
 namespace {
-
-QString program() {
-    return QStringLiteral(CORVANTIDE_BINARY_DIR "/corvantide");
-}
 
 QString storeFile(const QString& home) {
     return home + QStringLiteral("/.config/Ostrelund/Corvantide/settings.sqlite");
@@ -65,47 +57,33 @@ private:
     bool m_mounted = false;
 };
 
-void importProfile(const QString& home) {
-    const QString reg = home + QStringLiteral("/profile.reg");
-    QFile file(reg);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Software\\Corvantide4\\Profiles\\Full]\r\n"
-               "\"Database\"=\"Main\"\r\n\"Load at Startup\"=dword:00000001\r\n\r\n"
-               "[HKEY_CURRENT_USER\\Software\\Corvantide4\\Databases\\Main]\r\n\r\n");
-    file.close();
-    QProcess import;
-    import.start(program(), {QStringLiteral("--home"), home, QStringLiteral("--import-reg"), reg});
-    ASSERT_TRUE(import.waitForFinished(20000));
-    ASSERT_EQ(import.exitCode(), 0) << import.readAllStandardError().toStdString();
-    EXPECT_EQ(import.readAllStandardOutput(), "Imported 2 values from " + reg.toUtf8() + '\n');
-}
-
 } // namespace
 
 TEST(StoreFailures, AFullDiskGetsNoClaimOfAWriteItLost) {
     QTemporaryDir base;
     const QString home = base.filePath(QStringLiteral("home"));
     FillableHome disk(home);
-    importProfile(home);
+    const VerbAnswer imported = importKeys(
+        home,
+        QStringLiteral("[HKEY_CURRENT_USER\\Software\\Corvantide4\\Profiles\\Full]\r\n"
+                       "\"Database\"=\"Main\"\r\n\"Load at Startup\"=dword:00000001\r\n\r\n"
+                       "[HKEY_CURRENT_USER\\Software\\Corvantide4\\Databases\\Main]\r\n\r\n"));
+    ASSERT_EQ(imported.status, 0) << imported.err.toStdString();
+    EXPECT_EQ(imported.out, QStringLiteral("Imported 2 values from %1/import.reg\n").arg(home));
 
-    QProcess bot;
+    RunningProgram bot;
     // A write past the size limit is refused, not a reason to end the bot.
     bot.setChildProcessModifier([] { std::signal(SIGXFSZ, SIG_IGN); });
-    bot.start(program(), {QStringLiteral("--headless"), QStringLiteral("--home"), home});
-    ASSERT_TRUE(bot.waitForStarted());
-    QString out;
-    ASSERT_TRUE(waitFor([&] {
-        out += QString::fromUtf8(bot.readAllStandardOutput());
-        return out.contains(QStringLiteral("Completed all startup tasks successfully."));
-    })) << out.toStdString();
+    ASSERT_TRUE(bot.headless(home));
+    ASSERT_TRUE(bot.says(QStringLiteral("Completed all startup tasks successfully.")))
+        << bot.out.toStdString();
     disk.fill(bot.processId());
     constexpr int kUsers = 30;
     for (int i = 1; i <= kUsers; ++i)
         bot.write(QStringLiteral("/add full%1 50\n").arg(i).toUtf8());
     bot.write("/addquote q1 a quote the disk cannot keep\n");
-    bot.closeWriteChannel();
-    ASSERT_TRUE(bot.waitForFinished(30000));
-    out += QString::fromUtf8(bot.readAllStandardOutput());
+    bot.stop();
+    const QString& out = bot.out;
     disk.empty();
 
     EXPECT_TRUE(out.contains(QStringLiteral(": ") + disk.cause())) << out.toStdString();
@@ -135,13 +113,16 @@ TEST(StoreFailures, AStoreThatCannotBeUsedIsToldApart) {
     text.write("my notes, saved over the settings by mistake\n");
     text.close();
 
-    QProcess first;
-    first.start(program(), {QStringLiteral("--headless"), QStringLiteral("--home"), home.path()});
-    QString out;
-    ASSERT_TRUE(waitFor([&] {
-        out += QString::fromUtf8(first.readAllStandardOutput());
-        return out.contains(QStringLiteral("Completed all startup tasks successfully."));
-    })) << out.toStdString();
+    // The first start of a bot without profiles.
+    RunningProgram first;
+    ASSERT_TRUE(first.headless(home.path()));
+    ASSERT_TRUE(first.says(QStringLiteral("Completed all startup tasks successfully.")))
+        << first.out.toStdString();
+    const QString& out = first.out;
+    EXPECT_TRUE(
+        out.contains(QStringLiteral("goes on with fresh settings.\nWelcome to Corvantide v")))
+        << out.toStdString();
+    EXPECT_TRUE(out.contains(QStringLiteral("- There are no bots set to be loaded!")));
     EXPECT_TRUE(out.contains(QStringLiteral("was not a settings store; it was moved aside to ") +
                              file + QStringLiteral(".damaged-")))
         << out.toStdString();
@@ -153,14 +134,8 @@ TEST(StoreFailures, AStoreThatCannotBeUsedIsToldApart) {
     EXPECT_EQ(kept.readAll(), "my notes, saved over the settings by mistake\n");
 
     // A second bot on the same home is told that the first one holds it.
-    QProcess second;
-    second.start(program(), {QStringLiteral("--headless"), QStringLiteral("--home"), home.path()});
-    ASSERT_TRUE(second.waitForFinished(20000));
-    EXPECT_EQ(second.exitCode(), 1);
-    EXPECT_TRUE(
-        second.readAllStandardError().contains("another Corvantide that runs with this home"));
-
-    first.closeWriteChannel();
-    ASSERT_TRUE(first.waitForFinished(20000));
-    EXPECT_EQ(first.exitCode(), 0);
+    const VerbAnswer second = RunVerb(home.path(), {QStringLiteral("--headless")});
+    EXPECT_EQ(second.status, 1);
+    EXPECT_TRUE(second.err.contains(QStringLiteral("another Corvantide that runs with this home")));
+    EXPECT_EQ(first.stop(), 0);
 }

@@ -6,53 +6,35 @@
 // refuses an old version byte, and while it runs a new trigger is sent and
 // the plug-in stopped and started from the terminal. A ranked user in the
 // channel commands the bot through all of it.
-#include "chat/TimedEvents.h"
-#include "common/SandboxProcess.h"
-#include "common/SlotFixture.h"
-#include "common/TerminalVerb.h"
-#include "config/SettingsWrapper.h"
-#include "platform/ChatDocument.h"
+#include "e2e/BotFixture.h"
+#include "e2e/RunningProgram.h"
 #include "platform/ListModel.h"
 
-#include <QDir>
-#include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 
 namespace {
 
 using Answer = VerbAnswer;
 
-class TerminalVerbsEndToEnd : public SlotFixture {
+class TerminalVerbsEndToEnd : public BotFixture {
 protected:
     void SetUp() override {
-        SlotFixture::SetUp();
+        BotFixture::SetUp();
         SettingsWrapper::instance().setFloodMode(0);
-        TimedEvents::instance().start();
-    }
-    void TearDown() override {
-        TimedEvents::instance().stop();
-        if (bot.state() != QProcess::NotRunning) {
-            bot.closeWriteChannel();
-            if (!bot.waitForFinished(10000)) bot.kill();
-        }
     }
 
-    static QString program() { return ProgramBinary(); }
     Answer verb(const QStringList& words) { return RunVerb(home.path(), words); }
     void setUp(const QStringList& words) {
         const Answer run = verb(words);
-        ASSERT_EQ(run.status, 0) << words.join(u' ').toStdString() << ": "
-                                 << run.err.toStdString();
+        ASSERT_EQ(run.status, 0) << words.join(u' ').toStdString() << ": " << run.err.toStdString();
     }
 
     bool ownerSees(const QString& text) {
-        return waitFor([&] { return rtbChat(owner).text().contains(text); }, 20000);
+        return waitFor([&] { return chat(owner).contains(text); }, 20000);
     }
 
-    SandboxProcess sandbox;
     QTemporaryDir home;
-    QProcess bot;
+    RunningProgram bot;
     int owner = 0;
 };
 
@@ -68,25 +50,7 @@ static QList<QStringList> readmeRecipe() {
     const qsizetype end = text.indexOf(QStringLiteral("```"), start);
     QList<QStringList> commands;
     for (const QString& line : text.mid(start, end - start).split(u'\n')) {
-        QStringList words;
-        QString word;
-        bool quoted = false;
-        bool inWord = false;
-        for (const QChar c : line) {
-            if (c == u'#' && !quoted) break;
-            if (c == u'"') {
-                quoted = !quoted;
-                inWord = true;
-            } else if (c == u' ' && !quoted) {
-                if (inWord) words << word;
-                word.clear();
-                inWord = false;
-            } else {
-                word += c;
-                inWord = true;
-            }
-        }
-        if (inWord) words << word;
+        const QStringList words = QProcess::splitCommand(line.section(u'#', 0, 0));
         if (words.value(0) == u"corvantide") commands << words.mid(1);
     }
     return commands;
@@ -133,19 +97,11 @@ TEST_F(TerminalVerbsEndToEnd, TheReadmesRecipeLogsOnAndObeysItsUserbase) {
     EXPECT_TRUE(noBot.err.startsWith(QStringLiteral("No Corvantide runs on this home")))
         << noBot.err.toStdString();
 
-    bot.start(program(), {QStringLiteral("--headless"), QStringLiteral("--home"), home.path(),
-                          QStringLiteral("--connect")});
-    ASSERT_TRUE(bot.waitForStarted());
+    ASSERT_TRUE(bot.headless(home.path(), {QStringLiteral("--connect")}));
     owner = sandbox.loadProfile(QStringLiteral("myfriend"), QStringLiteral("Lobby"));
     SlotTable::instance().ConnectBot(owner);
     ASSERT_TRUE(waitFor([&] { return lvUsers(owner).count() == 3; }, 30000));
-    QString console;
-    ASSERT_TRUE(waitFor(
-        [&] {
-            console += QString::fromUtf8(bot.readAllStandardOutput());
-            return console.contains(QStringLiteral("Cannot connect: Account is empty"));
-        },
-        10000));
+    ASSERT_TRUE(bot.says(QStringLiteral("Cannot connect: Account is empty")));
 
     Bots(owner).Queue << QStringLiteral(".say obeying the terminal's userbase");
     ASSERT_TRUE(ownerSees(QStringLiteral("<mybot> obeying the terminal's userbase")));
@@ -153,8 +109,8 @@ TEST_F(TerminalVerbsEndToEnd, TheReadmesRecipeLogsOnAndObeysItsUserbase) {
     // The refused byte was mended from BNLS once (Main and the user sent
     // their product's current byte); the profile without an account said
     // what it lacks and never tried.
-    console += QString::fromUtf8(bot.readAllStandardOutput());
-    EXPECT_EQ(console.count(QStringLiteral("[BNLS] The server refused version byte D1 of STAR; "
+    bot.read();
+    EXPECT_EQ(bot.out.count(QStringLiteral("[BNLS] The server refused version byte D1 of STAR; "
                                            "stored the current one, D3, in the profile and "
                                            "connecting once more.")),
               1);
@@ -162,27 +118,32 @@ TEST_F(TerminalVerbsEndToEnd, TheReadmesRecipeLogsOnAndObeysItsUserbase) {
                     QStringLiteral("Verbyte")})
                   .out,
               QStringLiteral("D3\n"));
-    EXPECT_EQ(console.count(QStringLiteral("[BNET] Cannot connect: Account is empty; set it with: "
+    EXPECT_EQ(bot.out.count(QStringLiteral("[BNET] Cannot connect: Account is empty; set it with: "
                                            "corvantide profile set Blank Account NAME.")),
               1);
-    EXPECT_FALSE(console.contains(QStringLiteral("Reconnecting")));
+    EXPECT_FALSE(bot.out.contains(QStringLiteral("Reconnecting")));
 
     // The plug-in Plugins.ini loads at start greets who joins.
     Bots(owner).Queue << QStringLiteral("/join Elsewhere") << QStringLiteral("/join Lobby");
     ASSERT_TRUE(ownerSees(QStringLiteral("<mybot> Hello myfriend, greetings from a plug-in.")));
-    const QStringList plugin{QStringLiteral("plugin")};
-    EXPECT_EQ(verb(plugin + QStringList{QStringLiteral("list")}).out,
-              QStringLiteral("greeter\trunning, loads at start\n"));
-    EXPECT_EQ(verb(plugin + QStringList{QStringLiteral("stop"), QStringLiteral("greeter")}).out,
-              QStringLiteral("Stopped 'greeter'.\n"));
-    EXPECT_EQ(verb(plugin + QStringList{QStringLiteral("stop"), QStringLiteral("greeter")}).err,
-              QStringLiteral("'greeter' is not running.\n"));
-    EXPECT_EQ(verb(plugin + QStringList{QStringLiteral("disable"), QStringLiteral("greeter")}).out,
-              QStringLiteral("'greeter' no longer loads when the bot starts.\n"));
-    EXPECT_EQ(verb(plugin + QStringList{QStringLiteral("start"), QStringLiteral("greeter")}).out,
-              QStringLiteral("Started 'greeter'.\n"));
-    EXPECT_EQ(verb(plugin + QStringList{QStringLiteral("list")}).out,
-              QStringLiteral("greeter\trunning, not loaded at start\n"));
+    struct PluginVerb {
+        const char* words;
+        int status;
+        QString said; // on standard output, or standard error for a refusal
+    } const pluginVerbs[] = {
+        {"list", 0, QStringLiteral("greeter\trunning, loads at start\n")},
+        {"stop greeter", 0, QStringLiteral("Stopped 'greeter'.\n")},
+        {"stop greeter", 1, QStringLiteral("'greeter' is not running.\n")},
+        {"disable greeter", 0, QStringLiteral("'greeter' no longer loads when the bot starts.\n")},
+        {"start greeter", 0, QStringLiteral("Started 'greeter'.\n")},
+        {"list", 0, QStringLiteral("greeter\trunning, not loaded at start\n")},
+    };
+    for (const PluginVerb& row : pluginVerbs) {
+        const Answer a = verb(QStringList{QStringLiteral("plugin")} +
+                              QString::fromLatin1(row.words).split(u' '));
+        EXPECT_EQ(a.status, row.status) << row.words;
+        EXPECT_EQ(row.status == 0 ? a.out : a.err, row.said) << row.words;
+    }
 
     // The running bot takes the new trigger at once: the old one is silence.
     const Answer changed = verb({QStringLiteral("profile"), QStringLiteral("set"), p,
@@ -201,12 +162,8 @@ TEST_F(TerminalVerbsEndToEnd, TheReadmesRecipeLogsOnAndObeysItsUserbase) {
            QStringLiteral("macro")});
     Bots(owner).Queue << QStringLiteral("hush hush") << QStringLiteral("#macro greet");
     ASSERT_TRUE(ownerSees(QStringLiteral("<mybot> Hello from a macro")));
-    QString screen;
-    EXPECT_TRUE(waitFor([&] {
-        screen += QString::fromUtf8(bot.readAllStandardOutput());
-        return screen.contains(QStringLiteral("#macro greet"));
-    }));
-    EXPECT_FALSE(screen.contains(QStringLiteral("hush hush")));
+    EXPECT_TRUE(bot.says(QStringLiteral("#macro greet")));
+    EXPECT_FALSE(bot.out.contains(QStringLiteral("hush hush")));
 
     // Refusals from the running bot come back with a failing status.
     const Answer taken = verb({QStringLiteral("profile"), QStringLiteral("new"), p.toLower()});

@@ -113,16 +113,3 @@ QJsonValue HeadlessChromium::evaluate(const QString& expression) {
 bool HeadlessChromium::waitUntil(const QString& expression, int ms) {
     return waitFor([&] { return evaluate(expression).toBool(); }, ms);
 }
-
-bool HeadlessChromium::screenshot(const QString& file, int width, int height) {
-    call(QStringLiteral("Emulation.setDeviceMetricsOverride"),
-         {{QStringLiteral("width"), width},
-          {QStringLiteral("height"), height},
-          {QStringLiteral("deviceScaleFactor"), 1},
-          {QStringLiteral("mobile"), false}});
-    const QJsonObject shot =
-        call(QStringLiteral("Page.captureScreenshot"), {{QStringLiteral("format"), "png"}});
-    QFile out(file);
-    return out.open(QIODevice::WriteOnly) &&
-           out.write(QByteArray::fromBase64(shot[QStringLiteral("data")].toString().toLatin1())) > 0;
-}

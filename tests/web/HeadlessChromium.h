@@ -10,7 +10,7 @@
 class QWebSocket;
 
 // Debian's chromium without a screen, driven over the DevTools protocol on
-// its WebSocket: open a page, run JavaScript in it, take a picture of it.
+// its WebSocket: open a page and run JavaScript in it.
 class HeadlessChromium {
 public:
     HeadlessChromium();
@@ -23,7 +23,6 @@ public:
     QJsonValue evaluate(const QString& expression);
     // Polls the expression until it is true or `ms` pass.
     bool waitUntil(const QString& expression, int ms = 15000);
-    bool screenshot(const QString& file, int width, int height);
 
 private:
     QJsonObject call(const QString& method, const QJsonObject& params = {});

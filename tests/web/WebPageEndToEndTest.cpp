@@ -2,42 +2,18 @@
 // page on, and a real browser that opens the page, offers a wrong token and
 // then the right one, reads the channel and its users, and types a line that
 // the channel hears.
-#include "common/SandboxProcess.h"
+#include "e2e/RunningProgram.h"
 #include "web/HeadlessChromium.h"
 
-#include <QFile>
-#include <QProcess>
 #include <QTcpServer>
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
 
 namespace {
-
-QString program() {
-    return QStringLiteral(CORVANTIDE_BINARY_DIR "/corvantide");
-}
 
 int freePort() {
     QTcpServer probe;
     probe.listen(QHostAddress::LocalHost, 0);
     return probe.serverPort();
-}
-
-QString profileKey(const QString& name, const QString& account, const SandboxProcess& sandbox) {
-    return QStringLiteral("[HKEY_CURRENT_USER\\Software\\Corvantide4\\Profiles\\%1]\r\n"
-                          "\"Account\"=\"%2\"\r\n\"Password\"=\"pass\"\r\n\"Product\"=\"STAR\"\r\n"
-                          "\"Verbyte\"=\"d3\"\r\n\"Cdkey1\"=\"7178075237576\"\r\n"
-                          "\"Channel\"=\"WebRoom\"\r\n\"Server\"=\"%3\"\r\n\"ServerBNLS\"=\"%4\"\r\n"
-                          "\"Load at Startup\"=dword:00000001\r\n\r\n")
-        .arg(name, account, sandbox.bncsServer(), sandbox.bnlsServer());
-}
-
-// Runs a verb on the home and gives what it printed.
-QString verb(const QString& home, const QStringList& words) {
-    QProcess process;
-    process.start(program(), QStringList{QStringLiteral("--home"), home} + words);
-    process.waitForFinished(20000);
-    return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
 }
 
 } // namespace
@@ -49,33 +25,24 @@ TEST(WebPageEndToEnd, ABrowserReadsTheChannelAndTypesIntoItOnlyWithTheToken) {
     ASSERT_TRUE(sandbox.start());
     QTemporaryDir home;
     const int port = freePort();
-    const QString reg = home.filePath(QStringLiteral("bots.reg"));
-    QFile file(reg);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write((QStringLiteral("REGEDIT4\r\n\r\n") +
-                profileKey(QStringLiteral("Speaker"), QStringLiteral("webspeaker"), sandbox) +
-                profileKey(QStringLiteral("Listener"), QStringLiteral("weblistener"), sandbox) +
-                QStringLiteral("[HKEY_CURRENT_USER\\Software\\Corvantide4\\Settings]\r\n"
-                               "\"WebPort\"=dword:%1\r\n\r\n")
-                    .arg(port, 8, 16, QLatin1Char('0')))
-                   .toLatin1());
-    file.close();
-    verb(home.path(), {QStringLiteral("import"), reg});
-    const QString token = verb(home.path(), {QStringLiteral("web-token")});
+    const QString channel = QStringLiteral("WebRoom");
+    ASSERT_EQ(importKeys(home.path(),
+                         profileKey(QStringLiteral("Speaker"), QStringLiteral("webspeaker"), channel,
+                                    sandbox) +
+                             profileKey(QStringLiteral("Listener"), QStringLiteral("weblistener"),
+                                        channel, sandbox) +
+                             QStringLiteral("[HKEY_CURRENT_USER\\Software\\Corvantide4\\Settings]\r\n"
+                                            "\"WebPort\"=dword:%1\r\n\r\n")
+                                 .arg(port, 8, 16, QLatin1Char('0')))
+                  .status,
+              0);
+    const QString token = RunVerb(home.path(), {QStringLiteral("web-token")}).out.trimmed();
     ASSERT_GE(token.size(), 40) << token.toStdString();
 
-    QProcess bot;
-    bot.start(program(), {QStringLiteral("--headless"), QStringLiteral("--no-input"),
-                          QStringLiteral("--home"), home.path(), QStringLiteral("--connect")});
-    QString out;
-    const auto seen = [&](const QString& text) {
-        return waitFor([&] {
-            out += QString::fromUtf8(bot.readAllStandardOutput());
-            return out.contains(text);
-        });
-    };
-    ASSERT_TRUE(seen(QStringLiteral("The web page is at http://127.0.0.1:%1/").arg(port)))
-        << out.toStdString();
+    RunningProgram bot;
+    ASSERT_TRUE(bot.headless(home.path(), {QStringLiteral("--no-input"), QStringLiteral("--connect")}));
+    ASSERT_TRUE(bot.says(QStringLiteral("The web page is at http://127.0.0.1:%1/").arg(port)))
+        << bot.out.toStdString();
 
     HeadlessChromium browser;
     QString error;
@@ -124,11 +91,6 @@ TEST(WebPageEndToEnd, ABrowserReadsTheChannelAndTypesIntoItOnlyWithTheToken) {
     EXPECT_TRUE(browser.waitUntil(QStringLiteral(
         "$('chat').textContent.includes('<webspeaker> hello from the page')")))
         << browser.evaluate(QStringLiteral("$('chat').textContent")).toString().toStdString();
-    EXPECT_TRUE(seen(QStringLiteral("[Listener] ")));
-
-    const QByteArray picture = qgetenv("CORVANTIDE_WEB_SCREENSHOT");
-    if (!picture.isEmpty()) browser.screenshot(QString::fromLocal8Bit(picture), 1100, 620);
-
-    bot.terminate();
-    ASSERT_TRUE(bot.waitForFinished(20000));
+    EXPECT_TRUE(bot.says(QStringLiteral("[Listener] ")));
+    EXPECT_EQ(bot.stop(), 0);
 }

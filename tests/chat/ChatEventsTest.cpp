@@ -33,8 +33,9 @@ protected:
 
 } // namespace
 
-// (Joins, leaves, the operators' lines and a new channel's list are the
-// end-to-end chat test's; the order of operators the user list test's.)
+// (Joins, leaves, the operators' lines, a new channel's list, whispers both
+// ways and a spammer's leave, rejoin and talk are the end-to-end chat test's;
+// the order of operators the user list test's.)
 TEST_F(ChatEventsTest, GainingOperatorMovesToTheTopAndLosingItOnlyRecolours) {
     event(1, QStringLiteral("alice"), QStringLiteral("RATS 0"));
     event(2, QStringLiteral("op"), QStringLiteral("RATS 0"), 0x02);
@@ -49,13 +50,6 @@ TEST_F(ChatEventsTest, AFlagsUpdateOfAStrangerAddsThem) {
     event(9, QStringLiteral("ghost"), QStringLiteral("RATS 0"), 0x10);
     EXPECT_EQ(listNames(), QStringList{"ghost"});
     EXPECT_FALSE(chat().contains(QStringLiteral("operator status")));
-}
-
-TEST_F(ChatEventsTest, WhispersRememberWhomToAnswer) {
-    event(4, QStringLiteral("friend"), QStringLiteral("hi there"));
-    event(10, QStringLiteral("other"), QStringLiteral("hello"));
-    EXPECT_EQ(Bots(slot).LastWhisper, QStringLiteral("friend"));
-    EXPECT_EQ(Bots(slot).LastWhispered, QStringLiteral("other"));
 }
 
 TEST_F(ChatEventsTest, ServerInformationIsReadByPattern) {
@@ -84,35 +78,6 @@ TEST_F(ChatEventsTest, JoiningTheVoidAsksToSeeUsersUnlessHidden) {
     Bots(slot).Queue.clear();
     event(7, {}, QStringLiteral("The Void"));
     EXPECT_TRUE(Bots(slot).Queue.isEmpty());
-}
-
-TEST_F(ChatEventsTest, DelayedEventsWaitThenShowOrArePurged) {
-    tickcount::ManualClock clock(100000);
-    SettingsWrapper::instance().setFloodMode(1000);
-    event(2, QStringLiteral("spammer"), QStringLiteral("RATS 0"));
-    event(5, QStringLiteral("calm"), QStringLiteral("hello all"));
-    EXPECT_EQ(Bots(slot).DelayCount(), 2);
-    EXPECT_TRUE(lvUsers(slot).count() == 0);
-    clock.advance(500);
-    Bots(slot).ShowDelayedEvent(slot);
-    EXPECT_EQ(Bots(slot).DelayCount(), 2);
-    clock.advance(600);
-    Bots(slot).ShowDelayedEvent(slot);
-    EXPECT_EQ(Bots(slot).DelayCount(), 0);
-    EXPECT_EQ(lvUsers(slot).count(), 1);
-    EXPECT_TRUE(chat().contains(QStringLiteral("hello all")));
-
-    // Leave, rejoin and talk inside the delay: the whole list goes unseen.
-    event(3, QStringLiteral("spammer"));
-    event(2, QStringLiteral("spammer"), QStringLiteral("RATS 0"));
-    event(5, QStringLiteral("spammer"), QStringLiteral("buy gold"));
-    event(5, QStringLiteral("calm"), QStringLiteral("bystander"));
-    clock.advance(1100);
-    Bots(slot).ShowDelayedEvent(slot);
-    EXPECT_EQ(Bots(slot).DelayCount(), 0);
-    EXPECT_FALSE(chat().contains(QStringLiteral("buy gold")));
-    EXPECT_FALSE(chat().contains(QStringLiteral("bystander")));
-    EXPECT_EQ(lvUsers(slot).count(), 1); // the leave was never shown either
 }
 
 TEST_F(ChatEventsTest, ABusyMomentOfDifferentUsersIsNoPurge) {

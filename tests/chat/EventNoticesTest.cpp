@@ -54,78 +54,76 @@ protected:
 
 } // namespace
 
-// Each flash setting alone, under the master switch: the events that flash.
-// A friend's notice is a whisper too.
-TEST_F(EventNoticesTest, OnlyTheEventsWhoseFlashIsOnFlashTheWindow) {
+// Each pair of settings alone, under the master switches: the events that
+// flash and the tips they show. A friend's notice is a whisper too.
+TEST_F(EventNoticesTest, EachSettingFlashesAndTipsForItsOwnEventsOnly) {
     SettingsWrapper& s = SettingsWrapper::instance();
     s.setFlashWhisper(true);
+    s.setBalloonWhisper(true);
+    s.setBalloon(true);
     whisper();
     EXPECT_EQ(flashes.count(), 0) << "Flash, the master switch, is off";
+    EXPECT_EQ(balloons.count(), 0) << "tips show only while the window is in the tray";
     s.setFlashWhisper(false);
+    s.setBalloonWhisper(false);
     s.setFlash(true);
-    const std::pair<bool (SettingsWrapper::*)(bool), const char*> rows[] = {
-        {&SettingsWrapper::setFlashTalk, "talk"},
-        {&SettingsWrapper::setFlashEmote, "emote"},
-        {&SettingsWrapper::setFlashWhisper, "whisper came left"},
-        {&SettingsWrapper::setFlashBan, "kicked"},
-        {&SettingsWrapper::setFlashFriendOn, "came"},
-        {&SettingsWrapper::setFlashFriendOff, "left"},
+    DesktopShell::instance().setWindowInTray(true);
+
+    using Set = bool (SettingsWrapper::*)(bool);
+    struct Row {
+        Set flash;
+        Set balloon;
+        const char* flashed;
+        QStringList tips;
+    };
+    const QString came = QStringLiteral("Your friend carol has entered Battle.net.");
+    const QString left = QStringLiteral("Your friend carol has exited Battle.net.");
+    const Row rows[] = {
+        {&SettingsWrapper::setFlashTalk, &SettingsWrapper::setBalloonTalk, "talk",
+         {"alice said \"hello all\"."}},
+        {&SettingsWrapper::setFlashEmote, &SettingsWrapper::setBalloonEmote, "emote",
+         {"alice emoted \"waves\"."}},
+        {&SettingsWrapper::setFlashWhisper, &SettingsWrapper::setBalloonWhisper,
+         "whisper came left",
+         {"bob whispered you saying \"psst\".", "carol whispered you saying \"" + came + "\".",
+          "carol whispered you saying \"" + left + "\"."}},
+        {&SettingsWrapper::setFlashBan, &SettingsWrapper::setBalloonBan, "kicked",
+         {"dave kicked you out of the channel!"}},
+        {&SettingsWrapper::setFlashFriendOn, &SettingsWrapper::setBalloonFriendOn, "came", {came}},
+        {&SettingsWrapper::setFlashFriendOff, &SettingsWrapper::setBalloonFriendOff, "left",
+         {left}},
     };
     const std::pair<std::function<void()>, const char*> events[] = {
         {[this] { talk(); }, "talk"},       {[this] { emote(); }, "emote"},
         {[this] { whisper(); }, "whisper"}, {[this] { kicked(); }, "kicked"},
         {[this] { friendCame(); }, "came"}, {[this] { friendLeft(); }, "left"},
     };
-    for (const auto& [set, expected] : rows) {
-        (s.*set)(true);
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.flashed);
+        (s.*row.flash)(true);
+        (s.*row.balloon)(true);
+        balloons.clear();
         QStringList flashed;
         for (const auto& [happen, name] : events) {
             const qsizetype before = flashes.count();
             happen();
             if (flashes.count() > before) flashed << QLatin1String(name);
         }
-        EXPECT_EQ(flashed.join(u' '), QLatin1String(expected));
-        (s.*set)(false);
+        EXPECT_EQ(flashed.join(u' '), QLatin1String(row.flashed));
+        QStringList tips;
+        for (const QList<QVariant>& tip : std::as_const(balloons)) {
+            EXPECT_EQ(tip.at(0).toString(), QStringLiteral("Watcher")) << "titled by the profile";
+            tips << tip.at(1).toString();
+        }
+        EXPECT_EQ(tips, row.tips);
+        (s.*row.flash)(false);
+        (s.*row.balloon)(false);
     }
-    EXPECT_EQ(balloons.count(), 0);
-}
-
-TEST_F(EventNoticesTest, TrayTipsShowOnlyWhileTheWindowIsInTheTray) {
-    SettingsWrapper& s = SettingsWrapper::instance();
-    s.setBalloon(true);
-    s.setBalloonTalk(true);
-    s.setBalloonWhisper(true);
-    s.setBalloonBan(true);
-    s.setBalloonFriendOn(true);
-    talk();
-    whisper();
-    EXPECT_EQ(balloons.count(), 0) << "the window is on screen";
-
-    DesktopShell::instance().setWindowInTray(true);
-    talk();
-    emote();
-    whisper();
-    kicked();
-    friendCame();
-    friendLeft();
-    // A friend notice is a whisper too: with both tips on it shows twice.
-    ASSERT_EQ(balloons.count(), 6);
-    const auto tip = [this](int i) {
-        return balloons.at(i).at(0).toString() + u'|' + balloons.at(i).at(1).toString();
-    };
-    EXPECT_EQ(tip(0), QStringLiteral("Watcher|alice said \"hello all\"."));
-    EXPECT_EQ(tip(1), QStringLiteral("Watcher|bob whispered you saying \"psst\"."));
-    EXPECT_EQ(tip(2), QStringLiteral("Watcher|dave kicked you out of the channel!"));
-    EXPECT_EQ(tip(3), QStringLiteral("Watcher|carol whispered you saying \"Your friend carol has "
-                                     "entered Battle.net.\"."));
-    EXPECT_EQ(tip(4), QStringLiteral("Watcher|Your friend carol has entered Battle.net."));
-    EXPECT_TRUE(tip(5).startsWith(QStringLiteral("Watcher|carol whispered you saying")))
-        << "no tip for a friend leaving";
 
     s.setBalloonEmote(true);
+    balloons.clear();
     event(23, QStringLiteral("alice"), QString(300, u'x'));
-    ASSERT_EQ(balloons.count(), 7);
-    EXPECT_EQ(balloons.at(6).at(1).toString().size(), 256) << "a long tip is cut";
-    EXPECT_TRUE(balloons.at(6).at(1).toString().startsWith(QStringLiteral("alice emoted \"xxx")));
-    EXPECT_EQ(flashes.count(), 0);
+    ASSERT_EQ(balloons.count(), 1);
+    EXPECT_EQ(balloons.at(0).at(1).toString().size(), 256) << "a long tip is cut";
+    EXPECT_TRUE(balloons.at(0).at(1).toString().startsWith(QStringLiteral("alice emoted \"xxx")));
 }

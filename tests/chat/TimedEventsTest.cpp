@@ -3,6 +3,7 @@
 // work on the slots it is meant for.
 #include "chat/TimedEvents.h"
 
+#include "chat/SendQueue.h"
 #include "common/ChatFixture.h"
 #include "common/SandboxProcess.h"
 #include "config/SettingsWrapper.h"
@@ -62,6 +63,13 @@ protected:
         }
         sent.clear();
     }
+    // The time between each chat line and the next.
+    std::vector<quint32> gaps() const {
+        std::vector<quint32> out;
+        for (size_t i = 1; i < lines.size(); ++i)
+            out.push_back(lines[i].first - lines[i - 1].first);
+        return out;
+    }
     quint32 colorOf(const QString& user) {
         const ListModel& list = lvUsers(slot);
         for (int i = 1; i <= list.count(); ++i)
@@ -110,10 +118,60 @@ TEST_F(TimedEventsTest, EachRoutineComesAtItsPeriodAcrossTheCountersWrap) {
     runTo(185000);
     ASSERT_EQ(lines.size(), 1u);
     EXPECT_EQ(lines[0].second, QStringLiteral("idle in Lobby"));
-    bot.Config.setIdleTime(0);
+    bot.Config.setIdleMsg(QString());
     lines.clear();
-    runTo(250000);
+    runTo(245000);
+    EXPECT_TRUE(lines.empty()) << "an empty idle message sends nothing";
+    bot.Config.setIdleMsg(QStringLiteral("idle in $ch"));
+    bot.Config.setIdleTime(0);
+    runTo(310000);
     EXPECT_TRUE(lines.empty()) << "an idle time of 0 sends nothing";
+
+    // Tokens are expanded in order, so a channel named "$me" shows the account.
+    bot.setChannel(QStringLiteral("$me"));
+    EXPECT_EQ(TimedEvents::ExpandIdleMessage(slot, QStringLiteral("in $ch as $me")),
+              QStringLiteral("in Timed as Timed"));
+    EXPECT_TRUE(TimedEvents::ExpandIdleMessage(slot, QStringLiteral("$v"))
+                    .startsWith(QStringLiteral("Corvantide v")));
+}
+
+TEST(SendQueueWaits, FollowTheLengthAndTheBurst) {
+    EXPECT_EQ(sendqueue::WaitAfter(10, 1), 1880);
+    EXPECT_EQ(sendqueue::WaitAfter(69, 1), 4122);
+    EXPECT_EQ(sendqueue::WaitAfter(70, 1), 4500);
+    EXPECT_EQ(sendqueue::WaitAfter(0, 1), 1500);
+    EXPECT_EQ(sendqueue::WaitAfter(10, 4), 2150);
+    EXPECT_EQ(sendqueue::WaitAfter(100, 9), 5700);
+}
+
+// Each wait must pass fully, and the send step's grain is 100 ms.
+TEST_F(TimedEventsTest, QueuedLinesLeaveOnTheirScheduleAndAnIdleSlotResetsTheBurst) {
+    sendqueue::QueueBurst() = 0;
+    for (int i = 0; i < 5; ++i)
+        Bots(slot).Queue << QStringLiteral("0123456789");
+    startTimers();
+    runTo(12000);
+    ASSERT_EQ(lines.size(), 5u);
+    EXPECT_EQ(lines[0].first, 100u) << "the first line leaves on the first send step";
+    // The fourth line made the fifth wait 2150 ms.
+    EXPECT_EQ(gaps(), (std::vector<quint32>{1900, 1900, 1900, 2200}));
+
+    // Another slot online with nothing to send resets the burst on every
+    // step, so no line ever takes the longer wait.
+    const int idle = loadConnected(QStringLiteral("idle"));
+    Bots(idle).setOnline(true);
+    lines.clear();
+    for (int i = 0; i < 6; ++i)
+        Bots(slot).Queue << QStringLiteral("0123456789");
+    runTo(26000);
+    EXPECT_EQ(gaps(), std::vector<quint32>(5, 1900));
+
+    Bots(slot).Queue << QStringLiteral("hello");
+    Bots(slot).setOnline(false);
+    lines.clear();
+    runTo(30000);
+    EXPECT_TRUE(lines.empty()) << "nothing leaves while offline";
+    EXPECT_EQ(Bots(slot).Queue.size(), 1);
 }
 
 TEST_F(TimedEventsTest, AStallRunsARoutineOnceAndAClockSetBackStartsAfresh) {
@@ -140,15 +198,20 @@ TEST_F(TimedEventsTest, AStallRunsARoutineOnceAndAClockSetBackStartsAfresh) {
     EXPECT_EQ(Bots(slot).IdleCounter, 3);
 }
 
+// A join and a talk are held for the flood delay and shown within the delay
+// timer's grain after it.
 TEST_F(TimedEventsTest, HeldEventsShowWithinTheDelayTimersGrain) {
     SettingsWrapper::instance().setFloodMode(1000);
     startTimers();
     runTo(20);
+    event(2, QStringLiteral("joiner"), QStringLiteral("RATS 0"));
     event(5, QStringLiteral("someone"), QStringLiteral("held back"));
     runTo(1020);
     EXPECT_FALSE(rtbChat(slot).text().contains(QStringLiteral("held back")));
+    EXPECT_EQ(lvUsers(slot).count(), 0);
     runTo(1070);
     EXPECT_TRUE(rtbChat(slot).text().contains(QStringLiteral("held back")));
+    EXPECT_EQ(lvUsers(slot).count(), 1);
 }
 
 TEST_F(TimedEventsTest, QuietUsersTakeTheIdleColourWithinTenSecondsOnScreenOnly) {

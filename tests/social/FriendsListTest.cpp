@@ -82,21 +82,31 @@ TEST_F(FriendsListTest, TheListShowsStatusAndWhereaboutsAndFollowsUpdates) {
           {"fay", 0, 6, "moon"}});
     ASSERT_EQ(names(), (QStringList{"ann", "bob", "cy", "dee", "eve", "fay"}));
     const ListModel& friends = lvFriends(slot);
-    EXPECT_EQ(friends.item(1).iconKey, QStringLiteral("STAR"));
-    EXPECT_EQ(friends.item(1).color, StatusColor(Status::Success));
-    EXPECT_EQ(friends.item(1).toolTip, QStringLiteral("ann is a mutual friend."));
-    EXPECT_EQ(friends.item(1).subText, QStringLiteral("Channel: Lobby"));
-    EXPECT_EQ(friends.item(2).color, StatusColor(Status::Error));
-    EXPECT_EQ(friends.item(2).subText, QStringLiteral("Game: ladder 1v1"));
-    EXPECT_EQ(friends.item(2).subToolTip, QStringLiteral("Public Game: ladder 1v1"));
-    EXPECT_EQ(friends.item(3).color, CurrentTheme().interface.ForeColor);
-    EXPECT_EQ(friends.item(3).toolTip, QStringLiteral("cy is offline."));
-    EXPECT_TRUE(friends.item(3).subText.isEmpty());
-    EXPECT_EQ(friends.item(4).subText, QStringLiteral("Private Channel"));
-    EXPECT_EQ(friends.item(4).toolTip, QStringLiteral("dee is away."));
-    EXPECT_TRUE(friends.item(5).toolTip.isEmpty()) << "a combined status says nothing";
-    EXPECT_EQ(friends.item(5).subToolTip, QStringLiteral("Private Game: secret"));
-    EXPECT_TRUE(friends.item(6).subText.isEmpty()) << "an unknown location adds nothing";
+    struct Row {
+        quint32 color;
+        const char *toolTip, *subText, *subToolTip;
+    };
+    const quint32 offline = CurrentTheme().interface.ForeColor;
+    const quint32 online = StatusColor(Status::Information);
+    const Row rows[] = {
+        {StatusColor(Status::Success), "ann is a mutual friend.", "Channel: Lobby",
+         "Channel: Lobby"},
+        {StatusColor(Status::Error), "bob is in dnd mode.", "Game: ladder 1v1", "Public Game: ladder 1v1"},
+        {offline, "cy is offline.", "", ""},
+        {online, "dee is away.", "Private Channel", "Private Channel"},
+        // A combined status says nothing; an unknown location adds nothing.
+        {offline, "", "Game: secret", "Private Game: secret"},
+        {online, "fay is online.", "", ""},
+    };
+    for (int i = 1; i <= 6; ++i) {
+        SCOPED_TRACE(friends.item(i).text.toStdString());
+        const Row& row = rows[i - 1];
+        EXPECT_EQ(friends.item(i).iconKey, QStringLiteral("STAR"));
+        EXPECT_EQ(friends.item(i).color, row.color);
+        EXPECT_EQ(friends.item(i).toolTip, QLatin1String(row.toolTip));
+        EXPECT_EQ(friends.item(i).subText, QLatin1String(row.subText));
+        EXPECT_EQ(friends.item(i).subToolTip, QLatin1String(row.subToolTip));
+    }
 
     // An update moves the friend to the end; a move keeps what the item says.
     update({"ann", 0, 1, ""});

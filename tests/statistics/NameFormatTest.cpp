@@ -10,13 +10,6 @@ TEST(NameFormat, HexPadsToTheWidthButNeverCuts) {
     EXPECT_EQ(FormatHex(0xabcdef, 8), QStringLiteral("0x00ABCDEF"));
 }
 
-TEST(NameFormat, AppendWithSeparatorStartsWithoutOne) {
-    QString target;
-    AppendWithSeparator(target, QStringLiteral("Operator"), QStringLiteral(" + "));
-    AppendWithSeparator(target, QStringLiteral("Speaker"), QStringLiteral(" + "));
-    EXPECT_EQ(target, QStringLiteral("Operator + Speaker"));
-}
-
 TEST(UserNames, RealmNamesReduceToTheAccount) {
     EXPECT_EQ(ConvertUsername(QStringLiteral("Hero*bob"), false, -1), QStringLiteral("bob"));
     EXPECT_EQ(ConvertUsername(QStringLiteral("*bob"), false, -1), QStringLiteral("bob"));

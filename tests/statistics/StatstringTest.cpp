@@ -28,31 +28,58 @@ QString detailed(const QString& statstring) {
 
 class StatstringTest : public ChatFixture {};
 
-TEST_F(StatstringTest, StarCraftAndWarCraftTwoRecords) {
-    EXPECT_EQ(detailed("RATS 0 0 0 0 0 0 0 0 RATS"), QStringLiteral("StarCraft (0 wins)"));
-    EXPECT_EQ(detailed("PXES 1200 005 12 0"),
-              QStringLiteral("StarCraft BroodWar (12 wins, rating of 1200, rank of 5)"));
-    EXPECT_EQ(detailed("RTSJ 0 3 7 1"),
-              QStringLiteral("Japanese StarCraft (7 wins, rank of 3 [spawn])"));
-    EXPECT_EQ(detailed("NB2W 1500 0 20 1 0 0 1700 9"),
-              QStringLiteral("WarCraft II (20 wins, rating of 1500, ironman rating of 1700, "
-                             "ironman rank of 9 [spawn])"));
-    // Too few fields: the display name alone, and no failure.
-    EXPECT_EQ(detailed("RATS 5"), QStringLiteral("StarCraft"));
-    EXPECT_EQ(detailed("RATS"), QStringLiteral("StarCraft"));
+// The detailed text of each kind of record. Too few fields show the product
+// alone, and never fail.
+TEST_F(StatstringTest, RecordsOfEachProduct) {
+    const std::pair<QString, const char*> rows[] = {
+        {"RATS 0 0 0 0 0 0 0 0 RATS", "StarCraft (0 wins)"},
+        {"PXES 1200 005 12 0", "StarCraft BroodWar (12 wins, rating of 1200, rank of 5)"},
+        {"RTSJ 0 3 7 1", "Japanese StarCraft (7 wins, rank of 3 [spawn])"},
+        {"NB2W 1500 0 20 1 0 0 1700 9",
+         "WarCraft II (20 wins, rating of 1500, ironman rating of 1700, ironman rank of 9 "
+         "[spawn])"},
+        {"RATS 5", "StarCraft"},
+        {"RATS", "StarCraft"},
+        {"LTRD 12 1 3 40 30 35 50 1000 0",
+         "Diablo (Level 12 Rogue with 3 dots, 40 strength, 30 magic, 35 dexterity, 50 "
+         "vitality, and 1000 gold)"},
+        {"RHSD 1 7 0 1 1 1 1 1 0",
+         "Diablo ShareWare (Level 1 Invalid Class with 0 dots, 1 strength, 1 magic, 1 "
+         "dexterity, 1 vitality, and 1 gold)"},
+        {"LTRD 12 1", "Diablo (Illegal Diablo Character \"LTRD 12 1\")"},
+        {"RHSD 12 1", "Diablo ShareWare"},
+        {"PX3W 6T3W 0", "WarCraft III The Frozen Throne (Archimonde Icon)"},
+        {"3RAWx", "WarCraft III Reign of Chaos (Unknown Icon)"},
+        {"VD2D", "Diablo II Classic (Open character)"},
+        {"VD2DUSEast,Hero,short", "Diablo II Classic (Hero on realm USEast)"},
+        {"VD2DUSEast", "Diablo II Classic (Open character)"},
+        {"VD2D,,", "Diablo II Classic (Open character)"},
+        // Class 5, title value 2, hardcore: a Duke.
+        {d2("VD2D", "Grom", 5, 80, 0x04, 2 << 3, 1),
+         "Diablo II Classic (Duke Grom, a hardcore ladder level 80 barbarian on realm USEast)"},
+        // An expansion character, title value 3, hardcore and female: Guardian.
+        {d2("PX2D", "Ama", 1, 99, 0x20 | 0x04 | 0x08, 3 << 3),
+         "Diablo II Lord of Destruction (GuardianAma, a dead hardcore level 99 expansion "
+         "amazon on realm USEast)"},
+        {d2("PX2D", "Mat", 7, 50, 0x20, 3 << 3),
+         "Diablo II Lord of Destruction (Matriarch Mat, a level 50 expansion assassin on realm "
+         "USEast)"},
+        // A classic character on the expansion has no title; dead needs hardcore.
+        {d2("PX2D", "Old", 3, 30, 0x08, 1 << 3),
+         "Diablo II Lord of Destruction (Old, a level 30 necromancer on realm USEast)"},
+        // The other title rows, and a sorceress takes the female one.
+        {d2("VD2D", "Sor", 2, 10, 0, 2 << 3),
+         "Diablo II Classic (Lady Sor, a level 10 sorceress on realm USEast)"},
+        {d2("VD2D", "Pal", 4, 10, 0x04, 3 << 3),
+         "Diablo II Classic (King Pal, a hardcore level 10 paladin on realm USEast)"},
+        {d2("PX2D", "Dru", 6, 10, 0x20, 1 << 3),
+         "Diablo II Lord of Destruction (Slayer Dru, a level 10 expansion druid on realm USEast)"},
+        {d2("VD2D", "Who", 9, 1, 0, 1 << 3),
+         "Diablo II Classic (Sir Who, a level 1 unknown class on realm USEast)"},
+    };
+    for (const auto& [statstring, expected] : rows)
+        EXPECT_EQ(detailed(statstring), QString::fromUtf8(expected)) << statstring.toStdString();
     EXPECT_EQ(ParseStatstring("PXES 1200 5 12 0", false), QStringLiteral("StarCraft BroodWar"));
-}
-
-TEST_F(StatstringTest, DiabloNeedsExactlyTenFields) {
-    EXPECT_EQ(detailed("LTRD 12 1 3 40 30 35 50 1000 0"),
-              QStringLiteral("Diablo (Level 12 Rogue with 3 dots, 40 strength, 30 magic, 35 "
-                             "dexterity, 50 vitality, and 1000 gold)"));
-    EXPECT_EQ(detailed("RHSD 1 7 0 1 1 1 1 1 0"),
-              QStringLiteral("Diablo ShareWare (Level 1 Invalid Class with 0 dots, 1 strength, 1 "
-                             "magic, 1 dexterity, 1 vitality, and 1 gold)"));
-    EXPECT_EQ(detailed("LTRD 12 1"),
-              QStringLiteral("Diablo (Illegal Diablo Character \"LTRD 12 1\")"));
-    EXPECT_EQ(detailed("RHSD 12 1"), QStringLiteral("Diablo ShareWare"));
 }
 
 TEST_F(StatstringTest, WarCraftThreeIconsAndClanTags) {
@@ -69,49 +96,10 @@ TEST_F(StatstringTest, WarCraftThreeIconsAndClanTags) {
     EXPECT_EQ(ParseStatstring("3RAW 6T3W 0", true, clan),
               QStringLiteral("WarCraft III Reign of Chaos (Unknown Icon)"));
     EXPECT_EQ(clan, QStringLiteral("kept"));
-    EXPECT_EQ(detailed("PX3W 6T3W 0"),
-              QStringLiteral("WarCraft III The Frozen Throne (Archimonde Icon)"));
     EXPECT_EQ(GetWarcraftIconName("WAR3", "1Q"), QStringLiteral("Peon Icon"));
     EXPECT_EQ(GetWarcraftIconName("W3XP", "1T"), QStringLiteral("Peon Icon"));
     EXPECT_EQ(GetWarcraftIconName("WAR3", "5R"), QStringLiteral("Deathwing Icon"));
     EXPECT_EQ(GetWarcraftIconName("WAR3", "2T"), QStringLiteral("Unknown Icon"));
-    EXPECT_EQ(detailed("3RAWx"), QStringLiteral("WarCraft III Reign of Chaos (Unknown Icon)"));
-}
-
-TEST_F(StatstringTest, DiabloTwoCharacters) {
-    EXPECT_EQ(detailed("VD2D"), QStringLiteral("Diablo II Classic (Open character)"));
-    EXPECT_EQ(detailed("VD2DUSEast,Hero,short"),
-              QStringLiteral("Diablo II Classic (Hero on realm USEast)"));
-    EXPECT_EQ(detailed("VD2DUSEast"), QStringLiteral("Diablo II Classic (Open character)"));
-    EXPECT_EQ(detailed("VD2D,,"), QStringLiteral("Diablo II Classic (Open character)"));
-
-    // Class 5, title value 2, hardcore: a Duke.
-    EXPECT_EQ(detailed(d2("VD2D", "Grom", 5, 80, 0x04, 2 << 3, 1)),
-              QStringLiteral("Diablo II Classic (Duke Grom, a hardcore ladder level 80 barbarian "
-                             "on realm USEast)"));
-    // An expansion character, title value 3, hardcore and female: Guardian.
-    EXPECT_EQ(detailed(d2("PX2D", "Ama", 1, 99, 0x20 | 0x04 | 0x08, 3 << 3)),
-              QStringLiteral("Diablo II Lord of Destruction (GuardianAma, a dead hardcore level 99 "
-                             "expansion amazon on realm USEast)"));
-    EXPECT_EQ(detailed(d2("PX2D", "Mat", 7, 50, 0x20, 3 << 3)),
-              QStringLiteral("Diablo II Lord of Destruction (Matriarch Mat, a level 50 expansion "
-                             "assassin on realm USEast)"));
-    // A classic character on the expansion has no title; dead needs hardcore.
-    EXPECT_EQ(detailed(d2("PX2D", "Old", 3, 30, 0x08, 1 << 3)),
-              QStringLiteral("Diablo II Lord of Destruction (Old, a level 30 necromancer on realm "
-                             "USEast)"));
-    // The other title rows, and a sorceress takes the female one.
-    EXPECT_EQ(detailed(d2("VD2D", "Sor", 2, 10, 0, 2 << 3)),
-              QStringLiteral("Diablo II Classic (Lady Sor, a level 10 sorceress on realm USEast)"));
-    EXPECT_EQ(detailed(d2("VD2D", "Pal", 4, 10, 0x04, 3 << 3)),
-              QStringLiteral("Diablo II Classic (King Pal, a hardcore level 10 paladin on realm "
-                             "USEast)"));
-    EXPECT_EQ(detailed(d2("PX2D", "Dru", 6, 10, 0x20, 1 << 3)),
-              QStringLiteral("Diablo II Lord of Destruction (Slayer Dru, a level 10 expansion "
-                             "druid on realm USEast)"));
-    EXPECT_EQ(
-        detailed(d2("VD2D", "Who", 9, 1, 0, 1 << 3)),
-        QStringLiteral("Diablo II Classic (Sir Who, a level 1 unknown class on realm USEast)"));
 }
 
 TEST_F(StatstringTest, OverridesRenameProductsAndUnknownCodesAreQuoted) {

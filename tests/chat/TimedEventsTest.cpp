@@ -118,14 +118,14 @@ TEST_F(TimedEventsTest, EachRoutineComesAtItsPeriodAcrossTheCountersWrap) {
     runTo(185000);
     ASSERT_EQ(lines.size(), 1u);
     EXPECT_EQ(lines[0].second, QStringLiteral("idle in Lobby"));
-    bot.Config.setIdleMsg(QString());
-    lines.clear();
-    runTo(245000);
-    EXPECT_TRUE(lines.empty()) << "an empty idle message sends nothing";
-    bot.Config.setIdleMsg(QStringLiteral("idle in $ch"));
     bot.Config.setIdleTime(0);
-    runTo(310000);
+    lines.clear();
+    runTo(250000);
     EXPECT_TRUE(lines.empty()) << "an idle time of 0 sends nothing";
+    bot.Config.setIdleTime(1);
+    bot.Config.setIdleMsg(QString());
+    TimedEvents::instance().minuteTick();
+    EXPECT_TRUE(bot.Queue.isEmpty()) << "an empty idle message queues nothing";
 
     // Tokens are expanded in order, so a channel named "$me" shows the account.
     bot.setChannel(QStringLiteral("$me"));

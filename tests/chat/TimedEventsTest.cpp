@@ -135,6 +135,35 @@ TEST_F(TimedEventsTest, EachRoutineComesAtItsPeriodAcrossTheCountersWrap) {
                     .startsWith(QStringLiteral("Corvantide v")));
 }
 
+// The status line counts the channel's operators and representatives; the
+// queue is cleared every half hour when asked; in The Void a Diablo II bot
+// asks to see its own account by its star form.
+TEST_F(TimedEventsTest, TheStatusLineTheHalfHoursClearingAndTheVoidsRealmName) {
+    SlotTable::instance().SelectBot(slot);
+    Bots(slot).setChannel(QStringLiteral("Lobby"));
+    for (const auto& [name, flags] : {std::pair{"op", 0x02}, {"op2", 0x02}, {"rep", 0x03}, {"x", 0}})
+        event(1, QLatin1String(name), QStringLiteral("RATS 0"), quint32(flags));
+    TimedEvents& timers = TimedEvents::instance();
+    timers.statusTick();
+    EXPECT_EQ(timers.StatusLine(), QStringLiteral("Online in channel Lobby with 2 operators and 1 "
+                                                  "Blizzard representatives."));
+
+    SettingsWrapper::instance().setAutoCQ(true);
+    Bots(slot).Queue << QStringLiteral("waiting");
+    for (int i = 0; i < 30 && !Bots(slot).Queue.isEmpty(); ++i)
+        timers.minuteTick();
+    Bots(slot).Queue << QStringLiteral("waiting");
+    int minutes = 0;
+    for (; minutes < 100 && !Bots(slot).Queue.isEmpty(); ++minutes)
+        timers.minuteTick();
+    EXPECT_EQ(minutes, 30);
+
+    Bots(slot).setChannel(QStringLiteral("The Void"));
+    Bots(slot).Config.setClient(QStringLiteral("D2DV"));
+    TimedEvents::voidTick();
+    EXPECT_EQ(Bots(slot).Queue, QStringList{QStringLiteral("/unignore *Timed")});
+}
+
 TEST(SendQueueWaits, FollowTheLengthAndTheBurst) {
     EXPECT_EQ(sendqueue::WaitAfter(10, 1), 1880);
     EXPECT_EQ(sendqueue::WaitAfter(69, 1), 4122);

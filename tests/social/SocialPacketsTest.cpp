@@ -8,6 +8,7 @@
 #include "social/FriendsList.h"
 
 #include <QSignalSpy>
+#include <functional>
 
 namespace {
 
@@ -127,6 +128,27 @@ TEST_F(SocialTest, LocalChecksRefuseWithoutSendingAndTagsTravelTurnedRound) {
     EXPECT_EQ(ClanPacket::CreateClanTag(QStringLiteral("ABCDE")), QStringLiteral("EDCB"));
     EXPECT_EQ(ClanPacket::ShowClanTag(QString::fromLatin1("BA\0\0", 4)), QStringLiteral("AB"));
     EXPECT_EQ(ClanPacket::ShowClanTag(QString::fromLatin1("\0\0BA", 4)), QStringLiteral("AB"));
+
+    // Who may ask what, by rank: shamans and the chieftain invite, set the
+    // message and remove; the chieftain alone disbands and hands the clan on.
+    const std::pair<const char*, std::function<void()>> actions[] = {
+        {"invite", [&] { ClanPacket::Output_Invite(slot, QStringLiteral("someone")); }},
+        {"motd", [&] { ClanPacket::Output_SetMOTD(slot, QStringLiteral("hi")); }},
+        {"remove", [&] { ClanPacket::Output_RemoveMember(slot, QStringLiteral("someone")); }},
+        {"disband", [&] { ClanPacket::Output_Disband(slot); }},
+        {"chieftain", [&] { ClanPacket::Output_SetChieftain(slot, QStringLiteral("someone")); }},
+    };
+    const char* allowed[] = {"", "", "invite motd remove", "invite motd remove disband chieftain"};
+    for (quint8 rank = 1; rank <= 4; ++rank) {
+        joinClan(rank);
+        QStringList asked;
+        for (const auto& [name, act] : actions) {
+            const qsizetype before = wsBNET(slot).sent.size();
+            act();
+            if (wsBNET(slot).sent.size() > before) asked << QLatin1String(name);
+        }
+        EXPECT_EQ(asked.join(u' '), QLatin1String(allowed[rank - 1])) << "rank " << int(rank);
+    }
 }
 
 TEST_F(SocialTest, MemberListPutsTheChieftainFirstAndNoticesKeepItCurrent) {

@@ -134,6 +134,7 @@ TEST_F(StatstringTest, RecordsOfEachProduct) {
          "WarCraft II (20 wins, rating of 1500, ironman rating of 1700, ironman rank of 9 "
          "[spawn])"},
         {"RATS 5", "StarCraft"},
+        {"PXES 1 2 3", "StarCraft BroodWar"},
         {"RATS", "StarCraft"},
         {"LTRD 12 1 3 40 30 35 50 1000 0",
          "Diablo (Level 12 Rogue with 3 dots, 40 strength, 30 magic, 35 dexterity, 50 "

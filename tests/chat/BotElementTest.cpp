@@ -79,13 +79,9 @@ TEST_F(BotElementTest, GoingOfflineEndsTheSessionAndEmptyingTheProfileEmptiesThe
     bot().userAdd("x", 0, 0, {}, 0);
     lvUsers(slot).add(ListItem::withText(QStringLiteral("x")));
     lvFriends(slot).add(ListItem::withText(QStringLiteral("f")));
-    bot().Channels << "Public";
     bot().setChannel("Public");
-    bot().ChannelFlags = 4;
     bot().setClanTag("ABC");
     bot().setClanRank(3);
-    bot().UniqueAccount = "me#2";
-    bot().LastGame = "Game";
     bot().Queue << "hello";
 
     bot().setOnline(false);
@@ -93,13 +89,9 @@ TEST_F(BotElementTest, GoingOfflineEndsTheSessionAndEmptyingTheProfileEmptiesThe
     EXPECT_TRUE(bot().Users.empty());
     EXPECT_EQ(lvUsers(slot).count(), 0);
     EXPECT_EQ(lvFriends(slot).count(), 0);
-    EXPECT_TRUE(bot().Channels.isEmpty());
     EXPECT_TRUE(bot().Channel().isEmpty());
-    EXPECT_EQ(bot().ChannelFlags, 0);
     EXPECT_TRUE(bot().ClanTag().isEmpty());
     EXPECT_EQ(bot().ClanRank(), 0);
-    EXPECT_TRUE(bot().UniqueAccount.isEmpty());
-    EXPECT_EQ(bot().LastGame, QStringLiteral("N/A"));
     EXPECT_EQ(bot().Queue, QStringList{"hello"});
 
     // Going online again touches nothing but the flag; emptying the profile cleans again.

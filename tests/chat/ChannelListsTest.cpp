@@ -31,7 +31,6 @@ TEST(ChannelListsTest, RunsHoldTheSameSequenceAsAVector) {
         ASSERT_EQ(runs.size(), plain.size());
     }
     EXPECT_TRUE(std::equal(runs.begin(), runs.end(), plain.begin(), plain.end()));
-
 }
 
 // Rows found by key stay right as items go in at the top, in one spot in the

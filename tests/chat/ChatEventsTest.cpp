@@ -182,8 +182,8 @@ TEST_F(ChatEventsTest, AFloodCostsTheOldestHeldEventsWithOneLineAndGivesItsMemor
     EXPECT_FALSE(shownText.contains(QStringLiteral("line 0\r\n")));
     const int shown = int(shownText.count(QStringLiteral("flooder")));
     EXPECT_EQ(shownText.count(QStringLiteral("Chat flood: dropped the ")), 1);
-    EXPECT_TRUE(shownText.contains(QStringLiteral("Chat flood: dropped the %1 oldest held events")
-                                       .arg(2 * limit - shown)));
+    EXPECT_TRUE(shownText.contains(
+        QStringLiteral("Chat flood: dropped the %1 oldest held events").arg(2 * limit - shown)));
 }
 
 // Each pair of settings alone, under the master switches: the events that
@@ -211,18 +211,27 @@ TEST_F(ChatEventsTest, EachSettingFlashesAndTipsForItsOwnEventsOnly) {
     const QString came = QStringLiteral("Your friend carol has entered Battle.net.");
     const QString left = QStringLiteral("Your friend carol has exited Battle.net.");
     const Row rows[] = {
-        {&SettingsWrapper::setFlashTalk, &SettingsWrapper::setBalloonTalk, "talk",
+        {&SettingsWrapper::setFlashTalk,
+         &SettingsWrapper::setBalloonTalk,
+         "talk",
          {"alice said \"hello all\"."}},
-        {&SettingsWrapper::setFlashEmote, &SettingsWrapper::setBalloonEmote, "emote",
+        {&SettingsWrapper::setFlashEmote,
+         &SettingsWrapper::setBalloonEmote,
+         "emote",
          {"alice emoted \"waves\"."}},
-        {&SettingsWrapper::setFlashWhisper, &SettingsWrapper::setBalloonWhisper,
+        {&SettingsWrapper::setFlashWhisper,
+         &SettingsWrapper::setBalloonWhisper,
          "whisper came left",
          {"bob whispered you saying \"psst\".", "carol whispered you saying \"" + came + "\".",
           "carol whispered you saying \"" + left + "\"."}},
-        {&SettingsWrapper::setFlashBan, &SettingsWrapper::setBalloonBan, "kicked",
+        {&SettingsWrapper::setFlashBan,
+         &SettingsWrapper::setBalloonBan,
+         "kicked",
          {"dave kicked you out of the channel!"}},
         {&SettingsWrapper::setFlashFriendOn, &SettingsWrapper::setBalloonFriendOn, "came", {came}},
-        {&SettingsWrapper::setFlashFriendOff, &SettingsWrapper::setBalloonFriendOff, "left",
+        {&SettingsWrapper::setFlashFriendOff,
+         &SettingsWrapper::setBalloonFriendOff,
+         "left",
          {left}},
     };
     const std::tuple<quint32, const char*, QString, const char*> events[] = {

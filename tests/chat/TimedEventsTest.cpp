@@ -141,7 +141,8 @@ TEST_F(TimedEventsTest, EachRoutineComesAtItsPeriodAcrossTheCountersWrap) {
 TEST_F(TimedEventsTest, TheStatusLineTheHalfHoursClearingAndTheVoidsRealmName) {
     SlotTable::instance().SelectBot(slot);
     Bots(slot).setChannel(QStringLiteral("Lobby"));
-    for (const auto& [name, flags] : {std::pair{"op", 0x02}, {"op2", 0x02}, {"rep", 0x03}, {"x", 0}})
+    for (const auto& [name, flags] :
+         {std::pair{"op", 0x02}, {"op2", 0x02}, {"rep", 0x03}, {"x", 0}})
         event(1, QLatin1String(name), QStringLiteral("RATS 0"), quint32(flags));
     TimedEvents& timers = TimedEvents::instance();
     timers.statusTick();
@@ -293,10 +294,10 @@ TEST_F(IdleTimersTest, AnIdleBotSleepsUntilWorkComes) {
     EXPECT_TRUE(asleep()) << timers.msUntilWake();
 
     // A held event wakes the delayed path until it is shown.
-    wsBNET(slot).simulateData(chatEventFrame(5, 0, 0, QStringLiteral("Someone"),
-                                             QStringLiteral("hi there")));
+    wsBNET(slot).simulateData(
+        chatEventFrame(5, 0, 0, QStringLiteral("Someone"), QStringLiteral("hi there")));
     EXPECT_TRUE(waitFor([&] { return timers.msUntilWake() <= 50; }, 500));
-    EXPECT_TRUE(waitFor([&] { return rtbChat(slot).text().contains(QStringLiteral("hi there")); },
-                        3000));
+    EXPECT_TRUE(
+        waitFor([&] { return rtbChat(slot).text().contains(QStringLiteral("hi there")); }, 3000));
     EXPECT_TRUE(asleep()) << timers.msUntilWake();
 }

@@ -3,7 +3,6 @@
 #include "common/ChatFixture.h"
 #include "session/MachineFacts.h"
 
-
 namespace {
 
 const QChar kStarCraft(0xC1);

@@ -33,8 +33,8 @@ protected:
     QString print(const QString& templ, const QString& user = QStringLiteral("bob"),
                   const QString& message = {}, qint32 ping = 0, qint32 flags = 0) {
         view().clear();
-        ParseOutput(slot, view(), templ, user, message, QStringLiteral("RATS 0 0 0 0"), ping,
-                    flags, QStringLiteral("Op Test"), 0x03);
+        ParseOutput(slot, view(), templ, user, message, QStringLiteral("RATS 0 0 0 0"), ping, flags,
+                    QStringLiteral("Op Test"), 0x03);
         return view().text();
     }
 

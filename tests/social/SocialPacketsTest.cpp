@@ -228,7 +228,8 @@ TEST_F(SocialTest, TheListShowsStatusAndWhereaboutsAndFollowsUpdates) {
     const Row rows[] = {
         {StatusColor(Status::Success), "ann is a mutual friend.", "Channel: Lobby",
          "Channel: Lobby"},
-        {StatusColor(Status::Error), "bob is in dnd mode.", "Game: ladder 1v1", "Public Game: ladder 1v1"},
+        {StatusColor(Status::Error), "bob is in dnd mode.", "Game: ladder 1v1",
+         "Public Game: ladder 1v1"},
         {offline, "cy is offline.", "", ""},
         {online, "dee is away.", "Private Channel", "Private Channel"},
         // A combined status says nothing; an unknown location adds nothing.

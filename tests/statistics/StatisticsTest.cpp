@@ -33,15 +33,18 @@ TEST_F(FlagNamesTest, FlagsAreNamedInTheirListingOrder) {
     EXPECT_EQ(GetUserFlagNames(0), QStringLiteral("Normal"));
     EXPECT_EQ(GetUserFlagNames(3), QStringLiteral("Rep + Mod"));
     const std::pair<quint32, const char*> userFlags[] = {
-        {0x1, "Rep"},          {0x2, "Mod"},      {0x4, "Speaker"},      {0x8, "Admin"},
-        {0x10, "UDP"},         {0x20, "Squelched"}, {0x40, "Guest"},     {0x100, "Beep"},
-        {0x200, "PGL"},        {0x400, "PGL Official"}, {0x800, "KBK"},  {0x1000, "KBK Official"},
-        {0x100000, "Jailed"},  {0x200000, "GF"}};
+        {0x1, "Rep"},         {0x2, "Mod"},
+        {0x4, "Speaker"},     {0x8, "Admin"},
+        {0x10, "UDP"},        {0x20, "Squelched"},
+        {0x40, "Guest"},      {0x100, "Beep"},
+        {0x200, "PGL"},       {0x400, "PGL Official"},
+        {0x800, "KBK"},       {0x1000, "KBK Official"},
+        {0x100000, "Jailed"}, {0x200000, "GF"}};
     for (const auto& [bit, name] : userFlags)
         EXPECT_EQ(GetUserFlagNames(bit), QLatin1String(name)) << bit;
     const std::pair<quint32, const char*> channelFlags[] = {
-        {0x1, "Public"}, {0x2, "Moderated"}, {0x4, "Locked"},     {0x8, "Silent"},
-        {0x10, "System"}, {0x20, "Product"}, {0x1000, "Global"}};
+        {0x1, "Public"},  {0x2, "Moderated"}, {0x4, "Locked"},   {0x8, "Silent"},
+        {0x10, "System"}, {0x20, "Product"},  {0x1000, "Global"}};
     for (const auto& [bit, name] : channelFlags)
         EXPECT_EQ(GetChannelFlagNames(bit), QLatin1String(name)) << bit;
     EXPECT_EQ(GetUserFlagNames(0x100001), QStringLiteral("Rep + Jailed"));

@@ -266,7 +266,9 @@ TEST_F(ChatEventsTest, EachSettingFlashesAndTipsForItsOwnEventsOnly) {
 
     s.setBalloonEmote(true);
     balloons.clear();
+    const qsizetype flashed = flashes.count();
     event(23, QStringLiteral("alice"), QString(300, u'x'));
+    EXPECT_EQ(flashes.count(), flashed) << "a tip alone does not flash";
     ASSERT_EQ(balloons.count(), 1);
     EXPECT_EQ(balloons.at(0).at(1).toString().size(), 256) << "a long tip is cut";
     EXPECT_TRUE(balloons.at(0).at(1).toString().startsWith(QStringLiteral("alice emoted \"xxx")));

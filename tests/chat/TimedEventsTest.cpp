@@ -158,6 +158,7 @@ TEST_F(TimedEventsTest, TheStatusLineTheHalfHoursClearingAndTheVoidsRealmName) {
     for (; minutes < 100 && !Bots(slot).Queue.isEmpty(); ++minutes)
         timers.minuteTick();
     EXPECT_EQ(minutes, 30);
+    SettingsWrapper::instance().setAutoCQ(false);
 
     Bots(slot).setChannel(QStringLiteral("The Void"));
     Bots(slot).Config.setClient(QStringLiteral("D2DV"));

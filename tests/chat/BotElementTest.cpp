@@ -1,7 +1,6 @@
 #include "common/SlotFixture.h"
 #include "platform/ChatDocument.h"
 #include "platform/ListModel.h"
-#include "session/LogonRecord.h"
 #include "statistics/UserNames.h"
 
 #include <random>
@@ -15,15 +14,6 @@ protected:
     BotElement& bot() { return Bots(slot); }
     int slot = 0;
 };
-
-TEST_F(BotElementTest, UserFindIgnoresCaseAndTheCharacterPartOfRealmNames) {
-    bot().userAdd("someone", 0, 10, "PXES", 1);
-    bot().userAdd("Other", 0, 10, "RATS", 1);
-    EXPECT_EQ(bot().UserFind("SOMEONE"), 1);
-    EXPECT_EQ(bot().UserFind("Hero*someone"), 1);
-    EXPECT_EQ(bot().UserFind("*other"), 2);
-    EXPECT_EQ(bot().UserFind("nobody"), 0);
-}
 
 TEST_F(BotElementTest, LookUpsAgreeWithAWalkOfTheChannelThroughEveryChange) {
     // Names that share a plain form (characters of one account, case) and
@@ -82,59 +72,39 @@ TEST_F(BotElementTest, TheVoidKeepsTheChannelToReturnTo) {
     EXPECT_TRUE(bot().ChannelNonVoid().isEmpty());
 }
 
-TEST_F(BotElementTest, GoingOfflineEndsTheSessionButKeepsTheQueue) {
+// Going offline forgets what the session showed but keeps the queue for the
+// next one; emptying the profile also closes its sockets and clears the queue.
+TEST_F(BotElementTest, GoingOfflineEndsTheSessionAndEmptyingTheProfileEmptiesTheSlot) {
     bot().setOnline(true);
-    Logons(slot).NlsHandle = 7;
-    bot().OnlineTick = 99;
     bot().userAdd("x", 0, 0, {}, 0);
     lvUsers(slot).add(ListItem::withText(QStringLiteral("x")));
     lvFriends(slot).add(ListItem::withText(QStringLiteral("f")));
-    bot().Channels << "Public";
     bot().setChannel("Public");
-    bot().ChannelFlags = 4;
     bot().setClanTag("ABC");
     bot().setClanRank(3);
-    bot().UniqueAccount = "me#2";
-    bot().LastGame = "Game";
-    bot().CdkeyStatus = "Working";
     bot().Queue << "hello";
 
     bot().setOnline(false);
     EXPECT_FALSE(bot().Online());
-    EXPECT_EQ(Logons(slot).NlsHandle, 0u);
-    EXPECT_EQ(bot().OnlineTick, 0u);
     EXPECT_TRUE(bot().Users.empty());
     EXPECT_EQ(lvUsers(slot).count(), 0);
     EXPECT_EQ(lvFriends(slot).count(), 0);
-    EXPECT_TRUE(bot().Channels.isEmpty());
     EXPECT_TRUE(bot().Channel().isEmpty());
-    EXPECT_EQ(bot().ChannelFlags, 0);
     EXPECT_TRUE(bot().ClanTag().isEmpty());
     EXPECT_EQ(bot().ClanRank(), 0);
-    EXPECT_TRUE(bot().UniqueAccount.isEmpty());
-    EXPECT_EQ(bot().LastGame, QStringLiteral("N/A"));
-    EXPECT_TRUE(bot().CdkeyStatus.isEmpty());
     EXPECT_EQ(bot().Queue, QStringList{"hello"});
 
-    // Going online again touches nothing but the flag; offline again cleans again.
+    // Going online again touches nothing but the flag; emptying the profile cleans again.
     bot().userAdd("y", 0, 0, {}, 0);
     bot().setOnline(true);
     EXPECT_EQ(bot().Users.size(), 1u);
-    bot().setOnline(false);
-    EXPECT_TRUE(bot().Users.empty());
-}
-
-TEST_F(BotElementTest, EmptyingTheProfileEmptiesTheSlotAndClosesItsSockets) {
-    rtbChat(slot).append(u"text\r\n", {});
-    bot().setOnline(true);
     bot().CanConnect = true;
-    bot().Queue << "queued";
     bot().InBNCS.append("\xff\x0f");
     bot().InBNLS.append("\x03");
     bot().QueueWait = 1500;
-    bot().LastConnect = 10;
-
+    rtbChat(slot).append(u"text\r\n", {});
     bot().setProfile(QString());
+    EXPECT_TRUE(bot().Users.empty());
     EXPECT_FALSE(bot().IsLoaded);
     EXPECT_FALSE(bot().Online());
     EXPECT_FALSE(bot().CanConnect);
@@ -142,7 +112,6 @@ TEST_F(BotElementTest, EmptyingTheProfileEmptiesTheSlotAndClosesItsSockets) {
     EXPECT_TRUE(bot().InBNCS.isEmpty());
     EXPECT_TRUE(bot().InBNLS.isEmpty());
     EXPECT_EQ(bot().QueueWait, 0);
-    EXPECT_EQ(bot().LastConnect, 0u);
     EXPECT_EQ(wsBNET(slot).State(), SocketControl::Closed);
     EXPECT_EQ(wsBNLS(slot).State(), SocketControl::Closed);
     EXPECT_TRUE(bot().Profile().isEmpty());

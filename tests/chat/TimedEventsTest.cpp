@@ -3,6 +3,7 @@
 // work on the slots it is meant for.
 #include "chat/TimedEvents.h"
 
+#include "chat/SendQueue.h"
 #include "common/ChatFixture.h"
 #include "common/SandboxProcess.h"
 #include "config/SettingsWrapper.h"
@@ -62,6 +63,13 @@ protected:
         }
         sent.clear();
     }
+    // The time between each chat line and the next.
+    std::vector<quint32> gaps() const {
+        std::vector<quint32> out;
+        for (size_t i = 1; i < lines.size(); ++i)
+            out.push_back(lines[i].first - lines[i - 1].first);
+        return out;
+    }
     quint32 colorOf(const QString& user) {
         const ListModel& list = lvUsers(slot);
         for (int i = 1; i <= list.count(); ++i)
@@ -114,6 +122,87 @@ TEST_F(TimedEventsTest, EachRoutineComesAtItsPeriodAcrossTheCountersWrap) {
     lines.clear();
     runTo(250000);
     EXPECT_TRUE(lines.empty()) << "an idle time of 0 sends nothing";
+    bot.Config.setIdleTime(1);
+    bot.Config.setIdleMsg(QString());
+    TimedEvents::instance().minuteTick();
+    EXPECT_TRUE(bot.Queue.isEmpty()) << "an empty idle message queues nothing";
+
+    // Tokens are expanded in order, so a channel named "$me" shows the account.
+    bot.setChannel(QStringLiteral("$me"));
+    EXPECT_EQ(TimedEvents::ExpandIdleMessage(slot, QStringLiteral("in $ch as $me")),
+              QStringLiteral("in Timed as Timed"));
+    EXPECT_TRUE(TimedEvents::ExpandIdleMessage(slot, QStringLiteral("$v"))
+                    .startsWith(QStringLiteral("Corvantide v")));
+}
+
+// The status line counts the channel's operators and representatives; the
+// queue is cleared every half hour when asked; in The Void a Diablo II bot
+// asks to see its own account by its star form.
+TEST_F(TimedEventsTest, TheStatusLineTheHalfHoursClearingAndTheVoidsRealmName) {
+    SlotTable::instance().SelectBot(slot);
+    Bots(slot).setChannel(QStringLiteral("Lobby"));
+    for (const auto& [name, flags] :
+         {std::pair{"op", 0x02}, {"op2", 0x02}, {"rep", 0x03}, {"x", 0}})
+        event(1, QLatin1String(name), QStringLiteral("RATS 0"), quint32(flags));
+    TimedEvents& timers = TimedEvents::instance();
+    timers.statusTick();
+    EXPECT_EQ(timers.StatusLine(), QStringLiteral("Online in channel Lobby with 2 operators and 1 "
+                                                  "Blizzard representatives."));
+
+    SettingsWrapper::instance().setAutoCQ(true);
+    Bots(slot).Queue << QStringLiteral("waiting");
+    for (int i = 0; i < 30 && !Bots(slot).Queue.isEmpty(); ++i)
+        timers.minuteTick();
+    Bots(slot).Queue << QStringLiteral("waiting");
+    int minutes = 0;
+    for (; minutes < 100 && !Bots(slot).Queue.isEmpty(); ++minutes)
+        timers.minuteTick();
+    EXPECT_EQ(minutes, 30);
+    SettingsWrapper::instance().setAutoCQ(false);
+
+    Bots(slot).setChannel(QStringLiteral("The Void"));
+    Bots(slot).Config.setClient(QStringLiteral("D2DV"));
+    TimedEvents::voidTick();
+    EXPECT_EQ(Bots(slot).Queue, QStringList{QStringLiteral("/unignore *Timed")});
+}
+
+TEST(SendQueueWaits, FollowTheLengthAndTheBurst) {
+    EXPECT_EQ(sendqueue::WaitAfter(10, 1), 1880);
+    EXPECT_EQ(sendqueue::WaitAfter(69, 1), 4122);
+    EXPECT_EQ(sendqueue::WaitAfter(70, 1), 4500);
+    EXPECT_EQ(sendqueue::WaitAfter(0, 1), 1500);
+    EXPECT_EQ(sendqueue::WaitAfter(10, 4), 2150);
+    EXPECT_EQ(sendqueue::WaitAfter(100, 9), 5700);
+}
+
+// Each wait must pass fully, and the send step's grain is 100 ms.
+TEST_F(TimedEventsTest, QueuedLinesLeaveOnTheirScheduleAndAnIdleSlotResetsTheBurst) {
+    sendqueue::QueueBurst() = 0;
+    for (int i = 0; i < 5; ++i)
+        Bots(slot).Queue << QStringLiteral("0123456789");
+    startTimers();
+    runTo(12000);
+    ASSERT_EQ(lines.size(), 5u);
+    EXPECT_EQ(lines[0].first, 100u) << "the first line leaves on the first send step";
+    // The fourth line made the fifth wait 2150 ms.
+    EXPECT_EQ(gaps(), (std::vector<quint32>{1900, 1900, 1900, 2200}));
+
+    // Another slot online with nothing to send resets the burst on every
+    // step, so no line ever takes the longer wait.
+    const int idle = loadConnected(QStringLiteral("idle"));
+    Bots(idle).setOnline(true);
+    lines.clear();
+    for (int i = 0; i < 6; ++i)
+        Bots(slot).Queue << QStringLiteral("0123456789");
+    runTo(26000);
+    EXPECT_EQ(gaps(), std::vector<quint32>(5, 1900));
+
+    Bots(slot).Queue << QStringLiteral("hello");
+    Bots(slot).setOnline(false);
+    lines.clear();
+    runTo(30000);
+    EXPECT_TRUE(lines.empty()) << "nothing leaves while offline";
+    EXPECT_EQ(Bots(slot).Queue.size(), 1);
 }
 
 TEST_F(TimedEventsTest, AStallRunsARoutineOnceAndAClockSetBackStartsAfresh) {
@@ -140,15 +229,20 @@ TEST_F(TimedEventsTest, AStallRunsARoutineOnceAndAClockSetBackStartsAfresh) {
     EXPECT_EQ(Bots(slot).IdleCounter, 3);
 }
 
+// A join and a talk are held for the flood delay and shown within the delay
+// timer's grain after it.
 TEST_F(TimedEventsTest, HeldEventsShowWithinTheDelayTimersGrain) {
     SettingsWrapper::instance().setFloodMode(1000);
     startTimers();
     runTo(20);
+    event(2, QStringLiteral("joiner"), QStringLiteral("RATS 0"));
     event(5, QStringLiteral("someone"), QStringLiteral("held back"));
     runTo(1020);
     EXPECT_FALSE(rtbChat(slot).text().contains(QStringLiteral("held back")));
+    EXPECT_EQ(lvUsers(slot).count(), 0);
     runTo(1070);
     EXPECT_TRUE(rtbChat(slot).text().contains(QStringLiteral("held back")));
+    EXPECT_EQ(lvUsers(slot).count(), 1);
 }
 
 TEST_F(TimedEventsTest, QuietUsersTakeTheIdleColourWithinTenSecondsOnScreenOnly) {
@@ -201,10 +295,10 @@ TEST_F(IdleTimersTest, AnIdleBotSleepsUntilWorkComes) {
     EXPECT_TRUE(asleep()) << timers.msUntilWake();
 
     // A held event wakes the delayed path until it is shown.
-    wsBNET(slot).simulateData(chatEventFrame(5, 0, 0, QStringLiteral("Someone"),
-                                             QStringLiteral("hi there")));
+    wsBNET(slot).simulateData(
+        chatEventFrame(5, 0, 0, QStringLiteral("Someone"), QStringLiteral("hi there")));
     EXPECT_TRUE(waitFor([&] { return timers.msUntilWake() <= 50; }, 500));
-    EXPECT_TRUE(waitFor([&] { return rtbChat(slot).text().contains(QStringLiteral("hi there")); },
-                        3000));
+    EXPECT_TRUE(
+        waitFor([&] { return rtbChat(slot).text().contains(QStringLiteral("hi there")); }, 3000));
     EXPECT_TRUE(asleep()) << timers.msUntilWake();
 }

@@ -3,7 +3,6 @@
 #include "common/ChatFixture.h"
 #include "session/MachineFacts.h"
 
-
 namespace {
 
 const QChar kStarCraft(0xC1);
@@ -57,67 +56,64 @@ TEST_F(ChatWriterTest, ALockedViewTakesNothingAndSaysNothing) {
     EXPECT_TRUE(rtbChat(0).isEmpty());
 }
 
-TEST_F(ChatWriterTest, ColourZeroIsWhiteAndNulsAreDropped) {
-    WriteChat(slot(), {{0, QString::fromLatin1("a\0b", 3)}, {0x0000FF, QStringLiteral("red")}});
-    EXPECT_EQ(view().text(), QStringLiteral("abred\r\n"));
-    const auto f = formats(view());
-    EXPECT_EQ(f[0].color, 0xFFFFFFu);
-    EXPECT_EQ(f[2].color, 0x0000FFu);
-    EXPECT_EQ(f.back().color, 0x0000FFu); // the line end goes with the last pair
-}
-
-TEST_F(ChatWriterTest, AnEscapeColoursEverythingBehindItToTheEndOfTheView) {
-    WriteChat(slot(), {{0xFFFFFF, QStringLiteral("earlier")}});
-    WriteChat(slot(), {{0x00FF00, QStringLiteral("ab") + d2('1') + QStringLiteral("cd")},
-                       {0xFFFF00, QStringLiteral("ef")}});
-    EXPECT_EQ(view().text(), QStringLiteral("earlier\r\nabcdef\r\n"));
-    const auto f = formats(view());
-    EXPECT_EQ(f[0].color, 0xFFFFFFu);
-    EXPECT_EQ(f[9].color, 0x00FF00u);  // "a": before the escape
-    EXPECT_EQ(f[11].color, 0x0000FFu); // "c": Diablo red
-    EXPECT_EQ(f[13].color, 0x0000FFu); // "e": the next pair too
-    EXPECT_EQ(f.back().color, 0x0000FFu);
-}
-
-TEST_F(ChatWriterTest, EscapeTablesAndStyles) {
+// Each line alone in the view: what is left of it, the colour at some of its
+// characters, and which characters are bold ('+').
+TEST_F(ChatWriterTest, EscapesColourEverythingBehindThemAndOnlyDisappear) {
     CurrentTheme().diablo.Black = 0x333333;
-    WriteChatView(view(), {{0xFFFFFF, d2('6') + QStringLiteral("k")}});
-    EXPECT_EQ(formats(view()).back().color, 0x333333u) << "the theme's true black";
-
-    view().clear();
-    // Lower-case codes are upper-cased; upper-case 'C' escapes run last.
-    WriteChatView(view(),
-                  {{0xFFFFFF, sc('r') + QStringLiteral("g") + d2('b') + QStringLiteral("B") +
-                                  d2('B', 'C') + QStringLiteral("n")}});
-    ASSERT_EQ(view().text(), QStringLiteral("gBn"));
-    const auto f = formats(view());
-    EXPECT_EQ(f[0].color, 0x00FF00u);
-    EXPECT_FALSE(f[0].bold);
-    EXPECT_TRUE(f[1].bold);
-    EXPECT_FALSE(f[2].bold) << "a second flip turns bold off again";
-    EXPECT_EQ(f[2].color, 0x00FF00u);
-
-    view().clear();
-    // The system's grey text is shown as a real grey.
-    WriteChatView(view(), {{0xFFFFFF, sc('Q') + QStringLiteral("q")}});
-    EXPECT_EQ(formats(view())[0].color, DisplayColor(0x80000011));
+    const quint32 green = 0x00FF00;
+    struct Row {
+        const char* name;
+        ColorLine line;
+        QString text;
+        std::vector<std::pair<int, quint32>> colours;
+        const char* bold = "";
+    };
+    const Row rows[] = {
+        {"colour 0 is white and NULs are dropped",
+         {{0, QString::fromLatin1("a\0b", 3)}, {0x0000FF, "red"}},
+         "abred",
+         {{0, 0xFFFFFF}, {2, 0x0000FF}}},
+        {"an escape colours the rest of its pair and the next pairs",
+         {{green, "ab" + d2('1') + "cd"}, {0xFFFF00, "ef"}},
+         "abcdef",
+         {{0, green}, {2, 0x0000FF}, {4, 0x0000FF}}},
+        {"the theme's true black", {{0xFFFFFF, d2('6') + "k"}}, "k", {{0, 0x333333}}},
+        {"lower-case codes are upper-cased; upper-case 'C' escapes run last",
+         {{0xFFFFFF, sc('r') + "g" + d2('b') + "B" + d2('B', 'C') + "n"}},
+         "gBn",
+         {{0, green}, {2, green}},
+         "-+-"},
+        {"the system's grey text is shown as a real grey",
+         {{0xFFFFFF, sc('Q') + "q"}},
+         "q",
+         {{0, DisplayColor(0x80000011)}}},
+        {"unknown codes and an escape at the end",
+         {{green, "a" + sc('a') + "b" + d2('?') + "c" + kStarCraft}},
+         "abc",
+         {{0, green}, {1, green}, {2, green}}},
+        {"a Diablo escape cut short", {{green, "x" + QString(kDiablo) + "c"}}, "x", {}},
+        {"a lone lead character is no escape", {{green, "\u00FFx"}}, "\u00FFx", {{0, green}}},
+        {"an escape formed across pairs",
+         {{0xFFFFFF, "a\u00FF"}, {0xFFFFFF, "c1b"}},
+         "ab",
+         {{1, 0x0000FF}}},
+        {"an escape formed where removing a StarCraft one joins text",
+         {{0xFFFFFF, "\u00FF" + sc('P') + "c2z"}},
+         "z",
+         {{0, 0xFF0000}}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        view().clear();
+        WriteChatView(view(), row.line);
+        ASSERT_EQ(view().text(), row.text);
+        const auto f = formats(view());
+        for (const auto& [at, colour] : row.colours)
+            EXPECT_EQ(f[size_t(at)].color, colour) << at;
+        for (size_t i = 0; row.bold[i]; ++i)
+            EXPECT_EQ(f[i].bold, row.bold[i] == '+') << i;
+    }
     EXPECT_NE(DisplayColor(0x80000011), 0x80000011u);
-}
-
-TEST_F(ChatWriterTest, UnknownCodesAndEscapesAtTheEndOnlyDisappear) {
-    WriteChatView(view(), {{0x00FF00, QStringLiteral("a") + sc('a') + QStringLiteral("b") +
-                                          d2('?') + QStringLiteral("c") + kStarCraft}});
-    EXPECT_EQ(view().text(), QStringLiteral("abc"));
-    for (const CharFormat& f : formats(view()))
-        EXPECT_EQ(f.color, 0x00FF00u);
-
-    view().clear();
-    WriteChatView(view(), {{0x00FF00, QStringLiteral("x") + kDiablo + QStringLiteral("c")}});
-    EXPECT_EQ(view().text(), QStringLiteral("x"));
-    view().clear();
-    // A lone lead character is no escape at all.
-    WriteChatView(view(), {{0x00FF00, QStringLiteral("\u00FFx")}});
-    EXPECT_EQ(view().text(), QStringLiteral("\u00FFx"));
 }
 
 TEST_F(ChatWriterTest, ColorDispChoosesParseRemoveOrIgnore) {
@@ -139,18 +135,6 @@ TEST_F(ChatWriterTest, ColorDispChoosesParseRemoveOrIgnore) {
     const auto f = formats(view());
     EXPECT_EQ(f[0].color, 0x0000FFu);
     EXPECT_EQ(f[5].color, 0x0000FFu) << "the older escape's pass runs after the StarCraft one";
-}
-
-TEST_F(ChatWriterTest, EscapesFormAcrossPairsAndWhereARemovalJoinsText) {
-    WriteChat(slot(), {{0xFFFFFF, QStringLiteral("a\u00FF")}, {0xFFFFFF, QStringLiteral("c1b")}});
-    EXPECT_EQ(view().text(), QStringLiteral("ab\r\n"));
-    EXPECT_EQ(formats(view())[1].color, 0x0000FFu);
-
-    view().clear();
-    // Removing the StarCraft escape brings "\u00FF" and "c2" together.
-    WriteChatView(view(), {{0xFFFFFF, QStringLiteral("\u00FF") + sc('P') + QStringLiteral("c2z")}});
-    EXPECT_EQ(view().text(), QStringLiteral("z"));
-    EXPECT_EQ(formats(view())[0].color, 0xFF0000u);
 }
 
 TEST_F(ChatWriterTest, TimestampsStandInSlotsAndNeverOnTheConsole) {

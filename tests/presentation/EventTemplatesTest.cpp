@@ -10,7 +10,7 @@ class EventTemplatesTest : public ChatFixture {
 protected:
     void SetUp() override {
         ChatFixture::SetUp();
-        m_slot = SlotTable::instance().LoadProfile(QStringLiteral("templates"));
+        slot = SlotTable::instance().LoadProfile(QStringLiteral("templates"));
         ThemeRecord& t = CurrentTheme();
         for (size_t digit = 0; digit < 10; ++digit)
             t.custom[digit] = 0x100 + quint32(digit);
@@ -18,7 +18,7 @@ protected:
         t.userInChat.Normal = 0x0A0A0A;
     }
 
-    ChatDocument& view() { return rtbChat(m_slot); }
+    ChatDocument& view() { return rtbChat(slot); }
     // The line as (colour, text) runs, without the line end.
     std::vector<std::pair<quint32, QString>> runs() {
         std::vector<std::pair<quint32, QString>> out;
@@ -33,12 +33,12 @@ protected:
     QString print(const QString& templ, const QString& user = QStringLiteral("bob"),
                   const QString& message = {}, qint32 ping = 0, qint32 flags = 0) {
         view().clear();
-        ParseOutput(m_slot, view(), templ, user, message, QStringLiteral("RATS 0 0 0 0"), ping,
-                    flags, QStringLiteral("Op Test"), 0x03);
+        ParseOutput(slot, view(), templ, user, message, QStringLiteral("RATS 0 0 0 0"), ping, flags,
+                    QStringLiteral("Op Test"), 0x03);
         return view().text();
     }
 
-    int m_slot = 0;
+    int slot = 0;
 };
 
 using Runs = std::vector<std::pair<quint32, QString>>;
@@ -86,7 +86,7 @@ TEST_F(EventTemplatesTest, AnAliasIsShownWhileTheColourAndGroupFollowThePlainNam
     CreateAlias(QStringLiteral("TheBoss"), {QStringLiteral("bob")});
     CreateGroup(QStringLiteral("Ops"), {QStringLiteral("Bob")}, 0x123456, QStringLiteral("[op]"));
     view().clear();
-    ParseOutput(m_slot, view(), QStringLiteral("#A%group<%user>"),
+    ParseOutput(slot, view(), QStringLiteral("#A%group<%user>"),
                 EventUser::fromRaw(QStringLiteral("Hero*bob")));
     EXPECT_EQ(runs(), (Runs{{0x123456, "[op] <TheBoss>"}}));
     EXPECT_EQ(print(QStringLiteral("#0%group%user"), QStringLiteral("ann")),
@@ -97,7 +97,7 @@ TEST_F(EventTemplatesTest, AnAliasIsShownWhileTheColourAndGroupFollowThePlainNam
     CurrentTheme().userInChat.Blocked = 0xB10C;
     AddBlock(QStringLiteral("bob"));
     view().clear();
-    ParseOutput(m_slot, view(), QStringLiteral("#A%user"), EventUser::fromRaw(QStringLiteral("bob")));
+    ParseOutput(slot, view(), QStringLiteral("#A%user"), EventUser::fromRaw(QStringLiteral("bob")));
     EXPECT_EQ(runs(), (Runs{{0xB10C, "TheBoss"}}));
 }
 
@@ -111,20 +111,17 @@ TEST_F(EventTemplatesTest, DefaultTemplatesOfTheTheme) {
     EXPECT_EQ(runs(), (Runs{{0x0A0A0A, "<bob>"}, {0x101, " waves"}}));
 }
 
-class UserColorTest : public ChatFixture {
+class UserColorTest : public EventTemplatesTest {
 protected:
     void SetUp() override {
-        ChatFixture::SetUp();
-        slot = SlotTable::instance().LoadProfile(QStringLiteral("colours"));
-        UserColors& c = CurrentTheme().userInChat;
-        c = {1, 2, 3, 4, 5, 6, 7, 8}; // Normal ... Yourself
+        EventTemplatesTest::SetUp();
+        CurrentTheme().userInChat = {1, 2, 3, 4, 5, 6, 7, 8}; // Normal ... Yourself
         CurrentTheme().userList = {11, 12, 13, 14, 15, 16, 17, 18};
         Bots(slot).UniqueAccount = QStringLiteral("Me");
     }
     quint32 color(const QString& user, qint32 flags, bool inChat = true) {
         return GetUserColor(slot, user, flags, inChat);
     }
-    int slot = 0;
 };
 
 TEST_F(UserColorTest, TheFirstRuleThatHoldsDecides) {

@@ -66,6 +66,7 @@ TEST_F(UserIconsTest, LadderIconsOfStarCraftAndWarCraftTwo) {
     EXPECT_EQ(icon(QStringLiteral("RATS 1500 1 12")), QStringLiteral("SCH1"));
     EXPECT_EQ(icon(QStringLiteral("PXES 1500 3 2")), QStringLiteral("SCH"));
     EXPECT_EQ(icon(QStringLiteral("RATS 500 3 2")), QStringLiteral("SCL")) << "rated below 1000";
+    EXPECT_EQ(icon(QStringLiteral("RATS 1000 3 2")), QStringLiteral("SCH")) << "rated 1000";
     EXPECT_EQ(icon(QStringLiteral("RATS 0 0 -1")), QStringLiteral("STAR")) << "negative wins";
     EXPECT_EQ(icon(QStringLiteral("RTSJ 1500 1 2")), QStringLiteral("JSTR")) << "no ladder icons";
     EXPECT_EQ(icon(QStringLiteral("NB2W 1500 0 2 0 0 0 0 1")), QStringLiteral("W2L1"));

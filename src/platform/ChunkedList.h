@@ -111,8 +111,8 @@ public:
         std::vector<T>& items = m_runs[run];
         items.insert(items.begin() + std::ptrdiff_t(at), std::move(value));
         ++m_size;
+        shiftStarts(run + 1, 1);
         if (items.size() > 2 * kRun) split(run);
-        restart(run + 1);
     }
 
     void erase(std::size_t i) {
@@ -120,12 +120,11 @@ public:
         std::vector<T>& items = m_runs[run];
         items.erase(items.begin() + std::ptrdiff_t(at));
         --m_size;
+        shiftStarts(run + 1, -1);
         if (items.empty()) {
+            // An empty run starts where the next one does: it goes alone.
             m_runs.erase(m_runs.begin() + std::ptrdiff_t(run));
             m_starts.erase(m_starts.begin() + std::ptrdiff_t(run));
-            restart(run);
-        } else {
-            restart(run + 1);
         }
     }
 
@@ -148,14 +147,14 @@ private:
                             std::make_move_iterator(items.end()));
         items.erase(items.begin() + kRun, items.end());
         m_runs.insert(m_runs.begin() + std::ptrdiff_t(run + 1), std::move(tail));
-        m_starts.insert(m_starts.begin() + std::ptrdiff_t(run + 1), 0);
+        m_starts.insert(m_starts.begin() + std::ptrdiff_t(run + 1), m_starts[run] + kRun);
     }
 
-    // The starts of the runs from `run` on, after a change before them.
-    void restart(std::size_t run) {
-        if (!m_starts.empty()) m_starts[0] = 0;
-        for (std::size_t r = std::max<std::size_t>(run, 1); r < m_runs.size(); ++r)
-            m_starts[r] = m_starts[r - 1] + m_runs[r - 1].size();
+    // The runs from `run` on moved by one item: their starts follow, in one
+    // pass over a plain array rather than a walk of the runs.
+    void shiftStarts(std::size_t run, int by) {
+        for (std::size_t r = run; r < m_starts.size(); ++r)
+            m_starts[r] += std::size_t(std::ptrdiff_t(by));
     }
 
     std::vector<std::vector<T>> m_runs;

@@ -88,6 +88,9 @@ public:
     CORVANTIDE_STRING_SETTING(PathD2XP)
     CORVANTIDE_STRING_SETTING(PathWAR3)
     CORVANTIDE_STRING_SETTING(PathSTAR)
+    // The web page: its port (0: off) and the address it listens on.
+    CORVANTIDE_DWORD_SETTING(WebPort)
+    CORVANTIDE_STRING_SETTING(WebAddress)
 
     // Chat display.
     CORVANTIDE_BOOL_SETTING(HideBanUnban, "HideBanUnban")

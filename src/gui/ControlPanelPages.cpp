@@ -15,6 +15,7 @@
 #include "gui/ControlPanelMedia.h"
 #include "gui/ControlPanelPlugins.h"
 #include "gui/ControlPanelTooltips.h"
+#include "gui/ControlPanelWeb.h"
 #include "gui/ControlPanelWindow.h"
 
 namespace {
@@ -64,6 +65,8 @@ ControlPanelPage* CreateControlPanelPage(int row, QWidget* parent) {
         return new ControlPanelMacros(parent);
     case 17:
         return new ControlPanelPlugins(parent);
+    case 18:
+        return new ControlPanelWeb(parent);
     default:
         return nullptr;
     }

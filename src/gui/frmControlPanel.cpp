@@ -32,6 +32,7 @@ const Row kRows[frmControlPanel::RowCount] = {
     {" -- Window", "h2e"}, {"Manage", "h3"},         {" -- Aliases", "h3a"},
     {" -- Blocks", "h3b"}, {" -- Databases", "h3c"}, {" -- Filters", "h3d"},
     {" -- Groups", "h3e"}, {" -- Macros", "h3f"},    {" -- Plugins", "h3g"},
+    {" -- Web page", "h3h"},
 };
 
 } // namespace

@@ -18,7 +18,7 @@ class frmControlPanel : public QWidget {
 public:
     explicit frmControlPanel(QWidget* parent = nullptr);
 
-    static constexpr int RowCount = 18;
+    static constexpr int RowCount = 19;
     // The rows of frmConfig and others: the databases.
     static constexpr int DatabasesRow = 13;
 

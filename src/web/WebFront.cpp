@@ -1,6 +1,5 @@
 #include "web/WebFront.h"
 
-#include "config/RegistryWrapper.h"
 #include "config/SettingsWrapper.h"
 #include "control/ChatFeed.h"
 #include "control/SteeringVerbs.h"
@@ -21,10 +20,6 @@
 #include <QWebSocket>
 
 namespace {
-
-QString settingsKey() {
-    return SettingsWrapper::RootKey() + QStringLiteral("Settings");
-}
 
 // The page's files come from the program itself; what the browser may do
 // with them is kept to this one origin.
@@ -65,11 +60,40 @@ VerbResult runRequest(const QJsonObject& request) {
 
 } // namespace
 
-WebFront::WebFront(QObject* parent)
-    : QObject(parent), m_http(std::make_unique<QHttpServer>()),
-      m_listener(new WebListener(this)) {
+WebFront::WebFront(QObject* parent) : QObject(parent) {
+    open();
+    connect(&SettingsWrapper::instance(), &SettingsWrapper::settingChanged, this,
+            &WebFront::settingChanged);
+}
+
+// A server, its listener and the routes, not listening yet.
+void WebFront::open() {
+    m_http = std::make_unique<QHttpServer>();
+    m_listener = new WebListener(this);
     addRoutes();
     connect(m_http.get(), &QHttpServer::newWebSocketConnection, this, &WebFront::acceptPages);
+}
+
+// Every page goes, then the server: a front ready to open again.
+void WebFront::close() {
+    for (WebPage* page : m_pages)
+        delete page;
+    m_pages.clear();
+    delete m_feed;
+    m_feed = nullptr;
+    m_http.reset();
+    delete m_listener;
+    m_listener = nullptr;
+    m_port = 0;
+}
+
+void WebFront::settingChanged(const QString& property) {
+    if (property != u"WebPort" && property != u"WebAddress") return;
+    const bool wasOn = m_port != 0;
+    close();
+    open();
+    if (!start() && wasOn && SettingsWrapper::instance().WebPort() <= 0)
+        WriteChat(0, Status::Information, QStringLiteral("The web page is closed."));
 }
 
 // Made only once the page listens: a bot without it follows no lines.
@@ -88,22 +112,19 @@ void WebFront::startFeed() {
 }
 
 WebFront::~WebFront() {
-    for (WebPage* page : m_pages)
-        delete page;
+    close();
 }
 
 bool WebFront::start(int port) {
-    RegistryWrapper& store = RegistryWrapper::instance();
-    if (port <= 0) port = store.ReadDWORD(settingsKey(), QStringLiteral("WebPort"), 0);
+    SettingsWrapper& settings = SettingsWrapper::instance();
+    if (port <= 0) port = settings.WebPort();
     if (port <= 0) return false;
     if (port > 65535) {
         WriteChat(0, Status::Error,
                   QStringLiteral("The web page's port %1 is not a port (1 to 65535).").arg(port));
         return false;
     }
-    const QString addressText =
-        store.ReadSTRING(settingsKey(), QStringLiteral("WebAddress"), QStringLiteral("127.0.0.1"))
-            .trimmed();
+    const QString addressText = settings.WebAddress().trimmed();
     const QHostAddress address(addressText.isEmpty() ? QStringLiteral("127.0.0.1") : addressText);
     if (address.isNull()) {
         WriteChat(0, Status::Error,

@@ -26,6 +26,8 @@ public:
 
     // Listens when a port is set: `port` from the command line, else the
     // setting. Writes what happened to the console; false when it could not.
+    // A change of the settings later (from the control panel) moves the page
+    // to what they say, and a port of 0 closes it.
     bool start(int port = 0);
     quint16 port() const { return m_port; }
     int pageCount() const { return int(m_pages.size()); }
@@ -33,6 +35,9 @@ public:
     WebListener& listener() { return *m_listener; }
 
 private:
+    void open();
+    void close();
+    void settingChanged(const QString& property);
     void addRoutes();
     void startFeed();
     void acceptPages();

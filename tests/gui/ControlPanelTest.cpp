@@ -97,7 +97,7 @@ TEST_F(ControlPanelTest, TheViewMenuOpensItAndEscapeClosesIt) {
     panel = window->findChild<frmControlPanel*>();
     ASSERT_TRUE(panel);
     EXPECT_TRUE(panel->isVisible());
-    ASSERT_EQ(panel->cbSettings()->count(), 18);
+    ASSERT_EQ(panel->cbSettings()->count(), 19);
     EXPECT_EQ(panel->currentRow(), 0);
     EXPECT_FALSE(panel->page(0)->hasSaveAndCancel());
     EXPECT_EQ(window->showControlPanel(frmControlPanel::DatabasesRow), panel);

@@ -4,6 +4,7 @@
 // page reachable.
 #include "common/SandboxProcess.h"
 #include "common/SlotFixture.h"
+#include "config/SettingsWrapper.h"
 #include "control/WebToken.h"
 #include "platform/ChatDocument.h"
 #include "presentation/ChatWriter.h"
@@ -217,4 +218,24 @@ TEST_F(WebLimits, TenThousandConnectionsLeaveThePageReachable) {
     EXPECT_TRUE(waitFor([&] { return front->listener().openConnections() == 0; }));
     Page late(port, token);
     EXPECT_TRUE(waitFor([&] { return late.heardType("welcome"); }, 20000));
+}
+
+// The control panel's port moves the page at once, dropping the pages on the
+// old one, and a port of 0 closes it.
+TEST_F(WebLimits, AChangedPortMovesThePageAndPortZeroClosesIt) {
+    Page before(port, token);
+    ASSERT_TRUE(waitFor([&] { return before.heardType("welcome"); }));
+    const int moved = freePort();
+    ASSERT_TRUE(SettingsWrapper::instance().setWebPort(moved));
+    EXPECT_EQ(front->port(), moved);
+    EXPECT_TRUE(waitFor([&] { return before.socket.state() == QAbstractSocket::UnconnectedState; }));
+    Page after(moved, token);
+    EXPECT_TRUE(waitFor([&] { return after.heardType("welcome"); }));
+
+    ASSERT_TRUE(SettingsWrapper::instance().setWebPort(0));
+    EXPECT_EQ(front->port(), 0);
+    EXPECT_TRUE(console("The web page is closed."));
+    QTcpSocket old;
+    old.connectToHost(QHostAddress::LocalHost, quint16(moved));
+    EXPECT_FALSE(old.waitForConnected(500));
 }

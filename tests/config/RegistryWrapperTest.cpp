@@ -74,6 +74,15 @@ TEST_F(Store, PathGrammar) {
     EXPECT_EQ(store_.EnumKeys(QStringLiteral("Nowhere\\Software"), names), -1);
     EXPECT_EQ(store_.CreateKey(QStringLiteral("Nowhere\\Software")), 0);
     EXPECT_EQ(store_.WriteDWORD(QStringLiteral("Nowhere\\Software"), QStringLiteral("a"), 1), 0);
+
+    // The local machine's root is there, empty and read-only.
+    const QString machine = QStringLiteral("HKLM\\Software\\Winamp");
+    EXPECT_EQ(store_.CreateKey(machine), 0);
+    EXPECT_EQ(store_.WriteSTRING(machine, QString(), QStringLiteral("/opt/winamp")), 0);
+    EXPECT_EQ(store_.ReadSTRING(machine, QString(), QStringLiteral("fallback")),
+              QStringLiteral("fallback"));
+    EXPECT_EQ(store_.ReadDWORD(machine, QStringLiteral("x"), 42), 42);
+    EXPECT_TRUE(store_.KeyExists(QStringLiteral("HKLM")));
 }
 
 TEST_F(Store, NamesKeepTheirCaseAndMatchWithoutIt) {
@@ -84,16 +93,6 @@ TEST_F(Store, NamesKeepTheirCaseAndMatchWithoutIt) {
     ASSERT_EQ(store_.EnumValues(kKey, names, values), 1);
     EXPECT_EQ(names[0], QStringLiteral("MixedCase"));
     EXPECT_EQ(keys(QStringLiteral("HKCU\\software")), QStringList{QStringLiteral("Test")});
-}
-
-TEST_F(Store, LocalMachineIsEmptyAndReadOnly) {
-    const QString key = QStringLiteral("HKLM\\Software\\Winamp");
-    EXPECT_EQ(store_.CreateKey(key), 0);
-    EXPECT_EQ(store_.WriteSTRING(key, QString(), QStringLiteral("/opt/winamp")), 0);
-    EXPECT_EQ(store_.ReadSTRING(key, QString(), QStringLiteral("fallback")),
-              QStringLiteral("fallback"));
-    EXPECT_EQ(store_.ReadDWORD(key, QStringLiteral("x"), 42), 42);
-    EXPECT_TRUE(store_.KeyExists(QStringLiteral("HKLM")));
 }
 
 TEST_F(Store, StringReadRules) {

@@ -179,7 +179,9 @@ TEST_F(Settings, StartupWritesSettingsBack) {
     EXPECT_FALSE(settings_.WindowsStartup());
 }
 
-TEST(Profile, EmptyNameGuardsEverythingButChannels) {
+// Without a name a profile guards everything but its channels; with one its values live in
+// the profiles' key.
+TEST(Profile, ValuesLiveInTheProfilesKey) {
     RegistryWrapper store(QStringLiteral(":memory:"));
     ConfigWrapper config(store);
     EXPECT_EQ(config.Trigger(), QString()) << "not the default \".\"";
@@ -190,11 +192,7 @@ TEST(Profile, EmptyNameGuardsEverythingButChannels) {
     EXPECT_EQ(store.ReadSTRING(SettingsWrapper::RootKey() + QStringLiteral("Profiles"),
                                QStringLiteral("Channels4")),
               QStringLiteral("--"));
-}
 
-TEST(Profile, ValuesLiveInTheProfilesKey) {
-    RegistryWrapper store(QStringLiteral(":memory:"));
-    ConfigWrapper config(store);
     config.Profile = QStringLiteral("Main");
     const QString key = SettingsWrapper::RootKey() + QStringLiteral("Profiles\\Main");
     EXPECT_EQ(config.profileKey(), key);
@@ -221,10 +219,6 @@ TEST(Profile, ValuesLiveInTheProfilesKey) {
     config.setChannels(5, QStringLiteral("Home"));
     EXPECT_EQ(config.Channels(5), QStringLiteral("Home"));
 }
-
-} // namespace
-
-namespace {
 
 // The choices the terminal offers and holds a value to.
 TEST(SettingLimits, EachLimitedValueHasItsChoices) {

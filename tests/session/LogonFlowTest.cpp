@@ -65,28 +65,6 @@ protected:
 
 } // namespace
 
-TEST_F(LogonFlowTest, WarcraftThreeWithLocalHashingConnectsStraightToBattleNet) {
-    const int i = loadProfile(QStringLiteral("WAR3"), true);
-    // Without the game's folder there is nothing to hash: said before connecting.
-    SettingsWrapper::instance().setPathWAR3(QString());
-    SlotTable::instance().ConnectBot(i);
-    EXPECT_TRUE(chat(i).contains(QStringLiteral(
-        "[BncsUtil] Cannot connect: LocalHashing is on and PathWAR3 (the WarCraft III folder) is "
-        "empty; set it with: corvantide config set Settings PathWAR3 FOLDER.")));
-    EXPECT_EQ(wsBNET(i).State(), SocketControl::Closed);
-
-    QTemporaryDir game;
-    for (const char* name : {"War3.exe", "Storm.dll", "Game.dll"}) {
-        QFile file(game.filePath(QLatin1String(name)));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    }
-    SettingsWrapper::instance().setPathWAR3(game.path());
-    SlotTable::instance().ConnectBot(i);
-    EXPECT_EQ(wsBNET(i).State(), SocketControl::Connecting);
-    EXPECT_EQ(wsBNLS(i).State(), SocketControl::Closed);
-    SettingsWrapper::instance().setPathWAR3(QString());
-}
-
 TEST_F(LogonFlowTest, AFailedBnlsCheckStaysAtTheHeadOfTheStream) {
     const int i = loadProfile(QStringLiteral("STAR"), false);
     SlotTable::instance().ConnectBot(i);
@@ -201,7 +179,7 @@ TEST_F(LogonFlowTest, EnteringChatTakesTheGivenNameAndAsksForFriends) {
     EXPECT_EQ(frameIds(wsBNET(i), false).back(), 0x65);
 }
 
-TEST_F(LogonFlowTest, MissingSettingsAreAllNamedAndNoSocketOpens) {
+TEST_F(LogonFlowTest, MissingSettingsAreAllNamedAndNoSocketOpensWithoutThem) {
     const int i = SlotTable::instance().LoadProfile(QStringLiteral("empty-profile"));
     wsBNET(i).setDetached(true);
     SlotTable::instance().ConnectBot(i);
@@ -226,4 +204,25 @@ TEST_F(LogonFlowTest, MissingSettingsAreAllNamedAndNoSocketOpens) {
         "a BNLS server; set it with: corvantide profile set flow-STAR ServerBNLS HOST[:PORT].")));
     EXPECT_EQ(wsBNLS(star).State(), SocketControl::Closed);
     EXPECT_FALSE(Bots(star).CanConnect);
+
+    // WarCraft III with local hashing connects straight to Battle.net.
+    const int war3 = loadProfile(QStringLiteral("WAR3"), true);
+    // Without the game's folder there is nothing to hash: said before connecting.
+    SettingsWrapper::instance().setPathWAR3(QString());
+    SlotTable::instance().ConnectBot(war3);
+    EXPECT_TRUE(chat(war3).contains(QStringLiteral(
+        "[BncsUtil] Cannot connect: LocalHashing is on and PathWAR3 (the WarCraft III folder) is "
+        "empty; set it with: corvantide config set Settings PathWAR3 FOLDER.")));
+    EXPECT_EQ(wsBNET(war3).State(), SocketControl::Closed);
+
+    QTemporaryDir game;
+    for (const char* name : {"War3.exe", "Storm.dll", "Game.dll"}) {
+        QFile file(game.filePath(QLatin1String(name)));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    }
+    SettingsWrapper::instance().setPathWAR3(game.path());
+    SlotTable::instance().ConnectBot(war3);
+    EXPECT_EQ(wsBNET(war3).State(), SocketControl::Connecting);
+    EXPECT_EQ(wsBNLS(war3).State(), SocketControl::Closed);
+    SettingsWrapper::instance().setPathWAR3(QString());
 }

@@ -56,9 +56,8 @@ TEST_F(TextStoresTest, EntriesAreFoundByIdInAnyCaseAndStoredInTheAnsiCodePage) {
     EXPECT_EQ(defs.GetItem("cut"), QStringLiteral("left"));
     EXPECT_EQ(defs.GetItem("last"), QStringLiteral("end"));
     EXPECT_EQ(ReadTextLines(defs.fileName()).last(), QString("Blank \u00A6 filled"));
-}
 
-TEST_F(TextStoresTest, RemovingRewritesOnlyTheLinesThatCount) {
+    // Removing rewrites only the lines that count.
     writeFile(defs.fileName(),
               "a \xA6 one\r\nstray line\r\nA \xA6 two\r\nb \xA6 three\r\nx\xA6y\r\n");
     EXPECT_FALSE(defs.RemoveItem("c"));

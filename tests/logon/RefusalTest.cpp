@@ -64,21 +64,16 @@ TEST(Refusal, ArchiveNames) {
     }
 }
 
-class VersionCheckRefusal : public ::testing::Test {
-protected:
-    int check(const std::string& formula, int number, const std::string& file3) {
+TEST(Refusal, VersionCheckFormulasArchiveNumbersAndFiles) {
+    const auto file = [](const char* name) {
+        return (test::kVectors / "checkrevision" / name).string();
+    };
+    std::uint32_t checksum_ = 0xDEADBEEF;
+    const auto check = [&](const std::string& formula, int number, const std::string& file3) {
         return checkRevisionFlat(formula, file("file1.bin"), file("file2.bin"), file3, number,
                                  checksum_);
-    }
-    static std::string file(const char* name) {
-        return (test::kVectors / "checkrevision" / name).string();
-    }
-    static constexpr const char* kFormula =
-        "A=1054538081 B=741521288 C=797042342 4 A=A^S B=B-C C=C^A A=A+B";
-    std::uint32_t checksum_ = 0xDEADBEEF;
-};
-
-TEST_F(VersionCheckRefusal, FormulasArchiveNumbersAndFiles) {
+    };
+    const char* kFormula = "A=1054538081 B=741521288 C=797042342 4 A=A^S B=B-C C=C^A A=A+B";
     for (const std::string formula :
          {"", "4", "A=1 B=2 C=3", "A=A*S", "D=A+S", "S=A+B", "A=A+D", "A=A+", "A=A+SS",
           "A=", "A=4294967296 A=A+S", "A=12x A=A+S", "=A+S", "a=a+s", "AB=A+S"}) {
@@ -139,10 +134,9 @@ TEST_F(ExeInfoRefusal, FilesThatAreNotPeOrHaveNoVersion) {
         EXPECT_EQ(exeInfo(path), 0u);
         EXPECT_EQ(version_, 0u);
     }
-}
 
-TEST_F(ExeInfoRefusal, ShortBufferAsksForMore) {
-    const auto path = write("War3.exe", war3());
+    // A short buffer asks for more.
+    const auto path = write("War3.exe", image);
     char small[8] = {};
     std::uint32_t version = 0;
     const std::size_t needed = getExeInfo(path.string(), small, sizeof small, version, 1);

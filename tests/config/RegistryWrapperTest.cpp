@@ -387,8 +387,10 @@ Bare="x"
 "Lost"="x"
 [HKCU\Software\Bad]
 "Later"=dword:00000002
+"Wide"=dword:123456789
 )",
-         "[Bad] \"First\"=dword:00000001 \"Broken\"=dword:00000012 \"Later\"=dword:00000002",
+         "[Bad] \"First\"=dword:00000001 \"Broken\"=dword:00000012 \"Later\"=dword:00000002 "
+         "\"Wide\"=dword:23456789",
          R"(line 2: a value before the first [key]; skipped: "Stray"="before any key"
 line 5: dword:12x is not up to eight hexadecimal digits; stored 18
 line 6: the value name holds a NUL; skipped: "Nul\x00Name"="x"
@@ -401,8 +403,9 @@ line 12: the text's closing quote is missing; skipped: "Open"="quote
 line 13: the value name is not in double quotes; skipped: \x01garbage\x00after the NUL
 line 14: [HKXX\Software\Nowhere]: the key's root is unknown; its values were skipped
 line 16: [HKEY_LOCAL_MACHINE\Software\Machine]: HKEY_LOCAL_MACHINE is read-only here; )"
-         "its values were skipped",
-         3},
+         "its values were skipped\n"
+         "line 20: dword:123456789 is not up to eight hexadecimal digits; stored 591751049",
+         4},
     };
     int n = 0;
     for (const Row& row : rows) {

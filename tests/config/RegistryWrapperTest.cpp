@@ -444,7 +444,6 @@ line 16: [HKEY_LOCAL_MACHINE\Software\Machine]: HKEY_LOCAL_MACHINE is read-only 
     EXPECT_FALSE(store_.ImportFromReg(path("lf.reg")));
 }
 
-
 // Whatever a profile's key holds (any names, texts of any Windows-1252
 // bytes, numbers, binary data) comes back from a backup byte for byte.
 TEST_F(Store, EveryValueOfAProfileSurvivesExportAndImport) {
@@ -502,7 +501,6 @@ TEST_F(Store, EveryValueOfAProfileSurvivesExportAndImport) {
     for (const QString& profile : keys(profiles))
         EXPECT_EQ(valuesOf(other, profile), valuesOf(store_, profile));
 }
-
 
 // A store held by some other program (a database tool, a backup) is not
 // blamed on a Corvantide: the words name the program and its process.

@@ -111,21 +111,27 @@ TEST(BncsCutter, AHandlerCostsAtMostItsOwnFrame) {
         std::vector<quint8> malformed;
     };
     const Row rows[] = {
-        {"a read past the frame", bncs(0x0F, "abc") + bncs(0x25, "wxyz"),
+        {"a read past the frame",
+         bncs(0x0F, "abc") + bncs(0x25, "wxyz"),
          [](BncsStream&, PacketReader& r, quint8 id) {
              if (id == 0x0F) r.ReadDWORD(), r.ReadDWORD();
          },
-         {0x0F, 0x25}, {0x0F}},
-        {"data arriving during a handler is cut after it, not twice", bncs(0x53, "first"),
+         {0x0F, 0x25},
+         {0x0F}},
+        {"data arriving during a handler is cut after it, not twice",
+         bncs(0x53, "first"),
          [](BncsStream& s, PacketReader&, quint8 id) {
              if (id == 0x53) s.feed(bncs(0x54, "late"));
          },
-         {0x53, 0x54}, {}},
-        {"a handler that empties the stream", bncs(0x13, "") + bncs(0x0F, "gone"),
+         {0x53, 0x54},
+         {}},
+        {"a handler that empties the stream",
+         bncs(0x13, "") + bncs(0x0F, "gone"),
          [](BncsStream& s, PacketReader&, quint8 id) {
              if (id == 0x13) s.in.clear(), s.in.append(bncs(0x25, "next"));
          },
-         {0x13, 0x25}, {}},
+         {0x13, 0x25},
+         {}},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);

@@ -110,6 +110,7 @@ TEST_F(CommandWrapperTest, EachLineIsAnsweredAsTheSpeakersRankAndTheStoreAllow) 
         {"Boss", "add newbie 100", higher},
         {"Op", "add newbie 89", "Added newbie to the userbase."},
         {"Guest", "find NEWBIE", "newbie has a rank of 89."},
+        {"newbie", "say /kick x", guarded},
         {"Op", "add Newbie 20", invalid},
         {"Op", "add other ten", invalid},
         {"Op", "add other 0", invalid},

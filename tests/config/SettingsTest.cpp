@@ -212,6 +212,7 @@ TEST(Profile, ValuesLiveInTheProfilesKey) {
     EXPECT_TRUE(config.StartupLoad());
 
     EXPECT_EQ(config.Channels(0), QStringLiteral("Op :+"));
+    EXPECT_EQ(config.Channels(1), QStringLiteral("Clan DbM"));
     EXPECT_EQ(config.Channels(2), QStringLiteral("Clan DbM"));
     EXPECT_FALSE(store.ValueExists(key, QStringLiteral("Channels0")));
     EXPECT_EQ(config.Channels(5), QStringLiteral("--"));

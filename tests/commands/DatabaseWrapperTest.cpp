@@ -84,8 +84,8 @@ TEST_F(DatabaseWrapperTest, GrabRankMatchesAccountsAndGivesTheStoredSpelling) {
     EXPECT_EQ(grab("bob"), Found("", 0));
 }
 
-// (Rank 0 and an existing user are refused in the ADD command's test.)
 TEST_F(DatabaseWrapperTest, AddUserTakesNewUsersOnlyAndRemoveUserTheExactKey) {
+    // (Rank 0 and an existing user are refused in the ADD command's test.)
     EXPECT_FALSE(db.AddUser(slot, "high", 101));
     EXPECT_EQ(db.Count(slot), 0) << "nothing written";
     EXPECT_TRUE(db.AddUser(slot, "Top", 100));

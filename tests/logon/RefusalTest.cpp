@@ -68,10 +68,10 @@ TEST(Refusal, VersionCheckFormulasArchiveNumbersAndFiles) {
     const auto file = [](const char* name) {
         return (test::kVectors / "checkrevision" / name).string();
     };
-    std::uint32_t checksum_ = 0xDEADBEEF;
+    std::uint32_t checksum = 0xDEADBEEF;
     const auto check = [&](const std::string& formula, int number, const std::string& file3) {
         return checkRevisionFlat(formula, file("file1.bin"), file("file2.bin"), file3, number,
-                                 checksum_);
+                                 checksum);
     };
     const char* kFormula = "A=1054538081 B=741521288 C=797042342 4 A=A^S B=B-C C=C^A A=A+B";
     for (const std::string formula :
@@ -84,7 +84,7 @@ TEST(Refusal, VersionCheckFormulasArchiveNumbersAndFiles) {
     EXPECT_EQ(check(kFormula, 8, file("file3.bin")), 0);
     EXPECT_EQ(check(kFormula, 0, file("missing.bin")), 0);
     EXPECT_EQ(check(kFormula, 0, test::kVectors.string()), 0) << "a folder is no file";
-    EXPECT_EQ(checksum_, 0xDEADBEEF) << "a refused check leaves the result alone";
+    EXPECT_EQ(checksum, 0xDEADBEEF) << "a refused check leaves the result alone";
     EXPECT_EQ(check("A=4294967295 A=A+S", 0, file("file3.bin")), 1);
 }
 

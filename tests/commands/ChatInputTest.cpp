@@ -25,8 +25,10 @@ protected:
     }
     void TearDown() override { PluginHost::instance().clear(); }
 
-    // The string fields of each packet sent, as "0xID text|text".
-    QStringList sentPackets() {
+    // The string fields of each packet a typed line sent, as "0xID text|text".
+    QStringList chatLines(const QString& line) {
+        wsBNET(slot).sent.clear();
+        SendChatLine(slot, line);
         QStringList packets;
         for (const QByteArray& frame : wsBNET(slot).sent) {
             QStringList fields;
@@ -37,11 +39,6 @@ protected:
                            fields.join(u'|');
         }
         return packets;
-    }
-    QStringList chatLines(const QString& line) {
-        wsBNET(slot).sent.clear();
-        SendChatLine(slot, line);
-        return sentPackets();
     }
 
     int slot = 0;

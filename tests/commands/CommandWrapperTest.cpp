@@ -39,15 +39,11 @@ protected:
     bool run(const QString& speaker, const QString& line) {
         return CommandWrapper().SearchCommands(slot, speaker, line, false);
     }
-    // One command by a speaker, and what it put on the send queue.
-    QStringList said(const QString& speaker, const QString& line) {
+    // The last line one command by a speaker put on the send queue.
+    QString lastReply(const QString& speaker, const QString& line) {
         Bots(slot).Queue.clear();
         run(speaker, line);
-        return Bots(slot).Queue;
-    }
-    QString lastReply(const QString& speaker, const QString& line) {
-        const QStringList lines = said(speaker, line);
-        return lines.isEmpty() ? QString() : lines.last();
+        return Bots(slot).Queue.isEmpty() ? QString() : Bots(slot).Queue.last();
     }
     int slot = 0;
 };

@@ -24,16 +24,11 @@ QByteArray text(const char* s) {
     return QByteArray(s) + '\0';
 }
 
-// The ids of the frames a socket sent, after the protocol byte.
-std::vector<int> frameIds(const SocketControl& socket, bool bnls) {
+// The ids of the frames the Battle.net socket sent; -1 for the protocol byte.
+std::vector<int> frameIds(const SocketControl& socket) {
     std::vector<int> ids;
-    for (const QByteArray& data : socket.sent) {
-        if (data.size() == 1 && !bnls) {
-            ids.push_back(-1); // the protocol byte
-            continue;
-        }
-        ids.push_back(quint8(bnls ? data[2] : data[1]));
-    }
+    for (const QByteArray& data : socket.sent)
+        ids.push_back(data.size() == 1 ? -1 : quint8(data[1]));
     return ids;
 }
 
@@ -82,7 +77,7 @@ TEST_F(LogonFlowTest, AServerKeyOfZeroModuloNGetsNoProof) {
     wsBNET(i).simulateConnected();
     Bots(i).Connection.Output_AuthLogon_NLS(i);
     serverSends(i, 0x53, dword(0) + QByteArray(64, '\0')); // salt, then B = 0
-    const std::vector<int> ids = frameIds(wsBNET(i), false);
+    const std::vector<int> ids = frameIds(wsBNET(i));
     EXPECT_EQ(std::count(ids.begin(), ids.end(), 0x54), 0);
     EXPECT_TRUE(chat(i).contains(QStringLiteral("[BNET] The server's logon challenge is unusable "
                                                 "(its key is 0 modulo N); no password proof was "
@@ -104,7 +99,7 @@ TEST_F(LogonFlowTest, PingSpoofSendsItsExactCounts) {
         SlotTable::instance().ConnectBot(i);
         wsBNLS(i).simulateConnected();
         wsBNET(i).simulateConnected();
-        const std::vector<int> ids = frameIds(wsBNET(i), false);
+        const std::vector<int> ids = frameIds(wsBNET(i));
         EXPECT_EQ(std::count(ids.begin(), ids.end(), 0x00), c.emptyFrames) << c.spoof;
         EXPECT_EQ(std::count(ids.begin(), ids.end(), 0x25), c.pingsAfterAuthInfo) << c.spoof;
         const qsizetype before = wsBNET(i).sent.size();
@@ -176,7 +171,7 @@ TEST_F(LogonFlowTest, EnteringChatTakesTheGivenNameAndAsksForFriends) {
     serverSends(i, 0x0A, text("Tester#2") + text("RATS 0 0 0 0 0 0 0 0 RATS") + text("Tester"));
     EXPECT_TRUE(Bots(i).Online());
     EXPECT_EQ(Bots(i).UniqueAccount, QStringLiteral("Tester#2"));
-    EXPECT_EQ(frameIds(wsBNET(i), false).back(), 0x65);
+    EXPECT_EQ(frameIds(wsBNET(i)).back(), 0x65);
 }
 
 TEST_F(LogonFlowTest, MissingSettingsAreAllNamedAndNoSocketOpensWithoutThem) {

@@ -91,14 +91,11 @@ TEST_F(BotMailTest, MailsAreNumberedPerRecipientAndMoveUpAfterADeletion) {
     EXPECT_TRUE(DeleteMail(slot, "Bob", -1));
     EXPECT_EQ(messages("bob"), QStringList{});
     EXPECT_EQ(messages("carl"), QStringList{"1:for carl"});
-}
 
-TEST_F(BotMailTest, ProfilesShareMailByAccount) {
-    const int twin = load("beta", "keeper", "SEXP");
-    const int other = load("gamma", "Someone", "STAR");
-    AddMail(twin, "bob", "hi");
+    // Profiles share mail by account.
+    AddMail(load("beta", "keeper", "SEXP"), "bob", "hi");
     EXPECT_EQ(messages("bob"), QStringList{"1:hi"});
-    EXPECT_FALSE(HasMail(other, "bob"));
+    EXPECT_FALSE(HasMail(load("gamma", "Someone", "STAR"), "bob"));
 }
 
 TEST_F(BotMailTest, JoinNoticeRepeatsUntilTheMailIsRead) {

@@ -56,9 +56,8 @@ TEST_F(TextStoresTest, EntriesAreFoundByIdInAnyCaseAndStoredInTheAnsiCodePage) {
     EXPECT_EQ(defs.GetItem("cut"), QStringLiteral("left"));
     EXPECT_EQ(defs.GetItem("last"), QStringLiteral("end"));
     EXPECT_EQ(ReadTextLines(defs.fileName()).last(), QString("Blank \u00A6 filled"));
-}
 
-TEST_F(TextStoresTest, RemovingRewritesOnlyTheLinesThatCount) {
+    // Removing rewrites only the lines that count.
     writeFile(defs.fileName(),
               "a \xA6 one\r\nstray line\r\nA \xA6 two\r\nb \xA6 three\r\nx\xA6y\r\n");
     EXPECT_FALSE(defs.RemoveItem("c"));
@@ -141,13 +140,12 @@ TEST_F(TextStoresTest, ProfanityPlainCaseSensitiveReplacementBothWays) {
     EXPECT_EQ(encoded(reader, "class"), QStringLiteral("clx"));
     // The listing's trailing NUL gives an empty part, which changes nothing.
     EXPECT_EQ(reader.entries(), (QStringList{"a\rb", "x\rass", "\r"}));
-}
 
-TEST_F(TextStoresTest, ProfanityEmptyValuesAndLaterEntriesWorkOnEarlierOutput) {
+    // Empty values, and later entries that work on earlier output.
     writeFile(ProfanityReader::file(), "[Main]\r\ngone=\r\nq=p\r\nr=q\r\n");
-    const ProfanityReader reader;
-    EXPECT_EQ(encoded(reader, "gone"), QStringLiteral("gone")) << "nothing to look for";
-    EXPECT_EQ(decoded(reader, "all gone"), QStringLiteral("all "));
-    EXPECT_EQ(encoded(reader, "p"), QStringLiteral("r")) << "p became q, then q became r";
-    EXPECT_EQ(decoded(reader, "r"), QStringLiteral("q")) << "decoding walks forwards too";
+    const ProfanityReader chained;
+    EXPECT_EQ(encoded(chained, "gone"), QStringLiteral("gone")) << "nothing to look for";
+    EXPECT_EQ(decoded(chained, "all gone"), QStringLiteral("all "));
+    EXPECT_EQ(encoded(chained, "p"), QStringLiteral("r")) << "p became q, then q became r";
+    EXPECT_EQ(decoded(chained, "r"), QStringLiteral("q")) << "decoding walks forwards too";
 }

@@ -83,9 +83,8 @@ TEST_F(Files, ReadIniFollowsTheProfileFunctions) {
     EXPECT_FALSE(found);
     ReadIni(path("Overrides.ini"), QStringLiteral("Nope"), QStringLiteral("x"), {}, &found);
     EXPECT_TRUE(found);
-}
 
-TEST_F(Files, ReadIniSeesHandEditsDuringARun) {
+    // Hand edits during a run count at the next read.
     writeFile(QStringLiteral("Overrides.ini"), "[Media]\nname=one\n");
     EXPECT_EQ(read(QStringLiteral("Media"), QStringLiteral("name")), QStringLiteral("one"));
     // Same size, same second: only the file's identity or fine time tells.

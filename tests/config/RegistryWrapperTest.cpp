@@ -74,26 +74,25 @@ TEST_F(Store, PathGrammar) {
     EXPECT_EQ(store_.EnumKeys(QStringLiteral("Nowhere\\Software"), names), -1);
     EXPECT_EQ(store_.CreateKey(QStringLiteral("Nowhere\\Software")), 0);
     EXPECT_EQ(store_.WriteDWORD(QStringLiteral("Nowhere\\Software"), QStringLiteral("a"), 1), 0);
-}
 
-TEST_F(Store, NamesKeepTheirCaseAndMatchWithoutIt) {
+    // The local machine's root is there, empty and read-only.
+    const QString machine = QStringLiteral("HKLM\\Software\\Winamp");
+    EXPECT_EQ(store_.CreateKey(machine), 0);
+    EXPECT_EQ(store_.WriteSTRING(machine, QString(), QStringLiteral("/opt/winamp")), 0);
+    EXPECT_EQ(store_.ReadSTRING(machine, QString(), QStringLiteral("fallback")),
+              QStringLiteral("fallback"));
+    EXPECT_EQ(store_.ReadDWORD(machine, QStringLiteral("x"), 42), 42);
+    EXPECT_TRUE(store_.KeyExists(QStringLiteral("HKLM")));
+
+    // Names keep their case and match without it.
     store_.WriteSTRING(kKey, QStringLiteral("MixedCase"), QStringLiteral("one"));
     store_.WriteSTRING(kKey, QStringLiteral("MIXEDCASE"), QStringLiteral("two"));
     EXPECT_EQ(store_.ReadSTRING(kKey, QStringLiteral("mixedcase")), QStringLiteral("two"));
-    QStringList names, values;
+    QStringList values;
     ASSERT_EQ(store_.EnumValues(kKey, names, values), 1);
     EXPECT_EQ(names[0], QStringLiteral("MixedCase"));
-    EXPECT_EQ(keys(QStringLiteral("HKCU\\software")), QStringList{QStringLiteral("Test")});
-}
-
-TEST_F(Store, LocalMachineIsEmptyAndReadOnly) {
-    const QString key = QStringLiteral("HKLM\\Software\\Winamp");
-    EXPECT_EQ(store_.CreateKey(key), 0);
-    EXPECT_EQ(store_.WriteSTRING(key, QString(), QStringLiteral("/opt/winamp")), 0);
-    EXPECT_EQ(store_.ReadSTRING(key, QString(), QStringLiteral("fallback")),
-              QStringLiteral("fallback"));
-    EXPECT_EQ(store_.ReadDWORD(key, QStringLiteral("x"), 42), 42);
-    EXPECT_TRUE(store_.KeyExists(QStringLiteral("HKLM")));
+    EXPECT_EQ(keys(QStringLiteral("HKCU\\software")),
+              (QStringList{QStringLiteral("Test"), QStringLiteral("x")}));
 }
 
 TEST_F(Store, StringReadRules) {
@@ -315,109 +314,134 @@ TEST_F(Store, ExportFormat) {
     EXPECT_FALSE(QFile::exists(path("none.reg")));
 }
 
-TEST_F(Store, ImportLineRules) {
-    const QString key = QStringLiteral("HKCU\\Software\\Import");
-    store_.WriteSTRING(key, QString(), QStringLiteral("old default"));
-    store_.WriteSTRING(key, QStringLiteral("Gone"), QStringLiteral("x"));
-    store_.CreateKey(QStringLiteral("HKCU\\Software\\Doomed"));
-    store_.setCreateKeyIfDoesntExists(false);
-    writeFile(QStringLiteral("in.reg"),
-              "regedit4\r\n"
-              "[HKEY_CURRENT_USER\\Software\\Import]\r\n"
-              "  \"Spaced \"  =  \"padded\"  \r\n"
-              "@=\"\"\r\n"
-              "\"Gone\"=-\r\n"
-              "; \"Comment\"=\"no\"\r\n"
-              "\"Hex\"=HEX:41,42\r\n"
-              "\"Long\"=hex:41,\\\r\n"
-              "   42,43\r\n"
-              "\"Num\"=DWORD:0000002a\r\n"
-              "[-HKEY_CURRENT_USER\\Software\\Doomed]\r\n"
-              "\"Ignored\"=\"the section of a deleted key has no body\"\r\n"
-              "[HKEY_CURRENT_USER\\Software\\Import\\New]\r\n"
-              "\"Made\"=dword:1\r\n");
-    RegistryWrapper::ImportReport report;
-    ASSERT_TRUE(store_.ImportFromReg(path("in.reg"), &report));
-    EXPECT_EQ(report.notes, QStringList{});
-    EXPECT_TRUE(store_.CreateKeyIfDoesntExists());
-    EXPECT_EQ(store_.ReadSTRING(key, QStringLiteral("Spaced ")), QStringLiteral("padded"));
-    EXPECT_FALSE(store_.ValueExists(key, QString()));
-    EXPECT_FALSE(store_.ValueExists(key, QStringLiteral("Gone")));
-    EXPECT_FALSE(store_.ValueExists(key, QStringLiteral("; Comment")));
-    EXPECT_EQ(store_.ReadBinary(key, QStringLiteral("Hex")), QStringLiteral("41 42"));
-    EXPECT_EQ(store_.ReadBinary(key, QStringLiteral("Long")), QStringLiteral("41 42 43"));
-    EXPECT_EQ(store_.ReadDWORD(key, QStringLiteral("Num")), 42);
-    EXPECT_FALSE(store_.KeyExists(QStringLiteral("HKCU\\Software\\Doomed")));
-    EXPECT_FALSE(
-        store_.ValueExists(QStringLiteral("HKCU\\Software\\Doomed"), QStringLiteral("Ignored")));
-    EXPECT_EQ(store_.ReadDWORD(key + QStringLiteral("\\New"), QStringLiteral("Made")), 1);
-}
-
-// Texts hold anything between their quotes, escaped as regedit escapes them;
-// a line that is not a value as regedit writes one is named and passed over.
-TEST_F(Store, ImportReadsQuotedTextsAndNamesEveryLineItCannotRead) {
-    struct Case {
-        QByteArray line;
-        QString name;
-        QString stored; // null: nothing stored
-        QString note;   // behind "line 3: "
+// An import reads what regedit writes (texts hold anything between their
+// quotes, escaped as regedit escapes them) and names by its number every line
+// it passes over or reads by a guess, and goes on past it. What each file
+// leaves is shown as a backup of HKCU\Software writes it, one key a line.
+TEST_F(Store, ImportReadsRegeditsLinesAndNamesEveryLineItCannotRead) {
+    struct Row {
+        const char* name;
+        const char* before; // a file imported first, when not null
+        const char* file;   // lines end in CR LF; <NUL> and <SOH> are those bytes
+        const char* holds;  // "[Key] value value", a line per key
+        const char* notes;
+        int values;
     };
-    const QList<Case> cases{
-        {"\"Trigger\"=\"=\"", QStringLiteral("Trigger"), QStringLiteral("="), {}},
-        {"\"Channels0\"=\"Op \\\"Quoted\\\" = yes\"",
-         QStringLiteral("Channels0"),
-         QStringLiteral("Op \"Quoted\" = yes"),
-         {}},
-        {"\"IdleMsg\"=\"1+1=2 is math\"",
-         QStringLiteral("IdleMsg"),
-         QStringLiteral("1+1=2 is math"),
-         {}},
-        {"\"Path\"=\"C:\\\\Games\\\\\"", QStringLiteral("Path"), QStringLiteral("C:\\Games\\"), {}},
-        {"\"Say \\\"hi\\\"\"=\"x\"", QStringLiteral("Say \"hi\""), QStringLiteral("x"), {}},
-        {"\"Old\"=hex(1):61,0d,0a,62,00", QStringLiteral("Old"), QStringLiteral("a\r\nb"), {}},
-        {"\"A\"=\"B\"=\"C\"",
-         QStringLiteral("A"),
-         {},
-         QStringLiteral(
-             "more follows the text's closing quote: =\"C\"; skipped: \"A\"=\"B\"=\"C\"")},
-        {"\"A\"=x=y",
-         QStringLiteral("A"),
-         {},
-         QStringLiteral("the data is no quoted text, dword:, hex: or -; skipped: \"A\"=x=y")},
-        {"\"Multi\"=hex(7):41,00,00",
-         QStringLiteral("Multi"),
-         {},
-         QStringLiteral("hex(7) is a type the settings do not keep; skipped: "
-                        "\"Multi\"=hex(7):41,00,00")},
-        {"Bare=\"x\"",
-         QStringLiteral("Bare"),
-         {},
-         QStringLiteral("the value name is not in double quotes; skipped: Bare=\"x\"")},
-        {"\"Open\"=\"quote",
-         QStringLiteral("Open"),
-         {},
-         QStringLiteral("the text's closing quote is missing; skipped: \"Open\"=\"quote")},
-        {QByteArray("\x01garbage\0after the NUL", 22),
-         QStringLiteral("garbage"),
-         {},
-         QStringLiteral("the value name is not in double quotes; skipped: "
-                        "\\x01garbage\\x00after the NUL")},
+    const Row rows[] = {
+        {"texts", nullptr, R"(REGEDIT4
+[HKEY_CURRENT_USER\Software\Import]
+"Trigger"="="
+"Channels0"="Op \"Quoted\" = yes"
+"IdleMsg"="1+1=2 is math"
+"Path"="C:\\Games\\"
+"Say \"hi\""="x"
+"Old"=hex(1):61,0d,0a,62,00
+)",
+         R"([Import] "Trigger"="=" "Channels0"="Op \"Quoted\" = yes" "IdleMsg"="1+1=2 is math" )"
+         R"("Path"="C:\\Games\\" "Say \"hi\""="x" "Old"=hex(1):61,0D,0A,62,00)",
+         "", 6},
+        {"spaces, case, comments, continued lines, numbers", nullptr, R"(regedit4
+[HKEY_CURRENT_USER\Software\Import]
+  "Spaced "  =  "padded"  
+; "Comment"="no"
+"Hex"=HEX:41,42
+"Long"=hex:41,\
+   42,43
+"Num"=DWORD:0000002a
+[HKEY_CURRENT_USER\Software\Import\New]
+"Made"=dword:1
+)",
+         "[Import] \"Spaced \"=\"padded\" \"Hex\"=hex:41,42 \"Long\"=hex:41,42,43 "
+         "\"Num\"=dword:0000002A\n[Import\\New] \"Made\"=dword:00000001",
+         "", 5},
+        {"deletions", R"(REGEDIT4
+[HKEY_CURRENT_USER\Software\Import]
+@="old default"
+"Gone"="x"
+[HKEY_CURRENT_USER\Software\Doomed]
+)",
+         R"(REGEDIT4
+[HKEY_CURRENT_USER\Software\Import]
+@=""
+"Gone"=-
+[-HKEY_CURRENT_USER\Software\Doomed]
+"Ignored"="the section of a deleted key has no body"
+)",
+         "[Import]", "", 0},
+        {"lines it cannot read", nullptr, R"(REGEDIT4
+"Stray"="before any key"
+[HKCU\Software\Bad]
+"First"=dword:00000001
+"Broken"=dword:12x
+"Nul<NUL>Name"="x"
+"Blob"=hex:4G
+"A"="B"="C"
+"A"=x=y
+"Multi"=hex(7):41,00,00
+Bare="x"
+"Open"="quote
+<SOH>garbage<NUL>after the NUL
+[HKXX\Software\Nowhere]
+"Lost"="x"
+[HKEY_LOCAL_MACHINE\Software\Machine]
+"Lost"="x"
+[HKCU\Software\Bad]
+"Later"=dword:00000002
+"Wide"=dword:123456789
+)",
+         "[Bad] \"First\"=dword:00000001 \"Broken\"=dword:00000012 \"Later\"=dword:00000002 "
+         "\"Wide\"=dword:23456789",
+         R"(line 2: a value before the first [key]; skipped: "Stray"="before any key"
+line 5: dword:12x is not up to eight hexadecimal digits; stored 18
+line 6: the value name holds a NUL; skipped: "Nul\x00Name"="x"
+line 7: hex:4G is not hexadecimal; skipped: "Blob"=hex:4G
+line 8: more follows the text's closing quote: ="C"; skipped: "A"="B"="C"
+line 9: the data is no quoted text, dword:, hex: or -; skipped: "A"=x=y
+line 10: hex(7) is a type the settings do not keep; skipped: "Multi"=hex(7):41,00,00
+line 11: the value name is not in double quotes; skipped: Bare="x"
+line 12: the text's closing quote is missing; skipped: "Open"="quote
+line 13: the value name is not in double quotes; skipped: \x01garbage\x00after the NUL
+line 14: [HKXX\Software\Nowhere]: the key's root is unknown; its values were skipped
+line 16: [HKEY_LOCAL_MACHINE\Software\Machine]: HKEY_LOCAL_MACHINE is read-only here; )"
+         "its values were skipped\n"
+         "line 20: dword:123456789 is not up to eight hexadecimal digits; stored 591751049",
+         4},
     };
-    const QString key = QStringLiteral("HKCU\\Software\\Quoted");
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.line.toStdString());
+    int n = 0;
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
         RegistryWrapper store(QStringLiteral(":memory:"));
+        if (row.before) {
+            ASSERT_TRUE(store.ImportRegText(QByteArray(row.before).replace("\n", "\r\n")));
+        }
+        store.setCreateKeyIfDoesntExists(false);
+        const QString file = QStringLiteral("in%1.reg").arg(++n);
+        writeFile(file, QByteArray(row.file)
+                            .replace("\n", "\r\n")
+                            .replace("<NUL>", QByteArray(1, '\0'))
+                            .replace("<SOH>", "\x01"));
         RegistryWrapper::ImportReport report;
-        ASSERT_TRUE(store.ImportRegText(
-            "REGEDIT4\r\n[HKEY_CURRENT_USER\\Software\\Quoted]\r\n" + c.line + "\r\n", &report));
-        EXPECT_EQ(store.ValueExists(key, c.name), !c.stored.isNull());
-        EXPECT_EQ(store.ReadSTRING(key, c.name, QStringLiteral("(none)")),
-                  c.stored.isNull() ? QStringLiteral("(none)") : c.stored);
-        EXPECT_EQ(report.notes, c.note.isEmpty()
-                                    ? QStringList{}
-                                    : QStringList{QStringLiteral("line 3: ") + c.note});
-        EXPECT_EQ(report.values, c.stored.isNull() ? 0 : 1);
+        ASSERT_TRUE(store.ImportFromReg(path(file), &report));
+        EXPECT_EQ(report.notes.join(u'\n'), QString::fromUtf8(row.notes));
+        EXPECT_EQ(report.values, row.values);
+        EXPECT_TRUE(store.CreateKeyIfDoesntExists());
+        // "@=\"\"" deletes the default; no row leaves one.
+        EXPECT_FALSE(store.ValueExists(QStringLiteral("HKCU\\Software\\Import"), QString()));
+        ASSERT_TRUE(store.ExportToReg(QStringLiteral("HKCU\\Software"), path(file + u'x'), true));
+        QString holds = cp1252::decode(readFile(file + u'x'));
+        holds.replace(QStringLiteral("\r\n\r\n"), QStringLiteral("\n"))
+            .replace(QStringLiteral("\r\n"), QStringLiteral(" "))
+            .remove(QStringLiteral(" @=\"\""))
+            .remove(QStringLiteral("HKEY_CURRENT_USER\\Software\\"));
+        EXPECT_EQ(holds.section(u'\n', 2).trimmed(), QString::fromUtf8(row.holds));
     }
+
+    EXPECT_FALSE(store_.ImportFromReg(path("missing.reg")));
+    writeFile(QStringLiteral("v5.reg"), "Windows Registry Editor Version 5.00\r\n\r\n");
+    EXPECT_FALSE(store_.ImportFromReg(path("v5.reg")));
+    // Lines end in CR LF: a file of bare LF is one long first line.
+    writeFile(QStringLiteral("lf.reg"), "REGEDIT4\n\n[HKEY_CURRENT_USER\\Software\\Lf]\n");
+    EXPECT_FALSE(store_.ImportFromReg(path("lf.reg")));
 }
 
 // Whatever a profile's key holds (any names, texts of any Windows-1252
@@ -476,53 +500,6 @@ TEST_F(Store, EveryValueOfAProfileSurvivesExportAndImport) {
     };
     for (const QString& profile : keys(profiles))
         EXPECT_EQ(valuesOf(other, profile), valuesOf(store_, profile));
-}
-
-TEST_F(Store, ImportRefusalsAndLinesItCouldNotRead) {
-    EXPECT_FALSE(store_.ImportFromReg(path("missing.reg")));
-    writeFile(QStringLiteral("v5.reg"), "Windows Registry Editor Version 5.00\r\n\r\n");
-    EXPECT_FALSE(store_.ImportFromReg(path("v5.reg")));
-    // Lines end in CR LF: a file of bare LF is one long first line.
-    writeFile(QStringLiteral("lf.reg"), "REGEDIT4\n\n[HKEY_CURRENT_USER\\Software\\Lf]\n");
-    EXPECT_FALSE(store_.ImportFromReg(path("lf.reg")));
-
-    // Every line passed over or read by a guess is named by its number, and
-    // the import goes on past it.
-    writeFile(QStringLiteral("bad.reg"),
-              QByteArray("REGEDIT4\r\n\"Stray\"=\"before any key\"\r\n[HKCU\\Software\\Bad]\r\n"
-                         "\"First\"=dword:00000001\r\n"
-                         "\"Broken\"=dword:12x\r\n"
-                         "no equals sign\r\n"
-                         "\"Nul") +
-                  '\0' +
-                  QByteArray("Name\"=\"x\"\r\n"
-                             "\"Blob\"=hex:4G\r\n"
-                             "[HKXX\\Software\\Nowhere]\r\n\"Lost\"=\"x\"\r\n"
-                             "[HKEY_LOCAL_MACHINE\\Software\\Machine]\r\n\"Lost\"=\"x\"\r\n"
-                             "[HKCU\\Software\\Bad]\r\n\"Later\"=dword:00000002\r\n"));
-    RegistryWrapper::ImportReport report;
-    EXPECT_TRUE(store_.ImportFromReg(path("bad.reg"), &report));
-    const QString bad = QStringLiteral("HKCU\\Software\\Bad");
-    EXPECT_EQ(store_.ReadDWORD(bad, QStringLiteral("First")), 1);
-    EXPECT_EQ(store_.ReadDWORD(bad, QStringLiteral("Broken")), 0x12) << "the digits at its start";
-    EXPECT_EQ(store_.ReadDWORD(bad, QStringLiteral("Later")), 2);
-    EXPECT_EQ(report.values, 3);
-    EXPECT_EQ(report.notes,
-              (QStringList{
-                  QStringLiteral("line 2: a value before the first [key]; skipped: "
-                                 "\"Stray\"=\"before any key\""),
-                  QStringLiteral("line 5: dword:12x is not up to eight hexadecimal digits; "
-                                 "stored 18"),
-                  QStringLiteral("line 6: the value name is not in double quotes; skipped: "
-                                 "no equals sign"),
-                  QStringLiteral("line 7: the value name holds a NUL; skipped: "
-                                 "\"Nul\\x00Name\"=\"x\""),
-                  QStringLiteral("line 8: hex:4G is not hexadecimal; skipped: \"Blob\"=hex:4G"),
-                  QStringLiteral("line 9: [HKXX\\Software\\Nowhere]: the key's root is unknown; "
-                                 "its values were skipped"),
-                  QStringLiteral("line 11: [HKEY_LOCAL_MACHINE\\Software\\Machine]: "
-                                 "HKEY_LOCAL_MACHINE is read-only here; its values were skipped"),
-              }));
 }
 
 // A store held by some other program (a database tool, a backup) is not

@@ -179,7 +179,9 @@ TEST_F(Settings, StartupWritesSettingsBack) {
     EXPECT_FALSE(settings_.WindowsStartup());
 }
 
-TEST(Profile, EmptyNameGuardsEverythingButChannels) {
+// Without a name a profile guards everything but its channels; with one its values live in
+// the profiles' key.
+TEST(Profile, ValuesLiveInTheProfilesKey) {
     RegistryWrapper store(QStringLiteral(":memory:"));
     ConfigWrapper config(store);
     EXPECT_EQ(config.Trigger(), QString()) << "not the default \".\"";
@@ -190,11 +192,7 @@ TEST(Profile, EmptyNameGuardsEverythingButChannels) {
     EXPECT_EQ(store.ReadSTRING(SettingsWrapper::RootKey() + QStringLiteral("Profiles"),
                                QStringLiteral("Channels4")),
               QStringLiteral("--"));
-}
 
-TEST(Profile, ValuesLiveInTheProfilesKey) {
-    RegistryWrapper store(QStringLiteral(":memory:"));
-    ConfigWrapper config(store);
     config.Profile = QStringLiteral("Main");
     const QString key = SettingsWrapper::RootKey() + QStringLiteral("Profiles\\Main");
     EXPECT_EQ(config.profileKey(), key);
@@ -214,6 +212,7 @@ TEST(Profile, ValuesLiveInTheProfilesKey) {
     EXPECT_TRUE(config.StartupLoad());
 
     EXPECT_EQ(config.Channels(0), QStringLiteral("Op :+"));
+    EXPECT_EQ(config.Channels(1), QStringLiteral("Clan DbM"));
     EXPECT_EQ(config.Channels(2), QStringLiteral("Clan DbM"));
     EXPECT_FALSE(store.ValueExists(key, QStringLiteral("Channels0")));
     EXPECT_EQ(config.Channels(5), QStringLiteral("--"));
@@ -221,10 +220,6 @@ TEST(Profile, ValuesLiveInTheProfilesKey) {
     config.setChannels(5, QStringLiteral("Home"));
     EXPECT_EQ(config.Channels(5), QStringLiteral("Home"));
 }
-
-} // namespace
-
-namespace {
 
 // The choices the terminal offers and holds a value to.
 TEST(SettingLimits, EachLimitedValueHasItsChoices) {

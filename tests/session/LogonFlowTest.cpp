@@ -24,16 +24,11 @@ QByteArray text(const char* s) {
     return QByteArray(s) + '\0';
 }
 
-// The ids of the frames a socket sent, after the protocol byte.
-std::vector<int> frameIds(const SocketControl& socket, bool bnls) {
+// The ids of the frames the Battle.net socket sent; -1 for the protocol byte.
+std::vector<int> frameIds(const SocketControl& socket) {
     std::vector<int> ids;
-    for (const QByteArray& data : socket.sent) {
-        if (data.size() == 1 && !bnls) {
-            ids.push_back(-1); // the protocol byte
-            continue;
-        }
-        ids.push_back(quint8(bnls ? data[2] : data[1]));
-    }
+    for (const QByteArray& data : socket.sent)
+        ids.push_back(data.size() == 1 ? -1 : quint8(data[1]));
     return ids;
 }
 
@@ -65,28 +60,6 @@ protected:
 
 } // namespace
 
-TEST_F(LogonFlowTest, WarcraftThreeWithLocalHashingConnectsStraightToBattleNet) {
-    const int i = loadProfile(QStringLiteral("WAR3"), true);
-    // Without the game's folder there is nothing to hash: said before connecting.
-    SettingsWrapper::instance().setPathWAR3(QString());
-    SlotTable::instance().ConnectBot(i);
-    EXPECT_TRUE(chat(i).contains(QStringLiteral(
-        "[BncsUtil] Cannot connect: LocalHashing is on and PathWAR3 (the WarCraft III folder) is "
-        "empty; set it with: corvantide config set Settings PathWAR3 FOLDER.")));
-    EXPECT_EQ(wsBNET(i).State(), SocketControl::Closed);
-
-    QTemporaryDir game;
-    for (const char* name : {"War3.exe", "Storm.dll", "Game.dll"}) {
-        QFile file(game.filePath(QLatin1String(name)));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    }
-    SettingsWrapper::instance().setPathWAR3(game.path());
-    SlotTable::instance().ConnectBot(i);
-    EXPECT_EQ(wsBNET(i).State(), SocketControl::Connecting);
-    EXPECT_EQ(wsBNLS(i).State(), SocketControl::Closed);
-    SettingsWrapper::instance().setPathWAR3(QString());
-}
-
 TEST_F(LogonFlowTest, AFailedBnlsCheckStaysAtTheHeadOfTheStream) {
     const int i = loadProfile(QStringLiteral("STAR"), false);
     SlotTable::instance().ConnectBot(i);
@@ -104,7 +77,7 @@ TEST_F(LogonFlowTest, AServerKeyOfZeroModuloNGetsNoProof) {
     wsBNET(i).simulateConnected();
     Bots(i).Connection.Output_AuthLogon_NLS(i);
     serverSends(i, 0x53, dword(0) + QByteArray(64, '\0')); // salt, then B = 0
-    const std::vector<int> ids = frameIds(wsBNET(i), false);
+    const std::vector<int> ids = frameIds(wsBNET(i));
     EXPECT_EQ(std::count(ids.begin(), ids.end(), 0x54), 0);
     EXPECT_TRUE(chat(i).contains(QStringLiteral("[BNET] The server's logon challenge is unusable "
                                                 "(its key is 0 modulo N); no password proof was "
@@ -126,7 +99,7 @@ TEST_F(LogonFlowTest, PingSpoofSendsItsExactCounts) {
         SlotTable::instance().ConnectBot(i);
         wsBNLS(i).simulateConnected();
         wsBNET(i).simulateConnected();
-        const std::vector<int> ids = frameIds(wsBNET(i), false);
+        const std::vector<int> ids = frameIds(wsBNET(i));
         EXPECT_EQ(std::count(ids.begin(), ids.end(), 0x00), c.emptyFrames) << c.spoof;
         EXPECT_EQ(std::count(ids.begin(), ids.end(), 0x25), c.pingsAfterAuthInfo) << c.spoof;
         const qsizetype before = wsBNET(i).sent.size();
@@ -186,26 +159,22 @@ TEST_F(LogonFlowTest, KeyRefusalsEndInTheirReason) {
 }
 
 // The name the server gave may differ from the account's; it, not the account, is the bot's
-// name in chat.
+// name in chat. The server's keep-alive gets no echo (some servers echo that in turn), and a
+// packet the bot does not know is dumped.
 TEST_F(LogonFlowTest, EnteringChatTakesTheGivenNameAndAsksForFriends) {
     const int i = loadConnected(QStringLiteral("named"));
-    serverSends(i, 0x0A, text("Tester#2") + text("RATS 0 0 0 0 0 0 0 0 RATS") + text("Tester"));
-    EXPECT_TRUE(Bots(i).Online());
-    EXPECT_EQ(Bots(i).UniqueAccount, QStringLiteral("Tester#2"));
-    EXPECT_EQ(frameIds(wsBNET(i), false).back(), 0x65);
-}
-
-TEST_F(LogonFlowTest, KeepAliveIsNotAnsweredAndUnknownPacketsAreDumped) {
-    const int i = loadConnected(QStringLiteral("plain"));
     serverSends(i, 0x00, {});
     serverSends(i, 0x5A, "xyz");
-    // The server's keep-alive gets no echo: some servers echo that in turn.
     EXPECT_TRUE(wsBNET(i).sent.isEmpty());
     EXPECT_TRUE(chat(i).contains(QStringLiteral("Unhandled packet: 0x5A")));
     EXPECT_TRUE(chat(i).contains(QStringLiteral("FF 5A 07 00 78 79 7A")));
+    serverSends(i, 0x0A, text("Tester#2") + text("RATS 0 0 0 0 0 0 0 0 RATS") + text("Tester"));
+    EXPECT_TRUE(Bots(i).Online());
+    EXPECT_EQ(Bots(i).UniqueAccount, QStringLiteral("Tester#2"));
+    EXPECT_EQ(frameIds(wsBNET(i)).back(), 0x65);
 }
 
-TEST_F(LogonFlowTest, MissingSettingsAreAllNamedAndNoSocketOpens) {
+TEST_F(LogonFlowTest, MissingSettingsAreAllNamedAndNoSocketOpensWithoutThem) {
     const int i = SlotTable::instance().LoadProfile(QStringLiteral("empty-profile"));
     wsBNET(i).setDetached(true);
     SlotTable::instance().ConnectBot(i);
@@ -230,4 +199,25 @@ TEST_F(LogonFlowTest, MissingSettingsAreAllNamedAndNoSocketOpens) {
         "a BNLS server; set it with: corvantide profile set flow-STAR ServerBNLS HOST[:PORT].")));
     EXPECT_EQ(wsBNLS(star).State(), SocketControl::Closed);
     EXPECT_FALSE(Bots(star).CanConnect);
+
+    // WarCraft III with local hashing connects straight to Battle.net.
+    const int war3 = loadProfile(QStringLiteral("WAR3"), true);
+    // Without the game's folder there is nothing to hash: said before connecting.
+    SettingsWrapper::instance().setPathWAR3(QString());
+    SlotTable::instance().ConnectBot(war3);
+    EXPECT_TRUE(chat(war3).contains(QStringLiteral(
+        "[BncsUtil] Cannot connect: LocalHashing is on and PathWAR3 (the WarCraft III folder) is "
+        "empty; set it with: corvantide config set Settings PathWAR3 FOLDER.")));
+    EXPECT_EQ(wsBNET(war3).State(), SocketControl::Closed);
+
+    QTemporaryDir game;
+    for (const char* name : {"War3.exe", "Storm.dll", "Game.dll"}) {
+        QFile file(game.filePath(QLatin1String(name)));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    }
+    SettingsWrapper::instance().setPathWAR3(game.path());
+    SlotTable::instance().ConnectBot(war3);
+    EXPECT_EQ(wsBNET(war3).State(), SocketControl::Connecting);
+    EXPECT_EQ(wsBNLS(war3).State(), SocketControl::Closed);
+    SettingsWrapper::instance().setPathWAR3(QString());
 }

@@ -59,35 +59,30 @@ TEST(PacketReader, RepeatedStringsShareTheirTextAndEachStaysItsOwn) {
     EXPECT_TRUE(first.ReadSharedSTRING().isSharedWith(second.ReadSharedSTRING()));
 }
 
-// A read cut short by the end still moves the cursor by its full width.
-TEST(PacketReader, ShortReadsMoveTheCursorByTheirFullWidth) {
+// A read cut short by the end still moves the cursor by its full width; a read past the
+// end, at cursor zero or past the sixteen bits of the cursor is an error.
+TEST(PacketReader, ShortReadsMoveTheCursorByTheirFullWidthAndReadsPastItAreErrors) {
     PacketReader r = readerOf(QByteArray(14, 'x'));
     r.Skip(4);
     EXPECT_EQ(r.ReadVOID(32).size(), 10);
     EXPECT_EQ(r.GetPosition(), 5 + 32);
+    EXPECT_EQ(r.ReadBYTE(14), 'x');
+    EXPECT_THROW(r.ReadBYTE(15), PacketReadError);
 
     PacketReader word = readerOf(QByteArray("\x01\x02\x03", 3));
     word.Skip(2);
     word.ReadDWORD();
     EXPECT_EQ(word.GetPosition(), 7);
-}
+    EXPECT_THROW(word.ReadDWORD(), PacketReadError);
 
-TEST(PacketReader, ReadsPastTheEndOrAtCursorZeroAreErrors) {
-    PacketReader r = readerOf(QByteArray("\x01\x02", 2));
-    r.Skip(2);
-    EXPECT_THROW(r.ReadBYTE(), PacketReadError);
-    EXPECT_THROW(r.ReadDWORD(), PacketReadError);
+    word.ClearBuffer();
+    EXPECT_EQ(word.GetPosition(), 0);
+    EXPECT_THROW(word.ReadBYTE(), PacketReadError);
+    EXPECT_THROW(word.ReadSTRING(), PacketReadError);
 
-    r.ClearBuffer();
-    EXPECT_EQ(r.GetPosition(), 0);
-    EXPECT_THROW(r.ReadBYTE(), PacketReadError);
-    EXPECT_THROW(r.ReadSTRING(), PacketReadError);
-}
-
-TEST(PacketReader, TheCursorIsSixteenBitsWide) {
-    PacketReader r = readerOf(QByteArray(40000, 'x'));
-    r.Skip(32766);
-    EXPECT_EQ(r.GetPosition(), 32767);
-    EXPECT_EQ(r.ReadBYTE(32767), 'x');
-    EXPECT_THROW(r.ReadBYTE(), PacketReadError);
+    PacketReader wide = readerOf(QByteArray(40000, 'x'));
+    wide.Skip(32766);
+    EXPECT_EQ(wide.GetPosition(), 32767);
+    EXPECT_EQ(wide.ReadBYTE(32767), 'x');
+    EXPECT_THROW(wide.ReadBYTE(), PacketReadError);
 }

@@ -3,9 +3,18 @@
 
 class PacketWriterTest : public SlotFixture {};
 
+// Nothing goes out on a closed socket; chat-only ids are dropped offline.
 TEST_F(PacketWriterTest, ChatOnlyIdsAreDroppedOfflineAndLeaveNothingBehind) {
-    const int i = loadConnected(QStringLiteral("alpha"));
     PacketWriter w;
+    const int closed = SlotTable::instance().LoadProfile(QStringLiteral("closed"));
+    wsBNET(closed).setDetached(true);
+    w.WriteDWORD(5);
+    w.SendPacket(closed, 0x25);
+    w.SendPacket(closed, 0x25, true);
+    EXPECT_TRUE(wsBNET(closed).sent.isEmpty());
+    EXPECT_TRUE(w.payload().isEmpty());
+
+    const int i = loadConnected(QStringLiteral("alpha"));
     for (quint8 id : {0x0E, 0x26, 0x27, 0x10}) {
         w.WriteSTRING(QStringLiteral("hello"));
         w.SendPacket(i, id);
@@ -22,17 +31,6 @@ TEST_F(PacketWriterTest, ChatOnlyIdsAreDroppedOfflineAndLeaveNothingBehind) {
     w.WriteSTRING(QStringLiteral("hi"));
     w.SendPacket(i, 0x0E);
     EXPECT_EQ(wsBNET(i).sent.last(), QByteArray::fromHex("ff0e07006869" "00"));
-}
-
-TEST_F(PacketWriterTest, NothingGoesOutOnAClosedSocket) {
-    const int i = SlotTable::instance().LoadProfile(QStringLiteral("alpha"));
-    wsBNET(i).setDetached(true);
-    PacketWriter w;
-    w.WriteDWORD(5);
-    w.SendPacket(i, 0x25);
-    w.SendPacket(i, 0x25, true);
-    EXPECT_TRUE(wsBNET(i).sent.isEmpty());
-    EXPECT_TRUE(w.payload().isEmpty());
 }
 
 TEST(PacketFrames, OnlyTheLowSixteenBitsOfTheLengthAreWritten) {

@@ -22,3 +22,16 @@ TEST(ReconnectWaits, GrowWithEachDropAndStartAfreshOnlyAfterASteadySession) {
     now += ReconnectPlan::kSteadySession;
     expectWait(15000u);
 }
+
+// The wait as the line "Reconnecting in ..." says it, rounded up to whole seconds.
+TEST(ReconnectWaits, AreSaidInMinutesAndSeconds) {
+    const std::pair<quint32, const char*> rows[] = {
+        {999, "1 second"},
+        {15000, "15 seconds"},
+        {60000, "1 minute"},
+        {61001, "1 minute 2 seconds"},
+        {125000, "2 minutes 5 seconds"},
+    };
+    for (const auto& [ms, text] : rows)
+        EXPECT_EQ(ReconnectPlan::waitText(ms), QLatin1String(text)) << ms;
+}

@@ -29,15 +29,14 @@ TEST_F(SlotTableTest, LoadingAfterAnUnloadReusesTheLowestFreeSlot) {
     EXPECT_EQ(Bots(2).Profile(), QStringLiteral("e"));
     EXPECT_EQ(Bots(4).Index(), 4);
     EXPECT_EQ(rtbChat(4).Tag, QStringLiteral("f"));
-}
 
-TEST_F(SlotTableTest, LoadingEmptiesWhatTheReusedSlotShowed) {
-    const int i = table().LoadProfile("a");
+    // Loading empties what the reused slot showed.
+    const int i = 2;
     rtbChat(i).append(u"old text", {});
     lvUsers(i).add(ListItem::withText(QStringLiteral("someone")));
     Bots(i).userAdd("someone", 0, 0, {}, 0);
-    table().UnloadProfile("a");
-    EXPECT_EQ(table().LoadProfile("b"), i);
+    table().UnloadProfile("e");
+    EXPECT_EQ(table().LoadProfile("g"), i);
     EXPECT_TRUE(rtbChat(i).isEmpty());
     EXPECT_EQ(lvUsers(i).count(), 0);
     EXPECT_TRUE(Bots(i).Users.empty());
@@ -45,35 +44,31 @@ TEST_F(SlotTableTest, LoadingEmptiesWhatTheReusedSlotShowed) {
     EXPECT_FALSE(Bots(i).Online());
 }
 
+// Selecting a slot clears its unseen-talk mark; unloading the active one shows the first
+// loaded one; an unknown profile is a warning that changes nothing.
 TEST_F(SlotTableTest, UnloadingTheActiveSlotShowsTheFirstLoadedOneAndKeepsTheArrays) {
     table().LoadProfile("a");
     table().LoadProfile("b");
     table().LoadProfile("c");
+    Bots(1).IsActive = true;
+    Bots(1).LastActive = 55;
     table().SelectBot(1);
-    table().UnloadProfile("a");
-    EXPECT_EQ(table().CurrentIndex(), 2);
-    EXPECT_EQ(table().highestIndex(), 3);
-    EXPECT_FALSE(Bots(1).IsLoaded);
-    EXPECT_TRUE(Bots(1).Profile().isEmpty());
-}
+    EXPECT_EQ(table().CurrentIndex(), 1);
+    EXPECT_FALSE(Bots(1).IsActive);
+    EXPECT_EQ(Bots(1).LastActive, 0u);
 
-TEST_F(SlotTableTest, UnloadingAnUnknownProfileWarnsAndChangesNothing) {
-    table().LoadProfile("a");
     QSignalSpy box(&table(), &SlotTable::messageBox);
     EXPECT_FALSE(table().UnloadProfile("zzz"));
     ASSERT_EQ(box.count(), 1);
     EXPECT_EQ(box[0][1].toString(), QStringLiteral("Error occurred, zzz was not found in memory."));
     EXPECT_TRUE(Bots(1).IsLoaded);
-}
+    EXPECT_EQ(table().CurrentIndex(), 1);
 
-TEST_F(SlotTableTest, SelectingASlotClearsItsUnseenTalkMark) {
-    const int i = table().LoadProfile("a");
-    Bots(i).IsActive = true;
-    Bots(i).LastActive = 55;
-    table().SelectBot(i);
-    EXPECT_EQ(table().CurrentIndex(), i);
-    EXPECT_FALSE(Bots(i).IsActive);
-    EXPECT_EQ(Bots(i).LastActive, 0u);
+    table().UnloadProfile("a");
+    EXPECT_EQ(table().CurrentIndex(), 2);
+    EXPECT_EQ(table().highestIndex(), 3);
+    EXPECT_FALSE(Bots(1).IsLoaded);
+    EXPECT_TRUE(Bots(1).Profile().isEmpty());
 }
 
 TEST_F(SlotTableTest, TheProfilesMenuOffersStoredProfilesNotLoaded) {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QStringList>
+#include <functional>
 #include <vector>
 
 namespace {
@@ -99,44 +100,50 @@ TEST(BncsCutter, ReadsYieldWholeFramesInOrderAndBrokenStreamsStop) {
     }
 }
 
-TEST(BncsCutter, AHandlerThatReadsPastItsFrameDropsOnlyThatFrame) {
-    BncsStream s;
-    s.onFrame = [](PacketReader& r, quint8 id) {
-        if (id == 0x0F)
-            r.ReadDWORD(), r.ReadDWORD();
+// What a handler does to the stream it is called from: it reads past its frame, more data
+// arrives meanwhile, or it empties the buffer and puts in what comes next.
+TEST(BncsCutter, AHandlerCostsAtMostItsOwnFrame) {
+    struct Row {
+        const char* name;
+        QByteArray read;
+        std::function<void(BncsStream&, PacketReader&, quint8)> handler;
+        std::vector<quint8> ids;
+        std::vector<quint8> malformed;
     };
-    s.feed(bncs(0x0F, "abc") + bncs(0x25, "wxyz"));
-    EXPECT_EQ(s.malformed, std::vector<quint8>{0x0F});
-    ASSERT_EQ(s.frames.size(), 2u);
-    EXPECT_EQ(s.frames[1].id, 0x25);
-}
-
-TEST(BncsCutter, DataArrivingDuringAHandlerIsCutAfterItNotTwice) {
-    BncsStream s;
-    bool nested = false;
-    s.onFrame = [&](PacketReader&, quint8 id) {
-        if (id == 0x53 && !nested) {
-            nested = true;
-            s.feed(bncs(0x54, "late"));
-        }
+    const Row rows[] = {
+        {"a read past the frame",
+         bncs(0x0F, "abc") + bncs(0x25, "wxyz"),
+         [](BncsStream&, PacketReader& r, quint8 id) {
+             if (id == 0x0F) r.ReadDWORD(), r.ReadDWORD();
+         },
+         {0x0F, 0x25},
+         {0x0F}},
+        {"data arriving during a handler is cut after it, not twice",
+         bncs(0x53, "first"),
+         [](BncsStream& s, PacketReader&, quint8 id) {
+             if (id == 0x53) s.feed(bncs(0x54, "late"));
+         },
+         {0x53, 0x54},
+         {}},
+        {"a handler that empties the stream",
+         bncs(0x13, "") + bncs(0x0F, "gone"),
+         [](BncsStream& s, PacketReader&, quint8 id) {
+             if (id == 0x13) s.in.clear(), s.in.append(bncs(0x25, "next"));
+         },
+         {0x13, 0x25},
+         {}},
     };
-    s.feed(bncs(0x53, "first"));
-    ASSERT_EQ(s.frames.size(), 2u);
-    EXPECT_EQ(s.frames[0].id, 0x53);
-    EXPECT_EQ(s.frames[1].id, 0x54);
-}
-
-TEST(BncsCutter, AHandlerThatEmptiesTheStreamLosesNothingThatCameAfter) {
-    BncsStream s;
-    s.onFrame = [&](PacketReader&, quint8 id) {
-        if (id == 0x13) {
-            s.in.clear();
-            s.in.append(bncs(0x25, "next"));
-        }
-    };
-    s.feed(bncs(0x13, "") + bncs(0x0F, "gone"));
-    ASSERT_EQ(s.frames.size(), 2u);
-    EXPECT_EQ(s.frames[1].id, 0x25);
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        BncsStream s;
+        s.onFrame = [&](PacketReader& r, quint8 id) { row.handler(s, r, id); };
+        s.feed(row.read);
+        std::vector<quint8> ids;
+        for (const Seen& f : s.frames)
+            ids.push_back(f.id);
+        EXPECT_EQ(ids, row.ids);
+        EXPECT_EQ(s.malformed, row.malformed);
+    }
 }
 
 TEST(BnlsCutter, CutsFramesWithTheLengthInFrontAndTheIdBehind) {

@@ -315,10 +315,10 @@ VersionAnswer askBnls(quint16 port, const char* product, const Client::Challenge
     return a;
 }
 
-QString logOn(Server& server, Client& client, const char* product, const QString& account,
+QString logOn(quint16 bnlsPort, Client& client, const char* product, const QString& account,
               const QString& password) {
     const ProductFacts& f = facts(product);
-    const auto answer = askBnls(server.bnlsPort(), product, client.identify(product));
+    const auto answer = askBnls(bnlsPort, product, client.identify(product));
     if (client.authCheck(f.keys, answer.version, answer.checksum) != 0) return {};
     quint32 status = 0;
     if (f.newLogon) {

@@ -100,7 +100,7 @@ VersionAnswer askBnls(quint16 port, const char* product, const Client::Challenge
 
 // A whole logon into chat, by the system the product uses, creating the account when it is
 // missing; the name the server gave, or empty.
-QString logOn(Server& server, Client& client, const char* product, const QString& account,
+QString logOn(quint16 bnlsPort, Client& client, const char* product, const QString& account,
               const QString& password);
 
 } // namespace sandboxtest

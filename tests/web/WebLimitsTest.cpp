@@ -116,7 +116,8 @@ TEST_F(WebLimits, AnOversizedMessageClosesItsPageASeventeenthAndAWrongTokenSeeNo
     Page big(port, token);
     Page other(port, token);
     ASSERT_TRUE(waitFor([&] { return big.heardType("welcome") && other.heardType("welcome"); }));
-    big.socket.sendTextMessage(QString(WebPage::kLongestMessage + 1, u'x'));
+    other.socket.sendTextMessage(QString(64 * 1024, u'x')); // the most a page may send
+    big.socket.sendTextMessage(QString(64 * 1024 + 1, u'x'));
     ASSERT_TRUE(waitFor([&] { return big.socket.state() == QAbstractSocket::UnconnectedState; }));
     EXPECT_EQ(big.socket.closeCode(), QWebSocketProtocol::CloseCodeTooMuchData);
     EXPECT_TRUE(waitFor([&] { return console("sent a message over 64 KiB and was closed"); }));

@@ -171,9 +171,7 @@ TEST_F(UserListTest, TheMenuAndAnEditInPlaceMoveTheUser) {
 
     QMenu* alias = list->contextMenu()->findChild<QMenu*>(QStringLiteral("mnuAlias"));
     ASSERT_NE(alias, nullptr);
-    QAction* crew = nullptr;
-    for (QAction* row : alias->actions())
-        crew = row->text() == QLatin1String("Crew") ? row : crew;
+    QAction* crew = row(alias, QStringLiteral("Crew"));
     ASSERT_NE(crew, nullptr);
     crew->trigger();
     EXPECT_EQ(FindAlias(QStringLiteral("bob")), QStringLiteral("Crew"));

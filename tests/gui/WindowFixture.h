@@ -52,6 +52,12 @@ protected:
             if (action->text() == text) return action;
         return nullptr;
     }
+    // Triggers the row of a menu that reads so; a missing row fails the test.
+    static void pick(const QMenu* menu, const QString& text) {
+        QAction* action = row(menu, text);
+        ASSERT_NE(action, nullptr) << text.toStdString();
+        action->trigger();
+    }
     static void event(int slot, quint32 id, const QString& user, const QString& text = {},
                       quint32 flags = 0, quint32 ping = 20) {
         wsBNET(slot).simulateData(chatEventFrame(id, flags, ping, user, text));

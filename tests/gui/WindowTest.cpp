@@ -95,8 +95,8 @@ TEST_F(WindowTest, TabPicturesAndTooltipsFollowTheSlots) {
     EXPECT_FALSE(Bots(online).IsActive);
     EXPECT_FALSE(tabs().guiCloseTab()->isHidden());
     // The rows of its menu act on it.
-    row(window->mnuProfileClick(), QStringLiteral("Always Load"))->trigger();
-    row(window->mnuProfileClick(), QStringLiteral("Disconnect"))->trigger();
+    pick(window->mnuProfileClick(), QStringLiteral("Always Load"));
+    pick(window->mnuProfileClick(), QStringLiteral("Disconnect"));
     EXPECT_TRUE(Bots(online).Config.StartupLoad());
     EXPECT_TRUE(rtbChat(online).text().contains(QStringLiteral("[Connections Closed]")));
 
@@ -154,7 +154,7 @@ TEST_F(WindowTest, TheRequestRowsKeepEachAnswerInItsPlace) {
     const int slot = onlineSlot(QStringLiteral("Asker"));
     SlotTable::instance().SelectBot(slot);
     const auto ask = [this](const QString& request, const QStringList& answers) {
-        row(window->findChild<QMenu*>(QStringLiteral("mnuRequest")), request)->trigger();
+        pick(window->findChild<QMenu*>(QStringLiteral("mnuRequest")), request);
         for (const QString& answer : answers) {
             QInputDialog* box = nullptr;
             for (QInputDialog* shown : window->findChildren<QInputDialog*>())
@@ -227,9 +227,7 @@ TEST_F(WindowTest, StoredProfilesThatAreNotLoadedCanBeLoadedFromTheAddMenu) {
     const int slot = SlotTable::instance().LoadProfile(QStringLiteral("Stored"));
     Bots(slot).Config.setAccount(QStringLiteral("stored"));
     SlotTable::instance().UnloadProfile(QStringLiteral("Stored"));
-    QAction* stored = row(window->mnuProfiles(), QStringLiteral("Stored"));
-    ASSERT_NE(stored, nullptr);
-    stored->trigger();
+    pick(window->mnuProfiles(), QStringLiteral("Stored"));
     EXPECT_NE(SlotTable::instance().findProfile(QStringLiteral("Stored")), 0);
     EXPECT_TRUE(tabs().tabProfiles().contains(QStringLiteral("Stored")));
     EXPECT_EQ(row(window->mnuProfiles(), QStringLiteral("Stored")), nullptr);
@@ -247,8 +245,7 @@ TEST_F(WindowTest, TheWhisperPanelSidebarAndLockFollowTheirSettings) {
     EXPECT_FALSE(window->sidebar()->isVisible());
     window->guiToolbar(5);
     EXPECT_TRUE(window->sidebar()->isVisible());
-    row(window->findChild<QMenu*>(QStringLiteral("mnuWindow")), QStringLiteral("Locked"))
-        ->trigger();
+    pick(window->findChild<QMenu*>(QStringLiteral("mnuWindow")), QStringLiteral("Locked"));
     EXPECT_TRUE(SettingsWrapper::instance().Locked());
     window->resize(100, 100);
     EXPECT_GE(window->width(), frmBot::kMinimumSize.width());
@@ -268,7 +265,7 @@ TEST_F(WindowTest, TheThemeMenuListsTheStyleSheetsAndDressesTheWindow) {
     window->mnuTheme()->actions().first()->trigger(); // Reload List
     ASSERT_TRUE(rows().contains(QStringLiteral("Default")));
     window->setStyleSheet({});
-    row(window->mnuTheme(), QStringLiteral("Default"))->trigger();
+    pick(window->mnuTheme(), QStringLiteral("Default"));
     EXPECT_EQ(SettingsWrapper::instance().ThemeID(), QStringLiteral("Default.theme"));
     EXPECT_FALSE(window->styleSheet().isEmpty());
 }

@@ -165,15 +165,17 @@ TEST_F(ControlPanelTest, ControlsAreBoundToTheirStoredValues) {
     };
     RegistryWrapper& store = RegistryWrapper::instance();
     const QString key = SettingsWrapper::SettingsKey();
+    // A box is ticked in the saves that the bits of its place (from one)
+    // name, so no two tick alike and two boxes swapped show; the last ticks none.
     for (const auto& [row, pairs] : checks) {
         open(row);
-        for (bool on : {true, false}) {
-            for (const QString& pair : pairs)
-                control<QCheckBox>(pair.section(u'=', 0, 0))->setChecked(on);
+        for (int bit : {0, 1, 2, 3, 4}) {
+            for (int at = 0; at < pairs.size(); ++at)
+                control<QCheckBox>(pairs[at].section(u'=', 0, 0))->setChecked((at + 1) >> bit & 1);
             clickSave();
-            for (const QString& pair : pairs)
-                EXPECT_EQ(store.ReadDWORD(key, pair.section(u'=', 1), 7), on ? 1 : 0)
-                    << pair.toStdString();
+            for (int at = 0; at < pairs.size(); ++at)
+                EXPECT_EQ(store.ReadDWORD(key, pairs[at].section(u'=', 1), 7), (at + 1) >> bit & 1)
+                    << pairs[at].toStdString();
         }
     }
 

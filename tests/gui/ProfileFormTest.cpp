@@ -92,8 +92,6 @@ TEST_F(ProfileFormTest, EveryFieldGoesToTheStoreAndComesBack) {
         else
             EXPECT_EQ(stored(profile, f.value), f.stored.toString()) << f.control;
     }
-    // The version byte is also kept as the last one used for the product.
-    EXPECT_EQ(ProfileSheet::storedVerbyte(3), QStringLiteral("0b"));
 
     auto again = openForm();
     for (const Field& f : fields)

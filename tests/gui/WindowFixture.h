@@ -6,6 +6,7 @@
 #include "platform/ChatDocument.h"
 
 #include <QApplication>
+#include <QMenu>
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -44,6 +45,18 @@ protected:
         auto* widget = parent->findChild<Widget*>(QLatin1String(name));
         EXPECT_NE(widget, nullptr) << name;
         return widget;
+    }
+    // The row of a menu that reads so, null when there is none.
+    static QAction* row(const QMenu* menu, const QString& text) {
+        for (QAction* action : menu->actions())
+            if (action->text() == text) return action;
+        return nullptr;
+    }
+    // Triggers the row of a menu that reads so; a missing row fails the test.
+    static void pick(const QMenu* menu, const QString& text) {
+        QAction* action = row(menu, text);
+        ASSERT_NE(action, nullptr) << text.toStdString();
+        action->trigger();
     }
     static void event(int slot, quint32 id, const QString& user, const QString& text = {},
                       quint32 flags = 0, quint32 ping = 20) {

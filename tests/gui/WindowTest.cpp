@@ -95,9 +95,8 @@ TEST_F(WindowTest, TabPicturesAndTooltipsFollowTheSlots) {
     EXPECT_FALSE(Bots(online).IsActive);
     EXPECT_FALSE(tabs().guiCloseTab()->isHidden());
     // The rows of its menu act on it.
-    for (QAction* row : window->mnuProfileClick()->actions()) {
-        if (row->text() == u"Always Load" || row->text() == u"Disconnect") row->trigger();
-    }
+    pick(window->mnuProfileClick(), QStringLiteral("Always Load"));
+    pick(window->mnuProfileClick(), QStringLiteral("Disconnect"));
     EXPECT_TRUE(Bots(online).Config.StartupLoad());
     EXPECT_TRUE(rtbChat(online).text().contains(QStringLiteral("[Connections Closed]")));
 
@@ -154,14 +153,13 @@ TEST_F(WindowTest, TheBotMenuActsOnTheProfileOnScreenOnly) {
 TEST_F(WindowTest, TheRequestRowsKeepEachAnswerInItsPlace) {
     const int slot = onlineSlot(QStringLiteral("Asker"));
     SlotTable::instance().SelectBot(slot);
-    const auto ask = [this](const QString& row, const QStringList& answers) {
-        for (QAction* action : window->findChild<QMenu*>(QStringLiteral("mnuRequest"))->actions())
-            if (action->text() == row) action->trigger();
+    const auto ask = [this](const QString& request, const QStringList& answers) {
+        pick(window->findChild<QMenu*>(QStringLiteral("mnuRequest")), request);
         for (const QString& answer : answers) {
             QInputDialog* box = nullptr;
             for (QInputDialog* shown : window->findChildren<QInputDialog*>())
                 box = shown->isVisible() ? shown : box;
-            ASSERT_NE(box, nullptr) << row.toStdString();
+            ASSERT_NE(box, nullptr) << request.toStdString();
             box->setTextValue(answer);
             box->accept();
         }
@@ -229,16 +227,10 @@ TEST_F(WindowTest, StoredProfilesThatAreNotLoadedCanBeLoadedFromTheAddMenu) {
     const int slot = SlotTable::instance().LoadProfile(QStringLiteral("Stored"));
     Bots(slot).Config.setAccount(QStringLiteral("stored"));
     SlotTable::instance().UnloadProfile(QStringLiteral("Stored"));
-    QAction* row = nullptr;
-    for (QAction* action : window->mnuProfiles()->actions()) {
-        if (action->text() == QLatin1String("Stored")) row = action;
-    }
-    ASSERT_NE(row, nullptr);
-    row->trigger();
+    pick(window->mnuProfiles(), QStringLiteral("Stored"));
     EXPECT_NE(SlotTable::instance().findProfile(QStringLiteral("Stored")), 0);
     EXPECT_TRUE(tabs().tabProfiles().contains(QStringLiteral("Stored")));
-    for (QAction* action : window->mnuProfiles()->actions())
-        EXPECT_NE(action->text(), QStringLiteral("Stored"));
+    EXPECT_EQ(row(window->mnuProfiles(), QStringLiteral("Stored")), nullptr);
 }
 
 TEST_F(WindowTest, TheWhisperPanelSidebarAndLockFollowTheirSettings) {
@@ -253,8 +245,7 @@ TEST_F(WindowTest, TheWhisperPanelSidebarAndLockFollowTheirSettings) {
     EXPECT_FALSE(window->sidebar()->isVisible());
     window->guiToolbar(5);
     EXPECT_TRUE(window->sidebar()->isVisible());
-    for (QAction* row : window->findChild<QMenu*>(QStringLiteral("mnuWindow"))->actions())
-        if (row->text() == u"Locked") row->trigger();
+    pick(window->findChild<QMenu*>(QStringLiteral("mnuWindow")), QStringLiteral("Locked"));
     EXPECT_TRUE(SettingsWrapper::instance().Locked());
     window->resize(100, 100);
     EXPECT_GE(window->width(), frmBot::kMinimumSize.width());
@@ -274,9 +265,7 @@ TEST_F(WindowTest, TheThemeMenuListsTheStyleSheetsAndDressesTheWindow) {
     window->mnuTheme()->actions().first()->trigger(); // Reload List
     ASSERT_TRUE(rows().contains(QStringLiteral("Default")));
     window->setStyleSheet({});
-    for (QAction* action : window->mnuTheme()->actions()) {
-        if (action->text() == QLatin1String("Default")) action->trigger();
-    }
+    pick(window->mnuTheme(), QStringLiteral("Default"));
     EXPECT_EQ(SettingsWrapper::instance().ThemeID(), QStringLiteral("Default.theme"));
     EXPECT_FALSE(window->styleSheet().isEmpty());
 }

@@ -36,15 +36,6 @@ struct Running {
     quint16 bncs = 0, bnls = 0;
 };
 
-// The in-process server's harness, pointed at the program's ports.
-QString logOnTo(const Running& r, Client& c, const QString& account, const QString& password) {
-    const auto answer = askBnls(r.bnls, "STAR", c.identify("STAR"));
-    if (c.authCheck({kStarKey}, answer.version, answer.checksum) != 0) return {};
-    quint32 status = c.oldLogon(account, password);
-    if (status == 1 && c.oldCreate(account, password) == 0) status = c.oldLogon(account, password);
-    return status == 0 ? c.enterChat() : QString();
-}
-
 } // namespace
 
 TEST(SandboxProgram, AnnouncesItsPortsAndKeepsAccountsInItsFile) {
@@ -54,16 +45,17 @@ TEST(SandboxProgram, AnnouncesItsPortsAndKeepsAccountsInItsFile) {
         Running r({"--accounts", accounts, "--account", "zed:pw"});
         ASSERT_TRUE(r.bncs && r.bnls) << r.process.readAllStandardError().toStdString();
         Client c(r.bncs);
-        EXPECT_EQ(logOnTo(r, c, "zed", "pw"), "zed");
+        EXPECT_EQ(logOn(r.bnls, c, "STAR", "zed", "pw"), "zed");
         Client newcomer(r.bncs);
-        EXPECT_EQ(logOnTo(r, newcomer, "newcomer", "secret"), "newcomer");
+        EXPECT_EQ(logOn(r.bnls, newcomer, "STAR", "newcomer", "secret"), "newcomer");
     }
     Running again({"--accounts", accounts});
     ASSERT_TRUE(again.bncs);
     Client c(again.bncs);
-    EXPECT_EQ(logOnTo(again, c, "newcomer", "wrong"), QString()) << "the account came back";
+    EXPECT_EQ(logOn(again.bnls, c, "STAR", "newcomer", "wrong"), QString())
+        << "the account came back";
     Client d(again.bncs);
-    EXPECT_EQ(logOnTo(again, d, "newcomer", "secret"), "newcomer");
+    EXPECT_EQ(logOn(again.bnls, d, "STAR", "newcomer", "secret"), "newcomer");
 }
 
 TEST(SandboxProgram, EndsWhenItsControlInputCloses) {

@@ -141,11 +141,10 @@ std::optional<Event> Client::nextEvent(quint32 id, int timeoutMs) {
     return nextEvent([id](const Event& e) { return e.id == id; }, timeoutMs);
 }
 
-QList<Event> Client::queuedEvents() const {
-    QList<Event> events;
-    for (const Frame& f : m_frames)
-        if (f.id == 0x0F) events.append(parseEvent(f));
-    return events;
+bool Client::noneOf(quint32 id) {
+    sync();
+    return std::none_of(m_frames.begin(), m_frames.end(),
+                        [id](const Frame& f) { return f.id == 0x0F && parseEvent(f).id == id; });
 }
 
 bool Client::closed(int timeoutMs) {
@@ -315,10 +314,10 @@ VersionAnswer askBnls(quint16 port, const char* product, const Client::Challenge
     return a;
 }
 
-QString logOn(Server& server, Client& client, const char* product, const QString& account,
+QString logOn(quint16 bnlsPort, Client& client, const char* product, const QString& account,
               const QString& password) {
     const ProductFacts& f = facts(product);
-    const auto answer = askBnls(server.bnlsPort(), product, client.identify(product));
+    const auto answer = askBnls(bnlsPort, product, client.identify(product));
     if (client.authCheck(f.keys, answer.version, answer.checksum) != 0) return {};
     quint32 status = 0;
     if (f.newLogon) {

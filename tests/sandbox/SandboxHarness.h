@@ -56,8 +56,8 @@ public:
     std::optional<Event> nextEvent(const std::function<bool(const Event&)>& match,
                                    int timeoutMs = kWaitMs);
     std::optional<Event> nextEvent(quint32 id, int timeoutMs = kWaitMs);
-    // Events already here, without waiting.
-    QList<Event> queuedEvents() const;
+    // No event of this id has come by the time a /whoami has gone round.
+    bool noneOf(quint32 id);
     bool closed(int timeoutMs = kWaitMs);
     // Everything the server did about earlier frames has arrived: a /whoami went round.
     void sync();
@@ -100,7 +100,7 @@ VersionAnswer askBnls(quint16 port, const char* product, const Client::Challenge
 
 // A whole logon into chat, by the system the product uses, creating the account when it is
 // missing; the name the server gave, or empty.
-QString logOn(Server& server, Client& client, const char* product, const QString& account,
+QString logOn(quint16 bnlsPort, Client& client, const char* product, const QString& account,
               const QString& password);
 
 } // namespace sandboxtest

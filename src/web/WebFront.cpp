@@ -82,8 +82,7 @@ void WebFront::close() {
     delete m_feed;
     m_feed = nullptr;
     m_http.reset();
-    delete m_listener;
-    m_listener = nullptr;
+    delete m_listener.data();
     m_port = 0;
 }
 

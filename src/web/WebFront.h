@@ -1,15 +1,17 @@
 #pragma once
 
+#include "web/WebListener.h"
+
 #include <QElapsedTimer>
 #include <QHostAddress>
 #include <QObject>
+#include <QPointer>
 #include <QString>
 #include <memory>
 #include <vector>
 
 class PageFeed;
 class QHttpServer;
-class WebListener;
 class WebPage;
 
 // The bot in a browser: one page and its WebSocket, served by the running
@@ -47,7 +49,8 @@ private:
     void reportWrongToken(const QHostAddress& from);
 
     std::unique_ptr<QHttpServer> m_http;
-    WebListener* m_listener;
+    // Owned by the HTTP server once bound to it, by the front before.
+    QPointer<WebListener> m_listener;
     PageFeed* m_feed = nullptr;
     std::vector<WebPage*> m_pages;
     quint16 m_port = 0;

@@ -1,12 +1,14 @@
 #include "WindowFixture.h"
 #include "config/Folders.h"
 #include "config/RegistryWrapper.h"
+#include "control/WebToken.h"
 #include "gui/ChatView.h"
 #include "gui/ControlPanelPage.h"
 #include "gui/frmControlPanel.h"
 #include "platform/ListModel.h"
 
 #include <QButtonGroup>
+#include <QClipboard>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFontDatabase>
@@ -14,8 +16,10 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QSpinBox>
 #include <QTest>
 #include <QVariantMap>
 
@@ -226,6 +230,21 @@ TEST_F(ControlPanelTest, ControlsAreBoundToTheirStoredValues) {
     otherName->clear();
     clickSave();
     EXPECT_EQ(settings.MediaPlayer(), QStringLiteral("Winamp")) << "no player named is Winamp";
+
+    // The web page: an address that is none is refused with its reason and
+    // nothing stored; the token is copied as the front checks it.
+    open(18);
+    control<QSpinBox>("h3hPort")->setValue(8460);
+    control<QLineEdit>("h3hAddress")->setText(QStringLiteral("my.host"));
+    clickSave();
+    EXPECT_TRUE(panel->findChild<QMessageBox*>(QStringLiteral("msgNotSaved")));
+    EXPECT_EQ(settings.WebPort(), 0);
+    control<QLineEdit>("h3hAddress")->setText(QStringLiteral("::1"));
+    clickSave();
+    EXPECT_EQ(settings.WebPort(), 8460);
+    EXPECT_EQ(settings.WebAddress(), QStringLiteral("::1"));
+    QTest::mouseClick(control<QPushButton>("h3hCopy"), Qt::LeftButton);
+    EXPECT_EQ(QApplication::clipboard()->text(), WebToken::Ensure(nullptr));
 }
 
 TEST_F(ControlPanelTest, MasterBoxesDisableTheirCompanionsAndLeaveTheirTicks) {

@@ -5,6 +5,7 @@
 #include "logon/BncsUtil.h"
 #include "logon/NlsServer.h"
 
+#include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 namespace logon {
@@ -66,7 +67,7 @@ TEST(Refusal, ArchiveNames) {
 
 TEST(Refusal, VersionCheckFormulasArchiveNumbersAndFiles) {
     const auto file = [](const char* name) {
-        return (test::kVectors / "checkrevision" / name).string();
+        return (test::kVectors + "checkrevision/" + name).toStdString();
     };
     std::uint32_t checksum = 0xDEADBEEF;
     const auto check = [&](const std::string& formula, int number, const std::string& file3) {
@@ -83,51 +84,49 @@ TEST(Refusal, VersionCheckFormulasArchiveNumbersAndFiles) {
     EXPECT_EQ(check(kFormula, -1, file("file3.bin")), 0);
     EXPECT_EQ(check(kFormula, 8, file("file3.bin")), 0);
     EXPECT_EQ(check(kFormula, 0, file("missing.bin")), 0);
-    EXPECT_EQ(check(kFormula, 0, test::kVectors.string()), 0) << "a folder is no file";
+    EXPECT_EQ(check(kFormula, 0, test::kVectors.toStdString()), 0) << "a folder is no file";
     EXPECT_EQ(checksum, 0xDEADBEEF) << "a refused check leaves the result alone";
     EXPECT_EQ(check("A=4294967295 A=A+S", 0, file("file3.bin")), 1);
 }
 
 class ExeInfoRefusal : public ::testing::Test {
 protected:
-    std::size_t exeInfo(const std::filesystem::path& path, int platform = kPlatformIx86) {
+    std::size_t exeInfo(const QString& path, int platform = kPlatformIx86) {
         version_ = 0xDEADBEEF;
-        return getExeInfo(path.string(), info_, sizeof info_, version_, platform);
+        return getExeInfo(path.toStdString(), info_, sizeof info_, version_, platform);
     }
-    std::filesystem::path write(const std::string& name, const std::vector<std::uint8_t>& bytes) {
-        const auto path = temp_.path() / name;
-        std::ofstream(path, std::ios::binary)
-            .write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
-        return path;
+    QString write(const QString& name, const QByteArray& bytes) {
+        QFile file(temp_.filePath(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+        return file.fileName();
     }
-    static std::vector<std::uint8_t> war3() {
-        std::ifstream in(test::kVectors / "exeinfo" / "War3.exe", std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
-    test::TempDir temp_;
+    const QString war3Path = test::kVectors + "exeinfo/War3.exe";
+    QTemporaryDir temp_;
     char info_[256];
     std::uint32_t version_;
 };
 
 TEST_F(ExeInfoRefusal, FilesThatAreNotPeOrHaveNoVersion) {
-    const auto image = war3();
-    ASSERT_GT(exeInfo(test::kVectors / "exeinfo" / "War3.exe"), 0u);
-    EXPECT_EQ(exeInfo(test::kVectors / "exeinfo" / "War3.exe", 2), 0u) << "only platform 1";
+    QFile war3(war3Path);
+    ASSERT_TRUE(war3.open(QIODevice::ReadOnly));
+    const QByteArray image = war3.readAll();
+    ASSERT_GT(exeInfo(war3Path), 0u);
+    EXPECT_EQ(exeInfo(war3Path, 2), 0u) << "only platform 1";
 
-    std::vector<std::uint8_t> notMz = image;
+    QByteArray notMz = image;
     notMz[0] = 'X';
-    std::vector<std::uint8_t> farHeader = image;
+    QByteArray farHeader = image;
     farHeader[0x3F] = 0x7F;
-    const std::vector<std::pair<std::string, std::filesystem::path>> refused = {
-        {"missing", temp_.path() / "missing.exe"},
+    const std::vector<std::pair<std::string, QString>> refused = {
+        {"missing", temp_.filePath("missing.exe")},
         {"folder", temp_.path()},
         {"empty", write("empty.exe", {})},
-        {"text", write("text.exe", {'h', 'e', 'l', 'l', 'o'})},
-        {"headers only", write("short.exe", {image.begin(), image.begin() + 0x400})},
-        {"cut in the resources", write("cut.exe", {image.begin(), image.end() - 2048})},
+        {"text", write("text.exe", "hello")},
+        {"headers only", write("short.exe", image.left(0x400))},
+        {"cut in the resources", write("cut.exe", image.chopped(2048))},
         {"not MZ", write("notmz.exe", notMz)},
         {"PE header beyond the end", write("far.exe", farHeader)},
-        {"no version resource", test::kVectors / "exeinfo" / "Plain.exe"},
+        {"no version resource", test::kVectors + "exeinfo/Plain.exe"},
     };
     for (const auto& [what, path] : refused) {
         SCOPED_TRACE(what);
@@ -139,7 +138,7 @@ TEST_F(ExeInfoRefusal, FilesThatAreNotPeOrHaveNoVersion) {
     const auto path = write("War3.exe", image);
     char small[8] = {};
     std::uint32_t version = 0;
-    const std::size_t needed = getExeInfo(path.string(), small, sizeof small, version, 1);
+    const std::size_t needed = getExeInfo(path.toStdString(), small, sizeof small, version, 1);
     EXPECT_GT(needed, sizeof small);
     EXPECT_EQ(std::string(small, sizeof small), "War3.exe");
     ASSERT_EQ(exeInfo(path), needed);

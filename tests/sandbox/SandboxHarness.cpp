@@ -99,15 +99,14 @@ void Client::send(quint8 id, const QByteArray& payload) {
     sendRaw(m_bnls ? PacketWriter::frameBNLS(id, payload) : PacketWriter::frameBNCS(id, payload));
 }
 
-std::optional<Frame> Client::next(quint8 id, int timeoutMs) {
-    const auto find = [&] {
-        return std::find_if(m_frames.begin(), m_frames.end(),
-                            [&](const Frame& f) { return f.id == id; });
-    };
+std::optional<Frame> Client::next(const std::function<bool(const Frame&)>& match, int timeoutMs) {
+    const auto find = [&] { return std::find_if(m_frames.begin(), m_frames.end(), match); };
     if (!waitFor([&] { return find() != m_frames.end(); }, timeoutMs)) return std::nullopt;
-    const Frame f = *find();
-    m_frames.erase(find());
-    return f;
+    return m_frames.takeAt(find() - m_frames.begin());
+}
+
+std::optional<Frame> Client::next(quint8 id, int timeoutMs) {
+    return next([id](const Frame& f) { return f.id == id; }, timeoutMs);
 }
 
 namespace {
@@ -126,15 +125,9 @@ Event parseEvent(const Frame& f) {
 
 std::optional<Event> Client::nextEvent(const std::function<bool(const Event&)>& match,
                                        int timeoutMs) {
-    const auto find = [&] {
-        return std::find_if(m_frames.begin(), m_frames.end(),
-                            [&](const Frame& f) { return f.id == 0x0F && match(parseEvent(f)); });
-    };
-    if (!waitFor([&] { return find() != m_frames.end(); }, timeoutMs)) return std::nullopt;
-    const auto it = find();
-    const Event e = parseEvent(*it);
-    m_frames.erase(it);
-    return e;
+    const auto f =
+        next([&](const Frame& f) { return f.id == 0x0F && match(parseEvent(f)); }, timeoutMs);
+    return f ? std::optional(parseEvent(*f)) : std::nullopt;
 }
 
 std::optional<Event> Client::nextEvent(quint32 id, int timeoutMs) {

@@ -53,6 +53,8 @@ public:
     void send(quint8 id, const QByteArray& payload = {});
     // The first frame of this id that has come or comes in time; others stay queued.
     std::optional<Frame> next(quint8 id, int timeoutMs = kWaitMs);
+    std::optional<Frame> next(const std::function<bool(const Frame&)>& match,
+                              int timeoutMs = kWaitMs);
     std::optional<Event> nextEvent(const std::function<bool(const Event&)>& match,
                                    int timeoutMs = kWaitMs);
     std::optional<Event> nextEvent(quint32 id, int timeoutMs = kWaitMs);

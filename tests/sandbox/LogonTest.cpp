@@ -71,8 +71,7 @@ TEST(SandboxLogon, OldSystemChecksThePasswordCreatesAccountsAndChangesPasswords)
             w.WriteVOID(QByteArray(reinterpret_cast<const char*>(proof.data()), 20));
             w.WriteVOID(QByteArray(reinterpret_cast<const char*>(hash.data()), 20));
             w.WriteSTRING(QStringLiteral("bob"));
-            c.send(0x31, w.payload());
-            return c.next(0x31)->reader().ReadDWORD();
+            return c.status(0x31, w.payload());
         };
         EXPECT_EQ(change("wrong", "new"), 0u);
         EXPECT_EQ(change("hunter2", "fresh"), 1u);
@@ -177,8 +176,7 @@ TEST(SandboxLogon, AuthCheckRefusesWrongVersionsAndKeys) {
     w.WriteVOID(QByteArray(20, 'x'));
     w.WriteSTRING(QString());
     w.WriteSTRING(QString());
-    c.send(0x51, w.payload());
-    EXPECT_EQ(c.next(0x51)->reader().ReadDWORD(), 0x200u);
+    EXPECT_EQ(c.status(0x51, w.payload()), 0x200u);
 }
 
 TEST(SandboxLogon, AKeyInUseIsRefusedWhenKeysAreExclusive) {

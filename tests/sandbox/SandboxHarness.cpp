@@ -145,6 +145,12 @@ bool Client::closed(int timeoutMs) {
                    timeoutMs);
 }
 
+quint32 Client::status(quint8 id, const QByteArray& payload) {
+    send(id, payload);
+    const auto reply = next(id);
+    return reply ? reply->reader().ReadDWORD() : 0xFFFFFFFF;
+}
+
 void Client::say(const QString& text) {
     PacketWriter w;
     w.WriteSTRING(text);
@@ -203,9 +209,7 @@ quint32 Client::authCheck(const QStringList& keys, quint32 version, quint32 chec
     }
     w.WriteSTRING(QStringLiteral("Game.exe 01/01/04 00:00:00 1000"));
     w.WriteSTRING(QStringLiteral("tester"));
-    send(0x51, w.payload());
-    const auto reply = next(0x51);
-    return reply ? reply->reader().ReadDWORD() : 0xFFFFFFFF;
+    return status(0x51, w.payload());
 }
 
 quint32 Client::oldLogon(const QString& account, const QString& password) {
@@ -216,9 +220,7 @@ quint32 Client::oldLogon(const QString& account, const QString& password) {
     w.WriteDWORD(challenge.serverToken);
     w.WriteVOID(raw(proof.data(), 20));
     w.WriteSTRING(account);
-    send(0x3A, w.payload());
-    const auto reply = next(0x3A);
-    return reply ? reply->reader().ReadDWORD() : 0xFFFFFFFF;
+    return status(0x3A, w.payload());
 }
 
 quint32 Client::oldCreate(const QString& account, const QString& password) {
@@ -226,9 +228,7 @@ quint32 Client::oldCreate(const QString& account, const QString& password) {
     PacketWriter w;
     w.WriteVOID(raw(hash.data(), 20));
     w.WriteSTRING(account);
-    send(0x3D, w.payload());
-    const auto reply = next(0x3D);
-    return reply ? reply->reader().ReadDWORD() : 0xFFFFFFFF;
+    return status(0x3D, w.payload());
 }
 
 quint32 Client::newLogon(const QString& account, const QString& password, bool* proofHolds) {
@@ -269,9 +269,7 @@ quint32 Client::newCreate(const QString& account, const QString& password) {
     logon::nls_account_create(nls, reinterpret_cast<std::uint8_t*>(buffer.data()),
                               size_t(buffer.size()));
     logon::nls_free(nls);
-    send(0x52, buffer);
-    const auto reply = next(0x52);
-    return reply ? reply->reader().ReadDWORD() : 0xFFFFFFFF;
+    return status(0x52, buffer);
 }
 
 QString Client::enterChat() {

@@ -51,6 +51,8 @@ public:
 
     void sendRaw(const QByteArray& bytes);
     void send(quint8 id, const QByteArray& payload = {});
+    // Sends the frame and reads the first field of its answer; 0xFFFFFFFF when none came.
+    quint32 status(quint8 id, const QByteArray& payload);
     // The first frame of this id that has come or comes in time; others stay queued.
     std::optional<Frame> next(quint8 id, int timeoutMs = kWaitMs);
     std::optional<Frame> next(const std::function<bool(const Frame&)>& match,

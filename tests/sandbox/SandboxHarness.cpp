@@ -125,9 +125,9 @@ Event parseEvent(const Frame& f) {
 
 std::optional<Event> Client::nextEvent(const std::function<bool(const Event&)>& match,
                                        int timeoutMs) {
-    const auto f =
+    const auto frame =
         next([&](const Frame& f) { return f.id == 0x0F && match(parseEvent(f)); }, timeoutMs);
-    return f ? std::optional(parseEvent(*f)) : std::nullopt;
+    return frame ? std::optional(parseEvent(*frame)) : std::nullopt;
 }
 
 std::optional<Event> Client::nextEvent(quint32 id, int timeoutMs) {

@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QTcpServer>
 
 int SandboxProcess::loadProfile(const QString& account, const QString& channel) const {
     const int i = SlotTable::instance().LoadProfile(account);
@@ -64,6 +65,12 @@ QStringList SandboxProcess::control(const QStringList& lines, int ms) {
         },
         ms);
     return answers;
+}
+
+int freePort() {
+    QTcpServer probe;
+    probe.listen(QHostAddress::LocalHost, 0);
+    return probe.serverPort();
 }
 
 bool waitFor(const std::function<bool()>& done, int ms) {

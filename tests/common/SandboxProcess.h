@@ -29,5 +29,8 @@ private:
     QProcess m_process;
 };
 
+// A port of the loopback address that nothing listens on now.
+int freePort();
+
 // Runs the event loop until `done` holds or `ms` pass; true when it held.
 bool waitFor(const std::function<bool()>& done, int ms = 10000);

@@ -22,12 +22,6 @@
 
 namespace {
 
-int freePort() {
-    QTcpServer probe;
-    probe.listen(QHostAddress::LocalHost, 0);
-    return probe.serverPort();
-}
-
 // A page as a browser runs it: opens, says hello, keeps what it hears.
 struct Page {
     QWebSocket socket;

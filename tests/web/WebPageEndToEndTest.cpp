@@ -5,18 +5,7 @@
 #include "e2e/RunningProgram.h"
 #include "web/HeadlessChromium.h"
 
-#include <QTcpServer>
 #include <QTemporaryDir>
-
-namespace {
-
-int freePort() {
-    QTcpServer probe;
-    probe.listen(QHostAddress::LocalHost, 0);
-    return probe.serverPort();
-}
-
-} // namespace
 
 TEST(WebPageEndToEnd, ABrowserReadsTheChannelAndTypesIntoItOnlyWithTheToken) {
     if (HeadlessChromium::binary().isEmpty())

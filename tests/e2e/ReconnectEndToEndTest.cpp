@@ -111,7 +111,7 @@ TEST_F(ReconnectEndToEnd, ADroppedSlotComesBackByItselfUntilTheUserDisconnects) 
 
     // Each drop soon after the last waits longer; the status line counts down.
     for (const quint32 wait : {15000u, 30000u}) {
-        ASSERT_EQ(sandbox.control(QStringLiteral("disconnect returner")), QStringLiteral("ok"));
+        control({"disconnect returner"});
         ASSERT_TRUE(waitFor([&] { return Bots(i).Reconnect.isArmed(); }));
         pass(wait - 1000);
         EXPECT_TRUE(TimedEvents::instance().StatusLine().startsWith(
@@ -123,7 +123,7 @@ TEST_F(ReconnectEndToEnd, ADroppedSlotComesBackByItselfUntilTheUserDisconnects) 
     }
 
     // The user's disconnect, as the menu does it, stops the coming try.
-    ASSERT_EQ(sandbox.control(QStringLiteral("disconnect returner")), QStringLiteral("ok"));
+    control({"disconnect returner"});
     ASSERT_TRUE(waitFor([&] { return Bots(i).Reconnect.isArmed(); }));
     Bots(i).CanConnect = false;
     Bots(i).setOnline(false);

@@ -51,27 +51,7 @@ protected:
     int online() {
         EXPECT_TRUE(sandbox.start(traced(
             {QStringLiteral("--residents"), QStringLiteral("0"), QStringLiteral("--control")})));
-        const int i = sandbox.loadProfile(QStringLiteral("scribe"), QStringLiteral("Sandbox"));
-        SlotTable::instance().ConnectBot(i);
-        EXPECT_TRUE(waitFor([&] { return Bots(i).Channel() == QLatin1String("Sandbox"); }, 15000))
-            << chat(i).toStdString();
-        return i;
-    }
-    void control(const QStringList& lines) {
-        ASSERT_EQ(sandbox.control(lines), QStringList(lines.size(), QStringLiteral("ok")));
-    }
-    QStringList linesAtServer() const {
-        QStringList lines;
-        for (const QByteArray& line : chatLinesSent(tracePath()))
-            lines << QString::fromLatin1(line);
-        return lines;
-    }
-    ::testing::AssertionResult serverHears(const QString& line) {
-        if (waitFor([&] { return linesAtServer().contains(line); }, 15000))
-            return ::testing::AssertionSuccess();
-        return ::testing::AssertionFailure()
-               << "not sent: " << line.toStdString() << "\nsent:\n  "
-               << linesAtServer().join(QStringLiteral("\n  ")).toStdString();
+        return inChannel(QStringLiteral("scribe"), QStringLiteral("Sandbox"));
     }
     static QString console() { return rtbChat(0).text(); }
 };

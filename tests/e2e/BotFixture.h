@@ -29,6 +29,13 @@ protected:
     }
     QString tracePath() const { return traceDir.filePath(QStringLiteral("trace.log")); }
     static QString chat(int i) { return rtbChat(i).text(); }
+    // Until the chat view of slot `i` shows `text`.
+    static ::testing::AssertionResult saw(int i, const QString& text, int ms = 20000) {
+        if (waitFor([&] { return chat(i).contains(text); }, ms))
+            return ::testing::AssertionSuccess();
+        return ::testing::AssertionFailure() << "not shown: " << text.toStdString() << "\nshown:\n"
+                                             << chat(i).toStdString();
+    }
     // A profile of `account` at home in `channel`, set up by `configure` and
     // connected; the test goes on once the bot is in the channel.
     int inChannel(const QString& account, const QString& channel,

@@ -158,13 +158,11 @@ TEST_F(ChatEndToEnd, WhispersASpammersBurstAndProfanityInAQuietChannel) {
     const QString resident = members(QStringLiteral("Sandbox")).first().section(u':', 0, 0);
 
     control({QStringLiteral("whisper %1 guard are you a bot?").arg(resident)});
-    ASSERT_TRUE(waitFor([&] { return chat(i).contains(QStringLiteral("are you a bot?")); }));
+    ASSERT_TRUE(saw(i, QStringLiteral("are you a bot?")));
     EXPECT_EQ(Bots(i).LastWhisper.toLower(), resident);
     // The resident answers what reached it, quoting it.
     Bots(i).Queue << QStringLiteral("/w %1 only on weekdays").arg(resident);
-    EXPECT_TRUE(waitFor([&] {
-        return chat(i).contains(QStringLiteral("you said \"only on weekdays\"?"));
-    })) << chat(i).toStdString();
+    EXPECT_TRUE(saw(i, QStringLiteral("you said \"only on weekdays\"?")));
     EXPECT_EQ(Bots(i).LastWhispered.toLower(), resident);
     EXPECT_EQ(Bots(i).LastWhisper.toLower(), resident);
 
@@ -173,7 +171,7 @@ TEST_F(ChatEndToEnd, WhispersASpammersBurstAndProfanityInAQuietChannel) {
     ASSERT_TRUE(waitFor([&] { return Bots(i).DelayCount() == 0; }));
     // What comes after the burst is shown as usual.
     control({"talk Spammer sorry about that"});
-    ASSERT_TRUE(waitFor([&] { return chat(i).contains(QStringLiteral("sorry about that")); }));
+    ASSERT_TRUE(saw(i, QStringLiteral("sorry about that")));
     EXPECT_FALSE(chat(i).contains(QStringLiteral("buy gold")));
     // Neither the leave nor the rejoin was seen: the spammer is still listed
     // once, in the place of the first arrival, ahead of the bot.
@@ -199,20 +197,18 @@ TEST_F(ChatEndToEnd, WhispersASpammersBurstAndProfanityInAQuietChannel) {
         return chat(i).contains(QStringLiteral("d**n the torpedoes")) &&
                chat(i).contains(QStringLiteral("d**n this wind"));
     })) << chat(i).toStdString();
-    EXPECT_TRUE(linesAtServer().contains(QStringLiteral("damn the torpedoes")));
+    EXPECT_TRUE(serverHears(QStringLiteral("damn the torpedoes")));
 
     // A changed table counts from the next line.
     ASSERT_TRUE(table("d**n=damn\r\nh*ck=heck\r\n"));
     control({"talk Spammer heck of a day"});
-    ASSERT_TRUE(waitFor([&] { return chat(i).contains(QStringLiteral("h*ck of a day")); }))
-        << chat(i).toStdString();
+    ASSERT_TRUE(saw(i, QStringLiteral("h*ck of a day")));
 
     // Uncensoring turns the table's words back into the plain ones.
     settings.setRemoveProfanity(false);
     settings.setImproveProfanity(true);
     control({"talk Spammer what the h*ck"});
-    EXPECT_TRUE(waitFor([&] { return chat(i).contains(QStringLiteral("what the heck")); }))
-        << chat(i).toStdString();
+    EXPECT_TRUE(saw(i, QStringLiteral("what the heck")));
     EXPECT_FALSE(chat(i).contains(QStringLiteral("damn")));
     settings.setRemoveProfanity(true);
     settings.setImproveProfanity(false);

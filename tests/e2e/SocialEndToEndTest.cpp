@@ -31,9 +31,6 @@ protected:
             bot.Config.setCdkey(QStringLiteral("V9FBR8JC4RJWCGPCMGPT9J2CND"));
         });
     }
-    static bool saw(int i, const QString& text) {
-        return waitFor([&] { return chat(i).contains(text); }, 10000);
-    }
     // The residents, in the channel and standing still.
     QStringList residents() {
         sandbox.control(QStringLiteral("residents pause"));

@@ -36,11 +36,7 @@ protected:
     }
     // The same of the sandbox's channel.
     QStringList members(const QString& channel) {
-        QStringList words = sandbox.control(QStringLiteral("members ") + channel).split(u' ');
-        words = words.mid(2);
-        for (QString& w : words)
-            w = w.toLower();
-        return words;
+        return sandbox.control(QStringLiteral("members ") + channel).toLower().split(u' ').mid(2);
     }
     // The bot is in the channel and has caught up with it; nobody but the bot
     // moves meanwhile.

@@ -9,14 +9,12 @@
 
 namespace {
 
-using Answer = VerbAnswer;
-
 class SteeringEndToEnd : public ::testing::Test, protected Terminal {
 protected:
     void SetUp() override {
         ASSERT_TRUE(sandbox.start({QStringLiteral("--control")}));
         // Every talk event shows, however fast it comes; whispers go to their panel.
-        const Answer imported = importKeys(
+        const VerbAnswer imported = importKeys(
             home.path(),
             profileKey(QStringLiteral("Alpha"), QStringLiteral("alphabot"), QStringLiteral("Steer"),
                        sandbox) +
@@ -64,7 +62,7 @@ TEST_F(SteeringEndToEnd, AServiceBotIsSteeredAndFollowedFromOtherTerminals) {
     ASSERT_TRUE(statusShows(QStringLiteral("Alpha +online +Steer +1 +\\d+ ms +-$")));
 
     // The second profile is loaded and connected from here.
-    Answer a = verb("load beta");
+    VerbAnswer a = verb("load beta");
     ASSERT_EQ(a.status, 0) << a.err.toStdString();
     EXPECT_TRUE(a.out.startsWith(QStringLiteral("Loaded 'Beta'"))) << a.out.toStdString();
     a = verb("load Beta");

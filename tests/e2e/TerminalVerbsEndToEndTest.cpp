@@ -14,8 +14,6 @@
 
 namespace {
 
-using Answer = VerbAnswer;
-
 class TerminalVerbsEndToEnd : public BotFixture, protected Terminal {
 protected:
     void SetUp() override {
@@ -54,7 +52,7 @@ TEST_F(TerminalVerbsEndToEnd, TheReadmesRecipeLogsOnAndObeysItsUserbase) {
         // The sandbox of this test listens on ports of its own.
         words.replaceInStrings(QStringLiteral("127.0.0.1:6112"), sandbox.bncsServer());
         words.replaceInStrings(QStringLiteral("127.0.0.1:9367"), sandbox.bnlsServer());
-        const Answer run = verb(words);
+        const VerbAnswer run = verb(words);
         ASSERT_EQ(run.status, 0) << words.join(u' ').toStdString() << ": " << run.err.toStdString();
         if (words.mid(0, 2) == QStringList{QStringLiteral("profile"), QStringLiteral("show")})
             shown = run.out;
@@ -76,7 +74,7 @@ TEST_F(TerminalVerbsEndToEnd, TheReadmesRecipeLogsOnAndObeysItsUserbase) {
                     plugins + QStringLiteral("greeter.js")));
     EXPECT_EQ(verb("plugin enable Greeter").out,
               QStringLiteral("'greeter' loads when the bot starts.\n"));
-    const Answer noBot = verb("plugin start greeter");
+    const VerbAnswer noBot = verb("plugin start greeter");
     EXPECT_EQ(noBot.status, 1);
     EXPECT_TRUE(noBot.err.startsWith(QStringLiteral("No Corvantide runs on this home")))
         << noBot.err.toStdString();
@@ -121,13 +119,13 @@ TEST_F(TerminalVerbsEndToEnd, TheReadmesRecipeLogsOnAndObeysItsUserbase) {
         {"plugin list", 0, QStringLiteral("greeter\trunning, not loaded at start\n")},
     };
     for (const PluginVerb& row : pluginVerbs) {
-        const Answer a = verb(row.words);
+        const VerbAnswer a = verb(row.words);
         EXPECT_EQ(a.status, row.status) << row.words;
         EXPECT_EQ(row.status == 0 ? a.out : a.err, row.said) << row.words;
     }
 
     // The running bot takes the new trigger at once: the old one is silence.
-    const Answer changed = verb("profile set Main Trigger #");
+    const VerbAnswer changed = verb("profile set Main Trigger #");
     ASSERT_EQ(changed.status, 0) << changed.err.toStdString();
     EXPECT_EQ(changed.out, QStringLiteral("Set Trigger of 'Main' to '#'.\n"));
     Bots(owner).Queue << QStringLiteral(".say old trigger") << QStringLiteral("#say new trigger");
@@ -144,10 +142,10 @@ TEST_F(TerminalVerbsEndToEnd, TheReadmesRecipeLogsOnAndObeysItsUserbase) {
     EXPECT_FALSE(bot.out.contains(QStringLiteral("hush hush")));
 
     // Refusals from the running bot come back with a failing status.
-    const Answer taken = verb("profile new main");
+    const VerbAnswer taken = verb("profile new main");
     EXPECT_EQ(taken.status, 1);
     EXPECT_EQ(taken.err, QStringLiteral("A profile named 'Main' already exists.\n"));
-    const Answer wrongType = verb("profile set Main IdleTime soon");
+    const VerbAnswer wrongType = verb("profile set Main IdleTime soon");
     EXPECT_EQ(wrongType.status, 1);
     EXPECT_EQ(wrongType.err, QStringLiteral("IdleTime takes a number, not 'soon'.\n"));
 }

@@ -12,6 +12,7 @@
 #include "platform/ChatDocument.h"
 
 #include <QTemporaryDir>
+#include <functional>
 
 class BotFixture : public SlotFixture {
 protected:
@@ -28,6 +29,42 @@ protected:
     }
     QString tracePath() const { return traceDir.filePath(QStringLiteral("trace.log")); }
     static QString chat(int i) { return rtbChat(i).text(); }
+    // Until the chat view of slot `i` shows `text`.
+    static ::testing::AssertionResult saw(int i, const QString& text, int ms = 20000) {
+        if (waitFor([&] { return chat(i).contains(text); }, ms))
+            return ::testing::AssertionSuccess();
+        return ::testing::AssertionFailure() << "not shown: " << text.toStdString() << "\nshown:\n"
+                                             << chat(i).toStdString();
+    }
+    // A profile of `account` at home in `channel`, set up by `configure` and
+    // connected; the test goes on once the bot is in the channel.
+    int inChannel(const QString& account, const QString& channel,
+                  const std::function<void(BotElement&)>& configure = {}) {
+        const int i = sandbox.loadProfile(account, channel);
+        if (configure) configure(Bots(i));
+        SlotTable::instance().ConnectBot(i);
+        EXPECT_TRUE(waitFor([&] { return Bots(i).Channel() == channel; }, 20000))
+            << chat(i).toStdString();
+        return i;
+    }
+    // Lines for the sandbox's control port, each of which it must accept.
+    void control(const QStringList& lines) {
+        ASSERT_EQ(sandbox.control(lines), QStringList(lines.size(), QStringLiteral("ok")));
+    }
+    // The chat lines the traced sandbox heard from the bots, in order.
+    QStringList linesAtServer() const {
+        QStringList lines;
+        for (const QByteArray& line : chatLinesSent(tracePath()))
+            lines << QString::fromLatin1(line);
+        return lines;
+    }
+    ::testing::AssertionResult serverHears(const QString& line) {
+        if (waitFor([&] { return linesAtServer().contains(line); }, 15000))
+            return ::testing::AssertionSuccess();
+        return ::testing::AssertionFailure()
+               << "not sent: " << line.toStdString() << "\nsent:\n  "
+               << linesAtServer().join(QStringLiteral("\n  ")).toStdString();
+    }
     // Lets the event loop run for `ms`, whatever comes.
     static void pause(int ms) {
         waitFor([] { return false; }, ms);

@@ -27,11 +27,6 @@ protected:
         return sandbox.start(traced(options << QStringLiteral("--control")));
     }
 
-    // A profile on the sandbox whose home is `channel`; not yet connected.
-    int load(const QString& account, const QString& channel) {
-        return sandbox.loadProfile(account, channel);
-    }
-
     // The bot's users as "name:flags", in their order of arrival.
     static QStringList botUsers(int i) {
         QStringList out;
@@ -41,11 +36,7 @@ protected:
     }
     // The same of the sandbox's channel.
     QStringList members(const QString& channel) {
-        QStringList words = sandbox.control(QStringLiteral("members ") + channel).split(u' ');
-        words = words.mid(2);
-        for (QString& w : words)
-            w = w.toLower();
-        return words;
+        return sandbox.control(QStringLiteral("members ") + channel).toLower().split(u' ').mid(2);
     }
     // The bot is in the channel and has caught up with it; nobody but the bot
     // moves meanwhile.
@@ -92,7 +83,6 @@ protected:
         }
         return ::testing::AssertionSuccess();
     }
-    QList<QByteArray> chatLinesAtServer() const { return chatLinesSent(tracePath()); }
     // How many chat events of each id the sandbox sent.
     std::map<quint32, int> eventsSent() const {
         std::map<quint32, int> count;
@@ -108,10 +98,7 @@ TEST_F(ChatEndToEnd, TheUserListIsTheChannelThroughJoinsLeavesFlagsAndAChannelCh
     ASSERT_TRUE(startSandbox({QStringLiteral("--residents"), QStringLiteral("30"),
                               QStringLiteral("--resident-rate"), QStringLiteral("8"),
                               QStringLiteral("--seed"), QStringLiteral("11")}));
-    const int i = load(QStringLiteral("watcher"), QStringLiteral("Sandbox"));
-    SlotTable::instance().ConnectBot(i);
-    ASSERT_TRUE(waitFor([&] { return Bots(i).Channel() == QLatin1String("Sandbox"); }))
-        << chat(i).toStdString();
+    const int i = inChannel(QStringLiteral("watcher"), QStringLiteral("Sandbox"));
 
     // The residents come and go, talk and hand the operator's flag on, while
     // a visitor of our own arrives, is made operator, loses it and leaves.
@@ -123,10 +110,10 @@ TEST_F(ChatEndToEnd, TheUserListIsTheChannelThroughJoinsLeavesFlagsAndAChannelCh
     };
     for (const QStringList& step : steps) {
         pause(2000);
-        ASSERT_EQ(sandbox.control(step), QStringList(step.size(), QStringLiteral("ok")));
+        control(step);
     }
     pause(2000);
-    ASSERT_EQ(sandbox.control(QStringLiteral("residents pause")), QStringLiteral("ok"));
+    control({"residents pause"});
     EXPECT_TRUE(followsChannel(i, QStringLiteral("Sandbox")));
     // The residents did come and go meanwhile.
     std::map<quint32, int> sent = eventsSent();
@@ -137,22 +124,20 @@ TEST_F(ChatEndToEnd, TheUserListIsTheChannelThroughJoinsLeavesFlagsAndAChannelCh
     EXPECT_TRUE(chat(i).contains(QStringLiteral("Visitor lost channel operator status.")));
 
     // Another channel, where the list starts anew and flags change too.
-    ASSERT_EQ(sandbox.control({"user Keeper W3XP 0 80", "join Keeper Backroom", "user Lurker D2DV",
-                               "join Lurker Backroom"}),
-              QStringList(4, QStringLiteral("ok")));
+    control({"user Keeper W3XP 0 80", "join Keeper Backroom", "user Lurker D2DV",
+             "join Lurker Backroom"});
     Bots(i).Queue << QStringLiteral("/join Backroom");
     EXPECT_TRUE(followsChannel(i, QStringLiteral("Backroom")));
-    ASSERT_EQ(sandbox.control({"flags Lurker 4", "join Drifter Backroom"}),
-              QStringList(2, QStringLiteral("ok")));
+    control({"flags Lurker 4", "join Drifter Backroom"});
     EXPECT_TRUE(followsChannel(i, QStringLiteral("Backroom")));
 
     // Back among the residents, who went on without us.
-    ASSERT_EQ(sandbox.control(QStringLiteral("residents resume")), QStringLiteral("ok"));
+    control({"residents resume"});
     pause(3000);
     Bots(i).Queue << QStringLiteral("/join Sandbox");
     ASSERT_TRUE(waitFor([&] { return Bots(i).Channel() == QLatin1String("Sandbox"); }));
     pause(3000);
-    ASSERT_EQ(sandbox.control(QStringLiteral("residents pause")), QStringLiteral("ok"));
+    control({"residents pause"});
     EXPECT_TRUE(followsChannel(i, QStringLiteral("Sandbox")));
     EXPECT_TRUE(Bots(i).Online());
 }
@@ -163,34 +148,26 @@ TEST_F(ChatEndToEnd, TheUserListIsTheChannelThroughJoinsLeavesFlagsAndAChannelCh
 TEST_F(ChatEndToEnd, WhispersASpammersBurstAndProfanityInAQuietChannel) {
     ASSERT_TRUE(startSandbox({QStringLiteral("--residents"), QStringLiteral("6"),
                               QStringLiteral("--seed"), QStringLiteral("5")}));
-    ASSERT_EQ(sandbox.control({"residents pause", "user Spammer", "join Spammer Sandbox"}),
-              QStringList(3, QStringLiteral("ok")));
-    const int i = load(QStringLiteral("guard"), QStringLiteral("Sandbox"));
-    SlotTable::instance().ConnectBot(i);
+    control({"residents pause", "user Spammer", "join Spammer Sandbox"});
+    const int i = inChannel(QStringLiteral("guard"), QStringLiteral("Sandbox"));
     ASSERT_TRUE(followsChannel(i, QStringLiteral("Sandbox")));
     const QString resident = members(QStringLiteral("Sandbox")).first().section(u':', 0, 0);
 
-    ASSERT_EQ(sandbox.control(QStringLiteral("whisper %1 guard are you a bot?").arg(resident)),
-              QStringLiteral("ok"));
-    ASSERT_TRUE(waitFor([&] { return chat(i).contains(QStringLiteral("are you a bot?")); }));
+    control({QStringLiteral("whisper %1 guard are you a bot?").arg(resident)});
+    ASSERT_TRUE(saw(i, QStringLiteral("are you a bot?")));
     EXPECT_EQ(Bots(i).LastWhisper.toLower(), resident);
     // The resident answers what reached it, quoting it.
     Bots(i).Queue << QStringLiteral("/w %1 only on weekdays").arg(resident);
-    EXPECT_TRUE(waitFor([&] {
-        return chat(i).contains(QStringLiteral("you said \"only on weekdays\"?"));
-    })) << chat(i).toStdString();
+    EXPECT_TRUE(saw(i, QStringLiteral("you said \"only on weekdays\"?")));
     EXPECT_EQ(Bots(i).LastWhispered.toLower(), resident);
     EXPECT_EQ(Bots(i).LastWhisper.toLower(), resident);
 
-    ASSERT_EQ(sandbox.control({"leave Spammer", "join Spammer Sandbox",
-                               "talk Spammer buy gold at example dot com"}),
-              QStringList(3, QStringLiteral("ok")));
+    control({"leave Spammer", "join Spammer Sandbox", "talk Spammer buy gold at example dot com"});
     ASSERT_TRUE(waitFor([&] { return Bots(i).DelayCount() > 0; }));
     ASSERT_TRUE(waitFor([&] { return Bots(i).DelayCount() == 0; }));
     // What comes after the burst is shown as usual.
-    ASSERT_EQ(sandbox.control(QStringLiteral("talk Spammer sorry about that")),
-              QStringLiteral("ok"));
-    ASSERT_TRUE(waitFor([&] { return chat(i).contains(QStringLiteral("sorry about that")); }));
+    control({"talk Spammer sorry about that"});
+    ASSERT_TRUE(saw(i, QStringLiteral("sorry about that")));
     EXPECT_FALSE(chat(i).contains(QStringLiteral("buy gold")));
     // Neither the leave nor the rejoin was seen: the spammer is still listed
     // once, in the place of the first arrival, ahead of the bot.
@@ -210,26 +187,24 @@ TEST_F(ChatEndToEnd, WhispersASpammersBurstAndProfanityInAQuietChannel) {
     settings.setImproveProfanity(false);
 
     // Censored as shown, both ways; the server gets what was said.
-    ASSERT_EQ(sandbox.control(QStringLiteral("talk Spammer damn this wind")), QStringLiteral("ok"));
+    control({"talk Spammer damn this wind"});
     Bots(i).Queue << QStringLiteral("damn the torpedoes");
     ASSERT_TRUE(waitFor([&] {
         return chat(i).contains(QStringLiteral("d**n the torpedoes")) &&
                chat(i).contains(QStringLiteral("d**n this wind"));
     })) << chat(i).toStdString();
-    EXPECT_TRUE(chatLinesAtServer().contains("damn the torpedoes"));
+    EXPECT_TRUE(serverHears(QStringLiteral("damn the torpedoes")));
 
     // A changed table counts from the next line.
     ASSERT_TRUE(table("d**n=damn\r\nh*ck=heck\r\n"));
-    ASSERT_EQ(sandbox.control(QStringLiteral("talk Spammer heck of a day")), QStringLiteral("ok"));
-    ASSERT_TRUE(waitFor([&] { return chat(i).contains(QStringLiteral("h*ck of a day")); }))
-        << chat(i).toStdString();
+    control({"talk Spammer heck of a day"});
+    ASSERT_TRUE(saw(i, QStringLiteral("h*ck of a day")));
 
     // Uncensoring turns the table's words back into the plain ones.
     settings.setRemoveProfanity(false);
     settings.setImproveProfanity(true);
-    ASSERT_EQ(sandbox.control(QStringLiteral("talk Spammer what the h*ck")), QStringLiteral("ok"));
-    EXPECT_TRUE(waitFor([&] { return chat(i).contains(QStringLiteral("what the heck")); }))
-        << chat(i).toStdString();
+    control({"talk Spammer what the h*ck"});
+    EXPECT_TRUE(saw(i, QStringLiteral("what the heck")));
     EXPECT_FALSE(chat(i).contains(QStringLiteral("damn")));
     settings.setRemoveProfanity(true);
     settings.setImproveProfanity(false);
@@ -258,7 +233,7 @@ TEST_F(ChatEndToEnd, TheIdleMessageGoesOutOnTheMinuteOfTheBotsClock) {
     };
 
     ASSERT_TRUE(startSandbox({}));
-    const int i = load(QStringLiteral("idler"), QStringLiteral("Lobby"));
+    const int i = sandbox.loadProfile(QStringLiteral("idler"), QStringLiteral("Lobby"));
     Bots(i).Config.setIdleTime(2);
     Bots(i).Config.setIdleMsg(QStringLiteral("idle in $ch"));
     SlotTable::instance().ConnectBot(i);
@@ -267,11 +242,10 @@ TEST_F(ChatEndToEnd, TheIdleMessageGoesOutOnTheMinuteOfTheBotsClock) {
 
     // Chat in the channel doesn't move the idle time: it is a fixed period. A
     // newcomer's words are shown once the flood delay since the arrival is over.
-    ASSERT_EQ(sandbox.control({"user Chatter", "join Chatter Lobby"}),
-              QStringList(2, QStringLiteral("ok")));
+    control({"user Chatter", "join Chatter Lobby"});
     ASSERT_TRUE(driveUntil([&] { return Bots(i).UserFind(QStringLiteral("Chatter")) > 0; }));
     driveTo(clock.now() - start + 1500);
-    ASSERT_EQ(sandbox.control(QStringLiteral("talk Chatter anyone here?")), QStringLiteral("ok"));
+    control({"talk Chatter anyone here?"});
     ASSERT_TRUE(driveUntil([&] { return chat(i).contains(QStringLiteral("anyone here?")); }));
     ASSERT_LT(clock.now() - start, 60000u);
 
@@ -282,7 +256,6 @@ TEST_F(ChatEndToEnd, TheIdleMessageGoesOutOnTheMinuteOfTheBotsClock) {
     EXPECT_EQ(Bots(i).Queue, QStringList{QStringLiteral("idle in Lobby")});
     driveTo(120100);
     EXPECT_TRUE(Bots(i).Queue.isEmpty());
-    EXPECT_TRUE(waitFor([&] { return chatLinesAtServer().contains("idle in Lobby"); }))
-        << chatLinesAtServer().join('\n').toStdString();
-    EXPECT_EQ(chatLinesAtServer().count("idle in Lobby"), 1);
+    EXPECT_TRUE(serverHears(QStringLiteral("idle in Lobby")));
+    EXPECT_EQ(linesAtServer().count(QStringLiteral("idle in Lobby")), 1);
 }

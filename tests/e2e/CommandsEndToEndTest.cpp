@@ -5,9 +5,8 @@
 #include "commands/MacroWrapper.h"
 #include "config/Folders.h"
 #include "e2e/BotFixture.h"
+#include "e2e/RunningProgram.h"
 #include "platform/ListModel.h"
-
-#include <QFile>
 
 namespace {
 
@@ -36,10 +35,6 @@ protected:
     int load(const QString& account) {
         return sandbox.loadProfile(account, QStringLiteral("Commands"));
     }
-    // Waits until the owner has seen `text` in the channel from the keeper.
-    bool ownerSees(const QString& text, int ms = 15000) {
-        return waitFor([&] { return rtbChat(owner).text().contains(text); }, ms);
-    }
 
     int keeper = 0;
     int owner = 0;
@@ -50,19 +45,18 @@ protected:
 
 TEST_F(CommandsEndToEnd, RankedUsersCommandStrangersGetSilence) {
     Bots(owner).Queue << QStringLiteral("!ver");
-    ASSERT_TRUE(ownerSees(QStringLiteral("Corvantide v")));
+    ASSERT_TRUE(saw(owner, QStringLiteral("Corvantide v")));
 
     // A whispered command answers in the channel.
     Bots(owner).Queue << QStringLiteral("/w keeper !say heard you whisper");
-    ASSERT_TRUE(ownerSees(QStringLiteral("heard you whisper")));
+    ASSERT_TRUE(saw(owner, QStringLiteral("heard you whisper")));
 
     // The stranger's command and question go unanswered; the owner's
     // question that follows is answered, so the silence was no delay.
     Bots(stranger).Queue << QStringLiteral("!say I am in charge now") << QStringLiteral("?trigger");
-    ASSERT_TRUE(
-        waitFor([&] { return rtbChat(keeper).text().contains(QStringLiteral("?trigger")); }));
+    ASSERT_TRUE(saw(keeper, QStringLiteral("?trigger")));
     Bots(owner).Queue << QStringLiteral("?TRIGGER");
-    ASSERT_TRUE(ownerSees(QStringLiteral("Current trigger is: ! (Alt + 33)")));
+    ASSERT_TRUE(saw(owner, QStringLiteral("Current trigger is: ! (Alt + 33)")));
     // Said by the stranger once; the bot never repeated it.
     EXPECT_EQ(rtbChat(owner).text().count(QStringLiteral("I am in charge now")), 1);
     EXPECT_EQ(rtbChat(stranger).text().count(QStringLiteral("Current trigger is")), 1);
@@ -73,14 +67,11 @@ TEST_F(CommandsEndToEnd, ATenLineMacroLeavesUnderTheFloodRules) {
     for (int n = 1; n <= 10; ++n)
         macro += "counting " + QByteArray::number(n) + " of ten\r\n";
     macro += "}\r\n";
-    QFile file(GetSettingsPath() + QStringLiteral("Macros.ini"));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(macro);
-    file.close();
+    writeFile(GetSettingsPath() + QStringLiteral("Macros.ini"), macro);
     MacroWrapper::instance().Reload();
 
     Bots(owner).Queue << QStringLiteral("!macro count");
-    ASSERT_TRUE(ownerSees(QStringLiteral("counting 10 of ten"), 60000));
+    ASSERT_TRUE(saw(owner, QStringLiteral("counting 10 of ten"), 60000));
     for (int n = 1; n <= 10; ++n)
         EXPECT_TRUE(rtbChat(owner).text().contains(QStringLiteral("counting %1 of ten").arg(n)));
     EXPECT_TRUE(Bots(keeper).Online());

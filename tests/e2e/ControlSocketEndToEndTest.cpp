@@ -18,7 +18,7 @@ namespace {
 
 // A bot and its verbs on one home, with the folders they look in for the
 // socket set by the test in the environment they inherit.
-class ControlSocket : public testing::Test {
+class ControlSocket : public testing::Test, protected Terminal {
 protected:
     void SetUp() override {
         for (const char* name : {"TMPDIR", "XDG_RUNTIME_DIR"})
@@ -48,7 +48,6 @@ protected:
         ASSERT_TRUE(bot.says(QStringLiteral("Completed all startup tasks")))
             << bot.out.toStdString();
     }
-    VerbAnswer verb(const QStringList& words) { return RunVerb(home.path(), words); }
     // The one socket in `folder`.
     static QString socketIn(const QString& folder) {
         const QStringList names =
@@ -56,7 +55,6 @@ protected:
         return names.size() == 1 ? folder + u'/' + names[0] : QString();
     }
 
-    QTemporaryDir home;
     QTemporaryDir tmp;
     std::map<const char*, QByteArray> saved;
     RunningProgram bot;
@@ -125,15 +123,14 @@ TEST_F(ControlSocket, LivesInAPrivateFolderAndOutlastsIdleConnections) {
     };
     ASSERT_TRUE(waitFor([&] { return open() == ControlServer::kMostConnections; }, 3000)) << open();
     EXPECT_TRUE(idle.back()->readAll().contains("32 terminal connections open"));
-    const VerbAnswer busy = verb({QStringLiteral("profile"), QStringLiteral("list")});
+    const VerbAnswer busy = verb("profile list");
     EXPECT_EQ(busy.status, 1);
     EXPECT_TRUE(busy.err.contains(QStringLiteral("terminal connections")))
         << busy.err.toStdString();
     EXPECT_TRUE(bot.says(QStringLiteral("32 terminal connections are open at once")));
 
     EXPECT_TRUE(waitFor([&] { return open() == 0; }, ControlServer::kIdleMs + 3000)) << open();
-    const VerbAnswer made =
-        verb({QStringLiteral("profile"), QStringLiteral("new"), QStringLiteral("Main")});
+    const VerbAnswer made = verb("profile new Main");
     EXPECT_EQ(made.status, 0) << made.err.toStdString();
     EXPECT_EQ(made.out.left(22), QStringLiteral("Created profile 'Main'"));
 }
@@ -156,7 +153,7 @@ TEST_F(ControlSocket, RunningOutOfDescriptorsIsALineAndARetry) {
     }
     EXPECT_TRUE(
         bot.says(QStringLiteral("the bot has no file descriptors left (Too many open files)")));
-    const VerbAnswer late = verb({QStringLiteral("profile"), QStringLiteral("list")});
+    const VerbAnswer late = verb("profile list");
     EXPECT_EQ(late.out.left(15), QStringLiteral("No profiles yet")) << late.err.toStdString();
     EXPECT_TRUE(QFileInfo::exists(path));
     bot.read();
@@ -235,6 +232,6 @@ TEST_F(ControlSocket, AnotherUserTakingThePlaceFirstGetsNoByte) {
     EXPECT_TRUE(intruder.readAll().isEmpty());
     EXPECT_TRUE(bot.says(QStringLiteral("Refused a terminal connection from the user nobody")));
     ASSERT_EQ(::chmod(QFile::encodeName(runtime).constData(), 0700), 0);
-    const VerbAnswer list = verb({QStringLiteral("profile"), QStringLiteral("list")});
+    const VerbAnswer list = verb("profile list");
     EXPECT_EQ(list.out.left(15), QStringLiteral("No profiles yet")) << list.err.toStdString();
 }

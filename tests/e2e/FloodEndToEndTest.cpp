@@ -13,9 +13,7 @@ using FloodEndToEnd = BotFixture;
 
 TEST_F(FloodEndToEnd, ABurstLeavesAtTheQueuesPaceWithoutADisconnect) {
     ASSERT_TRUE(sandbox.start(traced()));
-    const int i = sandbox.loadProfile(QStringLiteral("flooder"), QStringLiteral("Flood"));
-    SlotTable::instance().ConnectBot(i);
-    ASSERT_TRUE(waitFor([&] { return Bots(i).Channel() == QLatin1String("Flood"); }));
+    const int i = inChannel(QStringLiteral("flooder"), QStringLiteral("Flood"));
 
     constexpr int kLines = 8;
     constexpr int kLength = 2;

@@ -139,8 +139,7 @@ TEST_F(LogonEndToEnd, AMissingAccountIsMadeAndLogsOnAgainAndAWrongPasswordEndsTh
 
         const int wrong = load(p, QStringLiteral("known"), QStringLiteral("WRONG!"));
         SlotTable::instance().ConnectBot(wrong);
-        ASSERT_TRUE(waitFor([&] { return chat(wrong).contains("[Connections Closed]"); }))
-            << chat(wrong).toStdString();
+        ASSERT_TRUE(saw(wrong, QStringLiteral("[Connections Closed]")));
         EXPECT_TRUE(
             chat(wrong).contains(QStringLiteral("[BNET] Account's password was incorrect!")));
         EXPECT_FALSE(Bots(wrong).CanConnect);
@@ -171,8 +170,7 @@ TEST_F(LogonEndToEnd, VersionResultsShowTheirWordsForEachRoute) {
         const int i = load(kProducts[3], QStringLiteral("version") + QString::number(c.local),
                            QStringLiteral("pass"), &server);
         SlotTable::instance().ConnectBot(i);
-        ASSERT_TRUE(waitFor([&] { return chat(i).contains("[Connections Closed]"); }))
-            << chat(i).toStdString();
+        ASSERT_TRUE(saw(i, QStringLiteral("[Connections Closed]")));
         EXPECT_TRUE(chat(i).contains(QString::fromLatin1(c.line))) << c.result << c.local;
         SlotTable::instance().UnloadProfile(Bots(i).Profile());
     }
@@ -183,7 +181,7 @@ TEST_F(LogonEndToEnd, AFailedBnlsCheckStandsStillUntilTheWatchdog) {
     useLocalHashing(false);
     const int i = load(kProducts[0], QStringLiteral("stuck"), QStringLiteral("pass"));
     SlotTable::instance().ConnectBot(i);
-    ASSERT_TRUE(waitFor([&] { return chat(i).contains("[BNLS] Version check failed."); }));
+    ASSERT_TRUE(saw(i, QStringLiteral("[BNLS] Version check failed.")));
     pause(500);
     EXPECT_FALSE(chat(i).contains(QStringLiteral("Authorizing client information")));
     EXPECT_TRUE(Bots(i).CanConnect);

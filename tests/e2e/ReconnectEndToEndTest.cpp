@@ -104,14 +104,12 @@ TEST_F(ReconnectEndToEnd, ABrokenServerEndsInALineAndALogonOnTheNextTry) {
 
 TEST_F(ReconnectEndToEnd, ADroppedSlotComesBackByItselfUntilTheUserDisconnects) {
     ASSERT_TRUE(sandbox.start({QStringLiteral("--control")}));
-    const int i = sandbox.loadProfile(QStringLiteral("returner"), QStringLiteral("Lobby"));
+    const int i = inChannel(QStringLiteral("returner"), QStringLiteral("Lobby"));
     SlotTable::instance().SelectBot(i);
-    SlotTable::instance().ConnectBot(i);
-    ASSERT_TRUE(waitFor([&] { return Bots(i).Online(); })) << chat(i).toStdString();
 
     // Each drop soon after the last waits longer; the status line counts down.
     for (const quint32 wait : {15000u, 30000u}) {
-        ASSERT_EQ(sandbox.control(QStringLiteral("disconnect returner")), QStringLiteral("ok"));
+        control({"disconnect returner"});
         ASSERT_TRUE(waitFor([&] { return Bots(i).Reconnect.isArmed(); }));
         pass(wait - 1000);
         EXPECT_TRUE(TimedEvents::instance().StatusLine().startsWith(
@@ -123,7 +121,7 @@ TEST_F(ReconnectEndToEnd, ADroppedSlotComesBackByItselfUntilTheUserDisconnects) 
     }
 
     // The user's disconnect, as the menu does it, stops the coming try.
-    ASSERT_EQ(sandbox.control(QStringLiteral("disconnect returner")), QStringLiteral("ok"));
+    control({"disconnect returner"});
     ASSERT_TRUE(waitFor([&] { return Bots(i).Reconnect.isArmed(); }));
     Bots(i).CanConnect = false;
     Bots(i).setOnline(false);
@@ -136,9 +134,7 @@ TEST_F(ReconnectEndToEnd, ADroppedSlotComesBackByItselfUntilTheUserDisconnects) 
 
 TEST_F(ReconnectEndToEnd, AServerThatEchoesKeepAlivesHearsOnePerPeriod) {
     ASSERT_TRUE(sandbox.start(traced({QStringLiteral("--echo-keepalive")})));
-    const int i = sandbox.loadProfile(QStringLiteral("keeper"), QStringLiteral("Lobby"));
-    SlotTable::instance().ConnectBot(i);
-    ASSERT_TRUE(waitFor([&] { return Bots(i).Online(); })) << chat(i).toStdString();
+    const int i = inChannel(QStringLiteral("keeper"), QStringLiteral("Lobby"));
     const auto keepAlives = [&] {
         const std::vector<TracedFrame> frames = readTrace(tracePath());
         return std::count_if(frames.begin(), frames.end(), [](const TracedFrame& t) {

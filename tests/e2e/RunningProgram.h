@@ -10,6 +10,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
+#include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 // Writes `text` to `path`, making its folder first.
@@ -38,6 +39,23 @@ inline VerbAnswer importKeys(const QString& home, const QString& keys) {
     writeFile(reg, (QStringLiteral("REGEDIT4\r\n\r\n") + keys).toLatin1());
     return RunVerb(home, {QStringLiteral("--import-reg"), reg});
 }
+
+// Another terminal on a home of the test's own, from which verbs reach the
+// bot that runs there.
+class Terminal {
+protected:
+    VerbAnswer verb(const QStringList& words) const { return RunVerb(home.path(), words); }
+    // The words of `line`, split at its spaces.
+    VerbAnswer verb(const char* line) const { return verb(QString::fromUtf8(line).split(u' ')); }
+    // A verb that must succeed.
+    void setUp(const QStringList& words) const {
+        const VerbAnswer run = verb(words);
+        ASSERT_EQ(run.status, 0) << words.join(u' ').toStdString() << ": " << run.err.toStdString();
+    }
+    void setUp(const char* line) const { setUp(QString::fromUtf8(line).split(u' ')); }
+
+    QTemporaryDir home;
+};
 
 // The program running beside the test, everything it printed kept in `out`.
 class RunningProgram : public QProcess {

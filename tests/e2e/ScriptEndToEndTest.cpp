@@ -51,29 +51,8 @@ protected:
     int online() {
         EXPECT_TRUE(sandbox.start(traced(
             {QStringLiteral("--residents"), QStringLiteral("0"), QStringLiteral("--control")})));
-        const int i = sandbox.loadProfile(QStringLiteral("scribe"), QStringLiteral("Sandbox"));
-        SlotTable::instance().ConnectBot(i);
-        EXPECT_TRUE(waitFor([&] { return Bots(i).Channel() == QLatin1String("Sandbox"); }, 15000))
-            << chat(i).toStdString();
-        return i;
+        return inChannel(QStringLiteral("scribe"), QStringLiteral("Sandbox"));
     }
-    void control(const QStringList& lines) {
-        ASSERT_EQ(sandbox.control(lines), QStringList(lines.size(), QStringLiteral("ok")));
-    }
-    QStringList linesAtServer() const {
-        QStringList lines;
-        for (const QByteArray& line : chatLinesSent(tracePath()))
-            lines << QString::fromLatin1(line);
-        return lines;
-    }
-    ::testing::AssertionResult serverHears(const QString& line) {
-        if (waitFor([&] { return linesAtServer().contains(line); }, 15000))
-            return ::testing::AssertionSuccess();
-        return ::testing::AssertionFailure()
-               << "not sent: " << line.toStdString() << "\nsent:\n  "
-               << linesAtServer().join(QStringLiteral("\n  ")).toStdString();
-    }
-    static QString console() { return rtbChat(0).text(); }
 };
 
 TEST_F(ScriptEndToEnd, TheObjectsAnswerAScriptAndRefuseASlotWithoutAProfile) {
@@ -91,11 +70,11 @@ TEST_F(ScriptEndToEnd, TheObjectsAnswerAScriptAndRefuseASlotWithoutAProfile) {
     QVariantList args{i};
     EXPECT_EQ(script.call(QStringLiteral("probe"), args).toString(),
               QStringLiteral(".||false|Prober|0||undefined|0"));
-    EXPECT_TRUE(console().contains(QStringLiteral("probing")));
-    EXPECT_TRUE(console().contains(
+    EXPECT_TRUE(chat(0).contains(QStringLiteral("probing")));
+    EXPECT_TRUE(chat(0).contains(
         QStringLiteral("Error -> GetChannel(BotIndex: 99) - raised error no profile is loaded in "
                        "slot 99")))
-        << console().toStdString();
+        << chat(0).toStdString();
     QVariantList none;
     EXPECT_FALSE(script.call(QStringLiteral("Event_Missing"), none).isValid());
 }
@@ -104,8 +83,8 @@ TEST_F(ScriptEndToEnd, TheExampleScriptGreetsAndAnswersSeen) {
     writeFile(GetSettingsPath() + QStringLiteral("Script.txt"),
               example(QStringLiteral("Script.txt")));
     LoadScript();
-    EXPECT_TRUE(console().contains(QStringLiteral("Greeter script loaded")));
-    const int i = online();
+    EXPECT_TRUE(chat(0).contains(QStringLiteral("Greeter script loaded")));
+    online();
 
     control({"user Alice", "join Alice Sandbox"});
     EXPECT_TRUE(serverHears(QStringLiteral("Welcome to Sandbox, Alice!")));
@@ -113,8 +92,7 @@ TEST_F(ScriptEndToEnd, TheExampleScriptGreetsAndAnswersSeen) {
     EXPECT_TRUE(serverHears(QStringLiteral("I have not seen Bob.")));
     control({"user Bob", "join Bob Sandbox", "leave Bob", "talk Alice !seen bob"});
     EXPECT_TRUE(serverHears(QStringLiteral("I saw Bob leaving just now.")));
-    EXPECT_FALSE(console().contains(QStringLiteral("Error ->"))) << console().toStdString();
-    (void)i;
+    EXPECT_FALSE(chat(0).contains(QStringLiteral("Error ->"))) << chat(0).toStdString();
 }
 
 TEST_F(ScriptEndToEnd, ARunawayScriptIsStoppedAndTheBotGoesOn) {
@@ -126,7 +104,7 @@ TEST_F(ScriptEndToEnd, ARunawayScriptIsStoppedAndTheBotGoesOn) {
         })");
     LoadScript();
     // No Event_Startup: said once, and the rest of the script works.
-    EXPECT_TRUE(console().contains(QStringLiteral("This error is related to the Startup() sub.")));
+    EXPECT_TRUE(chat(0).contains(QStringLiteral("This error is related to the Startup() sub.")));
     online();
 
     control({"user Alice", "join Alice Sandbox", "talk Alice first"});
@@ -134,23 +112,12 @@ TEST_F(ScriptEndToEnd, ARunawayScriptIsStoppedAndTheBotGoesOn) {
     QElapsedTimer clock;
     clock.start();
     control({"talk Alice spin"});
-    EXPECT_TRUE(waitFor(
-        [] {
-            return console().contains(QStringLiteral(
-                "Error -> Script sub Event_UserTalk raised error - it ran longer than 2 seconds "
-                "and was stopped"));
-        },
-        15000))
-        << console().toStdString();
+    EXPECT_TRUE(saw(0, QStringLiteral("Error -> Script sub Event_UserTalk raised error - it ran "
+                                      "longer than 2 seconds and was stopped")));
     EXPECT_LT(clock.elapsed(), 6000);
     control({"talk Alice dive"});
-    EXPECT_TRUE(waitFor(
-        [] {
-            return console().contains(
-                QStringLiteral("Error -> Script sub Event_UserTalk raised error - RangeError"));
-        },
-        15000))
-        << console().toStdString();
+    EXPECT_TRUE(
+        saw(0, QStringLiteral("Error -> Script sub Event_UserTalk raised error - RangeError")));
     control({"talk Alice still there?"});
     EXPECT_TRUE(serverHears(QStringLiteral("heard still there?")));
     EXPECT_FALSE(linesAtServer().contains(QStringLiteral("heard spin")));
@@ -170,7 +137,7 @@ TEST_F(ScriptEndToEnd, PluginsInJavaScriptAndCHearPacketsAndChatAndTidyTypedLine
     ASSERT_TRUE(PluginHost::setAutoLoad(QStringLiteral("hello"), true));
     InstallPluginLoader();
     PluginHost::instance().ImportPlugins();
-    EXPECT_TRUE(console().contains(QStringLiteral("- Importing plugin \"greeter.js\"")));
+    EXPECT_TRUE(chat(0).contains(QStringLiteral("- Importing plugin \"greeter.js\"")));
     EXPECT_FALSE(PluginHost::instance().isLoaded(QStringLiteral("idle")));
     ListModel& options = PluginHost::instance().options();
     ASSERT_EQ(options.count(), 2);
@@ -181,17 +148,17 @@ TEST_F(ScriptEndToEnd, PluginsInJavaScriptAndCHearPacketsAndChatAndTidyTypedLine
     control({"user Alice", "join Alice Sandbox"});
     EXPECT_TRUE(serverHears(QStringLiteral("Hello Alice, greetings from a plug-in.")));
     EXPECT_TRUE(serverHears(QStringLiteral("Hello Alice, greetings from C.")));
-    EXPECT_TRUE(console().contains(
+    EXPECT_TRUE(chat(0).contains(
         QStringLiteral("Error -> Plugin caused error for mute ChatEvent(2) - Object doesn't "
                        "support this property or method: 'Event_UserJoin'")))
-        << console().toStdString();
+        << chat(0).toStdString();
 
     for (int n = 1; n <= options.count(); ++n)
         PluginHost::instance().OptionClicked(options.item(n).tag);
     for (const char* counter : {"greeter has seen (\\d+) packets", "hello.so has counted (\\d+)"}) {
         const QRegularExpressionMatch counted =
-            QRegularExpression(QString::fromLatin1(counter)).match(console());
-        ASSERT_TRUE(counted.hasMatch()) << counter << console().toStdString();
+            QRegularExpression(QString::fromLatin1(counter)).match(chat(0));
+        ASSERT_TRUE(counted.hasMatch()) << counter << chat(0).toStdString();
         EXPECT_GT(counted.captured(1).toInt(), 3);
     }
 
@@ -227,16 +194,16 @@ TEST_F(ScriptEndToEnd, PluginsOfEachInterfaceReachTheMainFormAndANewerOneIsRefus
     InstallPluginLoader();
     PluginHost& host = PluginHost::instance();
 
-    EXPECT_EQ(host.StartPlugin(QStringLiteral("older")), 0) << console().toStdString();
-    EXPECT_TRUE(console().contains(QStringLiteral("older.so speaks through the first interface")));
+    EXPECT_EQ(host.StartPlugin(QStringLiteral("older")), 0) << chat(0).toStdString();
+    EXPECT_TRUE(chat(0).contains(QStringLiteral("older.so speaks through the first interface")));
     EXPECT_NE(host.StartPlugin(QStringLiteral("newer")), 0);
-    EXPECT_TRUE(console().contains(
+    EXPECT_TRUE(chat(0).contains(
         QStringLiteral("it was built for plug-in interface version 3, newer than this bot's "
                        "version 2")))
-        << console().toStdString();
+        << chat(0).toStdString();
     EXPECT_FALSE(host.isLoaded(QStringLiteral("newer")));
 
-    ASSERT_EQ(host.StartPlugin(QStringLiteral("reachjs")), 0) << console().toStdString();
+    ASSERT_EQ(host.StartPlugin(QStringLiteral("reachjs")), 0) << chat(0).toStdString();
     const int slot = table.findProfile(QStringLiteral("Stored"));
     ASSERT_GT(slot, 0);
     EXPECT_EQ(table.CurrentIndex(), slot);
@@ -244,7 +211,7 @@ TEST_F(ScriptEndToEnd, PluginsOfEachInterfaceReachTheMainFormAndANewerOneIsRefus
         QStringLiteral("reachjs.js loaded Stored into slot %1, on screen %1, unknown 0").arg(slot)))
         << rtbChat(slot).text().toStdString();
 
-    ASSERT_EQ(host.StartPlugin(QStringLiteral("reach")), 0) << console().toStdString();
+    ASSERT_EQ(host.StartPlugin(QStringLiteral("reach")), 0) << chat(0).toStdString();
     const QString processor = Machine().ProcessorName;
     EXPECT_FALSE(processor.isEmpty());
     EXPECT_NE(processor, qEnvironmentVariable("USER"));

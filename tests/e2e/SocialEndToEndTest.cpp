@@ -25,18 +25,11 @@ protected:
     }
 
     int connect(const QString& account, const QString& client = QStringLiteral("STAR")) {
-        const int i = sandbox.loadProfile(account, QStringLiteral("Sandbox"));
-        if (client == QLatin1String("WAR3")) {
-            Bots(i).Config.setClient(client);
-            Bots(i).Config.setCdkey(QStringLiteral("V9FBR8JC4RJWCGPCMGPT9J2CND"));
-        }
-        SlotTable::instance().ConnectBot(i);
-        EXPECT_TRUE(waitFor([i] { return Bots(i).Channel() == QLatin1String("Sandbox"); }, 20000))
-            << chat(i).toStdString();
-        return i;
-    }
-    static bool saw(int i, const QString& text) {
-        return waitFor([&] { return chat(i).contains(text); }, 10000);
+        return inChannel(account, QStringLiteral("Sandbox"), [&](BotElement& bot) {
+            if (client != QLatin1String("WAR3")) return;
+            bot.Config.setClient(client);
+            bot.Config.setCdkey(QStringLiteral("V9FBR8JC4RJWCGPCMGPT9J2CND"));
+        });
     }
     // The residents, in the channel and standing still.
     QStringList residents() {

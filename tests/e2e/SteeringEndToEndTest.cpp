@@ -9,14 +9,12 @@
 
 namespace {
 
-using Answer = VerbAnswer;
-
-class SteeringEndToEnd : public ::testing::Test {
+class SteeringEndToEnd : public ::testing::Test, protected Terminal {
 protected:
     void SetUp() override {
         ASSERT_TRUE(sandbox.start({QStringLiteral("--control")}));
         // Every talk event shows, however fast it comes; whispers go to their panel.
-        const Answer imported = importKeys(
+        const VerbAnswer imported = importKeys(
             home.path(),
             profileKey(QStringLiteral("Alpha"), QStringLiteral("alphabot"), QStringLiteral("Steer"),
                        sandbox) +
@@ -26,12 +24,6 @@ protected:
                     "[HKEY_CURRENT_USER\\Software\\Corvantide4\\Settings]\r\n"
                     "\"FloodMode\"=dword:00000000\r\n\"WhisperPanel\"=dword:00000001\r\n"));
         ASSERT_EQ(imported.status, 0) << imported.err.toStdString();
-    }
-    // One verb from another terminal, answered while the bot runs.
-    Answer verb(const QStringList& words) { return RunVerb(home.path(), words); }
-    void setUp(const QStringList& words) {
-        const Answer run = verb(words);
-        ASSERT_EQ(run.status, 0) << words.join(u' ').toStdString() << ": " << run.err.toStdString();
     }
 
     void startBot() {
@@ -55,12 +47,10 @@ protected:
     // Until a row of `status` matches the pattern.
     bool statusShows(const QString& row) {
         const QRegularExpression pattern(u'^' + row, QRegularExpression::MultilineOption);
-        return waitFor(
-            [&] { return pattern.match(verb({QStringLiteral("status")}).out).hasMatch(); }, 20000);
+        return waitFor([&] { return pattern.match(verb("status").out).hasMatch(); }, 20000);
     }
 
     SandboxProcess sandbox;
-    QTemporaryDir home;
     RunningProgram bot;
     RunningProgram tail;
 };
@@ -72,14 +62,14 @@ TEST_F(SteeringEndToEnd, AServiceBotIsSteeredAndFollowedFromOtherTerminals) {
     ASSERT_TRUE(statusShows(QStringLiteral("Alpha +online +Steer +1 +\\d+ ms +-$")));
 
     // The second profile is loaded and connected from here.
-    Answer a = verb({QStringLiteral("load"), QStringLiteral("beta")});
+    VerbAnswer a = verb("load beta");
     ASSERT_EQ(a.status, 0) << a.err.toStdString();
     EXPECT_TRUE(a.out.startsWith(QStringLiteral("Loaded 'Beta'"))) << a.out.toStdString();
-    a = verb({QStringLiteral("load"), QStringLiteral("Beta")});
+    a = verb("load Beta");
     EXPECT_EQ(a.status, 1);
     EXPECT_EQ(a.err, QStringLiteral("Cannot load profile (Beta) it is already loaded.\n"));
     EXPECT_TRUE(statusShows(QStringLiteral("Beta +offline +- +- +- +-$")));
-    ASSERT_EQ(verb({QStringLiteral("connect"), QStringLiteral("Beta")}).status, 0);
+    ASSERT_EQ(verb("connect Beta").status, 0);
     ASSERT_TRUE(statusShows(QStringLiteral("Beta +online +Steer +2 ")));
 
     // A follower gets the last lines first, then each line as it comes: what
@@ -90,11 +80,10 @@ TEST_F(SteeringEndToEnd, AServiceBotIsSteeredAndFollowedFromOtherTerminals) {
     ASSERT_TRUE(tail.says(QStringLiteral("Time Logged:"))) << tail.out.toStdString();
     EXPECT_EQ(tail.out.count(u'\n'), 3) << tail.out.toStdString();
     EXPECT_TRUE(tail.out.contains(QStringLiteral("Last Logoff:")));
-    a = verb({QStringLiteral("send"), QStringLiteral("Beta"), QStringLiteral("hello"),
-              QStringLiteral("from"), QStringLiteral("afar")});
+    a = verb("send Beta hello from afar");
     ASSERT_EQ(a.status, 0) << a.err.toStdString();
     EXPECT_TRUE(tail.says(QStringLiteral("<betabot> hello from afar")));
-    a = verb({QStringLiteral("send"), QStringLiteral("Beta"), QStringLiteral("/ver")});
+    a = verb("send Beta /ver");
     EXPECT_TRUE(a.out.contains(QStringLiteral("Corvantide v"))) << a.out.toStdString();
     ASSERT_EQ(sandbox.control({QStringLiteral("user Ghost"),
                                QStringLiteral("whisper Ghost betabot psst, beta")}),
@@ -105,30 +94,29 @@ TEST_F(SteeringEndToEnd, AServiceBotIsSteeredAndFollowedFromOtherTerminals) {
 
     // Disconnected and unloaded from here; the follower is told, and a line
     // for a profile no longer loaded is refused.
-    ASSERT_EQ(verb({QStringLiteral("disconnect"), QStringLiteral("Beta")}).status, 0);
+    ASSERT_EQ(verb("disconnect Beta").status, 0);
     EXPECT_TRUE(tail.says(QStringLiteral("[Connections Closed]")));
     EXPECT_TRUE(statusShows(QStringLiteral("Beta +offline +- ")));
-    ASSERT_EQ(verb({QStringLiteral("unload"), QStringLiteral("Beta")}).status, 0);
+    ASSERT_EQ(verb("unload Beta").status, 0);
     EXPECT_TRUE(tail.says(QStringLiteral("-- 'Beta' was unloaded")));
-    a = verb({QStringLiteral("send"), QStringLiteral("Beta"), QStringLiteral("hi")});
+    a = verb("send Beta hi");
     EXPECT_EQ(a.status, 1);
     EXPECT_TRUE(a.err.startsWith(QStringLiteral("No profile named 'Beta' is loaded")));
-    EXPECT_FALSE(verb({QStringLiteral("status")}).out.contains(QStringLiteral("Beta")));
+    EXPECT_FALSE(verb("status").out.contains(QStringLiteral("Beta")));
 
     // Loaded again, the follower picks it up by name.
-    ASSERT_EQ(verb({QStringLiteral("load"), QStringLiteral("Beta")}).status, 0);
-    ASSERT_EQ(verb({QStringLiteral("reconnect"), QStringLiteral("Beta")}).status, 0);
+    ASSERT_EQ(verb("load Beta").status, 0);
+    ASSERT_EQ(verb("reconnect Beta").status, 0);
     EXPECT_TRUE(tail.says(QStringLiteral("-- 'Beta' was loaded.")));
     EXPECT_TRUE(tail.says(QStringLiteral("Joined Private channel:")));
 
     // A loaded profile deleted from the store leaves its slot, and loading
     // goes on working.
-    setUp({QStringLiteral("profile"), QStringLiteral("clone"), QStringLiteral("Beta"),
-           QStringLiteral("Gamma")});
-    setUp({QStringLiteral("profile"), QStringLiteral("delete"), QStringLiteral("Beta")});
+    setUp("profile clone Beta Gamma");
+    setUp("profile delete Beta");
     EXPECT_TRUE(
         waitFor([&] { return tail.read().count(QStringLiteral("-- 'Beta' was unloaded")) == 2; }));
-    a = verb({QStringLiteral("load"), QStringLiteral("Gamma")});
+    a = verb("load Gamma");
     EXPECT_EQ(a.status, 0) << a.err.toStdString();
     EXPECT_TRUE(statusShows(QStringLiteral("Gamma +offline")));
 
@@ -139,7 +127,7 @@ TEST_F(SteeringEndToEnd, AServiceBotIsSteeredAndFollowedFromOtherTerminals) {
     EXPECT_TRUE(tail.readAllStandardError().contains("The bot stopped"));
 
     // Without a running bot the steering verbs say so.
-    a = verb({QStringLiteral("status")});
+    a = verb("status");
     EXPECT_EQ(a.status, 1);
     EXPECT_TRUE(a.err.startsWith(QStringLiteral("No Corvantide runs on this home")))
         << a.err.toStdString();

@@ -14,26 +14,13 @@
 
 namespace {
 
-using Answer = VerbAnswer;
-
-class TerminalVerbsEndToEnd : public BotFixture {
+class TerminalVerbsEndToEnd : public BotFixture, protected Terminal {
 protected:
     void SetUp() override {
         BotFixture::SetUp();
         SettingsWrapper::instance().setFloodMode(0);
     }
 
-    Answer verb(const QStringList& words) { return RunVerb(home.path(), words); }
-    void setUp(const QStringList& words) {
-        const Answer run = verb(words);
-        ASSERT_EQ(run.status, 0) << words.join(u' ').toStdString() << ": " << run.err.toStdString();
-    }
-
-    bool ownerSees(const QString& text) {
-        return waitFor([&] { return chat(owner).contains(text); }, 20000);
-    }
-
-    QTemporaryDir home;
     RunningProgram bot;
     int owner = 0;
 };
@@ -65,21 +52,18 @@ TEST_F(TerminalVerbsEndToEnd, TheReadmesRecipeLogsOnAndObeysItsUserbase) {
         // The sandbox of this test listens on ports of its own.
         words.replaceInStrings(QStringLiteral("127.0.0.1:6112"), sandbox.bncsServer());
         words.replaceInStrings(QStringLiteral("127.0.0.1:9367"), sandbox.bnlsServer());
-        const Answer run = verb(words);
+        const VerbAnswer run = verb(words);
         ASSERT_EQ(run.status, 0) << words.join(u' ').toStdString() << ": " << run.err.toStdString();
         if (words.mid(0, 2) == QStringList{QStringLiteral("profile"), QStringLiteral("show")})
             shown = run.out;
     }
     EXPECT_TRUE(shown.contains(QStringLiteral("Verbyte =    (the current byte of STAR, D3)")));
     EXPECT_FALSE(shown.contains(QStringLiteral("Cannot connect"))) << shown.toStdString();
-    const QString p = QStringLiteral("Main");
     // A copy with the byte of an older client, and one that lacks its account.
-    setUp({QStringLiteral("profile"), QStringLiteral("clone"), p, QStringLiteral("Stale")});
-    setUp({QStringLiteral("profile"), QStringLiteral("set"), QStringLiteral("Stale"),
-           QStringLiteral("Account"), QStringLiteral("stalebot")});
-    setUp({QStringLiteral("profile"), QStringLiteral("set"), QStringLiteral("Stale"),
-           QStringLiteral("Verbyte"), QStringLiteral("d1")});
-    setUp({QStringLiteral("profile"), QStringLiteral("clone"), p, QStringLiteral("Blank")});
+    setUp("profile clone Main Stale");
+    setUp("profile set Stale Account stalebot");
+    setUp("profile set Stale Verbyte d1");
+    setUp("profile clone Main Blank");
     setUp({QStringLiteral("profile"), QStringLiteral("set"), QStringLiteral("Blank"),
            QStringLiteral("Account"), QString()});
 
@@ -88,11 +72,9 @@ TEST_F(TerminalVerbsEndToEnd, TheReadmesRecipeLogsOnAndObeysItsUserbase) {
     ASSERT_TRUE(
         QFile::copy(QStringLiteral(CORVANTIDE_TEST_DATA "/../../examples/plugins/greeter.js"),
                     plugins + QStringLiteral("greeter.js")));
-    EXPECT_EQ(
-        verb({QStringLiteral("plugin"), QStringLiteral("enable"), QStringLiteral("Greeter")}).out,
-        QStringLiteral("'greeter' loads when the bot starts.\n"));
-    const Answer noBot =
-        verb({QStringLiteral("plugin"), QStringLiteral("start"), QStringLiteral("greeter")});
+    EXPECT_EQ(verb("plugin enable Greeter").out,
+              QStringLiteral("'greeter' loads when the bot starts.\n"));
+    const VerbAnswer noBot = verb("plugin start greeter");
     EXPECT_EQ(noBot.status, 1);
     EXPECT_TRUE(noBot.err.startsWith(QStringLiteral("No Corvantide runs on this home")))
         << noBot.err.toStdString();
@@ -104,7 +86,7 @@ TEST_F(TerminalVerbsEndToEnd, TheReadmesRecipeLogsOnAndObeysItsUserbase) {
     ASSERT_TRUE(bot.says(QStringLiteral("Cannot connect: Account is empty")));
 
     Bots(owner).Queue << QStringLiteral(".say obeying the terminal's userbase");
-    ASSERT_TRUE(ownerSees(QStringLiteral("<mybot> obeying the terminal's userbase")));
+    ASSERT_TRUE(saw(owner, QStringLiteral("<mybot> obeying the terminal's userbase")));
 
     // The refused byte was mended from BNLS once (Main and the user sent
     // their product's current byte); the profile without an account said
@@ -114,10 +96,7 @@ TEST_F(TerminalVerbsEndToEnd, TheReadmesRecipeLogsOnAndObeysItsUserbase) {
                                            "stored the current one, D3, in the profile and "
                                            "connecting once more.")),
               1);
-    EXPECT_EQ(verb({QStringLiteral("profile"), QStringLiteral("get"), QStringLiteral("Stale"),
-                    QStringLiteral("Verbyte")})
-                  .out,
-              QStringLiteral("D3\n"));
+    EXPECT_EQ(verb("profile get Stale Verbyte").out, QStringLiteral("D3\n"));
     EXPECT_EQ(bot.out.count(QStringLiteral("[BNET] Cannot connect: Account is empty; set it with: "
                                            "corvantide profile set Blank Account NAME.")),
               1);
@@ -125,52 +104,48 @@ TEST_F(TerminalVerbsEndToEnd, TheReadmesRecipeLogsOnAndObeysItsUserbase) {
 
     // The plug-in Plugins.ini loads at start greets who joins.
     Bots(owner).Queue << QStringLiteral("/join Elsewhere") << QStringLiteral("/join Lobby");
-    ASSERT_TRUE(ownerSees(QStringLiteral("<mybot> Hello myfriend, greetings from a plug-in.")));
+    ASSERT_TRUE(saw(owner, QStringLiteral("<mybot> Hello myfriend, greetings from a plug-in.")));
     struct PluginVerb {
         const char* words;
         int status;
         QString said; // on standard output, or standard error for a refusal
     } const pluginVerbs[] = {
-        {"list", 0, QStringLiteral("greeter\trunning, loads at start\n")},
-        {"stop greeter", 0, QStringLiteral("Stopped 'greeter'.\n")},
-        {"stop greeter", 1, QStringLiteral("'greeter' is not running.\n")},
-        {"disable greeter", 0, QStringLiteral("'greeter' no longer loads when the bot starts.\n")},
-        {"start greeter", 0, QStringLiteral("Started 'greeter'.\n")},
-        {"list", 0, QStringLiteral("greeter\trunning, not loaded at start\n")},
+        {"plugin list", 0, QStringLiteral("greeter\trunning, loads at start\n")},
+        {"plugin stop greeter", 0, QStringLiteral("Stopped 'greeter'.\n")},
+        {"plugin stop greeter", 1, QStringLiteral("'greeter' is not running.\n")},
+        {"plugin disable greeter", 0,
+         QStringLiteral("'greeter' no longer loads when the bot starts.\n")},
+        {"plugin start greeter", 0, QStringLiteral("Started 'greeter'.\n")},
+        {"plugin list", 0, QStringLiteral("greeter\trunning, not loaded at start\n")},
     };
     for (const PluginVerb& row : pluginVerbs) {
-        const Answer a = verb(QStringList{QStringLiteral("plugin")} +
-                              QString::fromLatin1(row.words).split(u' '));
+        const VerbAnswer a = verb(row.words);
         EXPECT_EQ(a.status, row.status) << row.words;
         EXPECT_EQ(row.status == 0 ? a.out : a.err, row.said) << row.words;
     }
 
     // The running bot takes the new trigger at once: the old one is silence.
-    const Answer changed = verb({QStringLiteral("profile"), QStringLiteral("set"), p,
-                                 QStringLiteral("Trigger"), QStringLiteral("#")});
+    const VerbAnswer changed = verb("profile set Main Trigger #");
     ASSERT_EQ(changed.status, 0) << changed.err.toStdString();
     EXPECT_EQ(changed.out, QStringLiteral("Set Trigger of 'Main' to '#'.\n"));
     Bots(owner).Queue << QStringLiteral(".say old trigger") << QStringLiteral("#say new trigger");
-    ASSERT_TRUE(ownerSees(QStringLiteral("<mybot> new trigger")));
+    ASSERT_TRUE(saw(owner, QStringLiteral("<mybot> new trigger")));
     EXPECT_FALSE(rtbChat(owner).text().contains(QStringLiteral("<mybot> old trigger")));
 
     // Lists changed on the terminal count at once in the running bot: a
     // filter hides the owner's next line, a macro answers the next command.
-    setUp({QStringLiteral("filter"), QStringLiteral("add"), QStringLiteral("*hush*")});
-    setUp({QStringLiteral("macro"), QStringLiteral("add"), QStringLiteral("greet"),
-           QStringLiteral("Hello"), QStringLiteral("from"), QStringLiteral("a"),
-           QStringLiteral("macro")});
+    setUp("filter add *hush*");
+    setUp("macro add greet Hello from a macro");
     Bots(owner).Queue << QStringLiteral("hush hush") << QStringLiteral("#macro greet");
-    ASSERT_TRUE(ownerSees(QStringLiteral("<mybot> Hello from a macro")));
+    ASSERT_TRUE(saw(owner, QStringLiteral("<mybot> Hello from a macro")));
     EXPECT_TRUE(bot.says(QStringLiteral("#macro greet")));
     EXPECT_FALSE(bot.out.contains(QStringLiteral("hush hush")));
 
     // Refusals from the running bot come back with a failing status.
-    const Answer taken = verb({QStringLiteral("profile"), QStringLiteral("new"), p.toLower()});
+    const VerbAnswer taken = verb("profile new main");
     EXPECT_EQ(taken.status, 1);
     EXPECT_EQ(taken.err, QStringLiteral("A profile named 'Main' already exists.\n"));
-    const Answer wrongType = verb({QStringLiteral("profile"), QStringLiteral("set"), p,
-                                   QStringLiteral("IdleTime"), QStringLiteral("soon")});
+    const VerbAnswer wrongType = verb("profile set Main IdleTime soon");
     EXPECT_EQ(wrongType.status, 1);
     EXPECT_EQ(wrongType.err, QStringLiteral("IdleTime takes a number, not 'soon'.\n"));
 }

@@ -37,6 +37,11 @@ TEST_F(ChatWriterTest, AFullViewIsEmptiedWholeBeforeTheNextLine) {
     EXPECT_EQ(view().length(), kChatViewLimit - 1 + 12);
     WriteChat(slot(), {{0xFFFFFF, QStringLiteral("alone")}});
     EXPECT_EQ(view().text(), QStringLiteral("alone\r\n"));
+    // A view exactly at the limit is full.
+    view().clear();
+    WriteChat(slot(), {{0xFFFFFF, QString(kChatViewLimit - 2, u'x')}});
+    WriteChat(slot(), {{0xFFFFFF, QStringLiteral("alone")}});
+    EXPECT_EQ(view().text(), QStringLiteral("alone\r\n"));
 
     // Templates and other views clear through the timestamp step alike.
     WriteChatView(view(), {{0xFFFFFF, QString(kChatViewLimit, u'y')}});

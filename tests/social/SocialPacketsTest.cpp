@@ -253,6 +253,11 @@ TEST_F(SocialTest, TheListShowsStatusAndWhereaboutsAndFollowsUpdates) {
     packet(0x69, QByteArray("\x05\x00", 2));
     EXPECT_EQ(names(), (QStringList{"ann", "bob", "cy", "dee", "eve", "fay"}));
     EXPECT_EQ(friends.item(1).subText, QStringLiteral("Not in chat"));
+    EXPECT_EQ(friends.item(1).subToolTip, QStringLiteral("Not in chat."));
+    // A private game's name is not told.
+    update({"ann", 0, 4, "hidden"});
+    EXPECT_EQ(friends.item(6).subText, QStringLiteral("Private Game"));
+    EXPECT_EQ(friends.item(6).subToolTip, QStringLiteral("Private Game"));
 
     EXPECT_FALSE(askedForList());
     packet(0x68, QByteArray(4, '\0'));

@@ -104,7 +104,7 @@ TEST_F(ReconnectEndToEnd, ABrokenServerEndsInALineAndALogonOnTheNextTry) {
 
 TEST_F(ReconnectEndToEnd, ADroppedSlotComesBackByItselfUntilTheUserDisconnects) {
     ASSERT_TRUE(sandbox.start({QStringLiteral("--control")}));
-    const int i = inChannel(QStringLiteral("returner"), QStringLiteral("Lobby"));
+    const int i = inChannel(QStringLiteral("returner"), {});
     SlotTable::instance().SelectBot(i);
 
     // Each drop soon after the last waits longer; the status line counts down.
@@ -134,7 +134,7 @@ TEST_F(ReconnectEndToEnd, ADroppedSlotComesBackByItselfUntilTheUserDisconnects) 
 
 TEST_F(ReconnectEndToEnd, AServerThatEchoesKeepAlivesHearsOnePerPeriod) {
     ASSERT_TRUE(sandbox.start(traced({QStringLiteral("--echo-keepalive")})));
-    const int i = inChannel(QStringLiteral("keeper"), QStringLiteral("Lobby"));
+    const int i = inChannel(QStringLiteral("keeper"), {});
     const auto keepAlives = [&] {
         const std::vector<TracedFrame> frames = readTrace(tracePath());
         return std::count_if(frames.begin(), frames.end(), [](const TracedFrame& t) {

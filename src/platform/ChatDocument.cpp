@@ -91,23 +91,6 @@ qsizetype ChatDocument::countFrom(int from, QChar c) const {
     return count;
 }
 
-std::vector<TextRun> ChatDocument::runsBetween(int from, int to) const {
-    std::vector<TextRun> out;
-    from = std::max(0, from);
-    to = std::min(to, m_length);
-    if (from >= to) return out;
-    auto [index, start] = locate(from);
-    for (size_t i = index; i < m_runs.size() && start < to; ++i) {
-        const TextRun& run = m_runs[i];
-        const int end = start + int(run.text.size());
-        const int a = std::max(from, start);
-        const int b = std::min(to, end);
-        if (a < b) out.push_back({run.text.mid(a - start, b - a), run.format});
-        start = end;
-    }
-    return out;
-}
-
 std::vector<std::vector<TextRun>> ChatDocument::linesBetween(int from, int to, int* end) const {
     std::vector<std::vector<TextRun>> lines;
     std::vector<TextRun> current;

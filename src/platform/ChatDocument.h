@@ -39,8 +39,6 @@ public:
     // How many times `c` stands at `from` or after, without a copy of the text.
     qsizetype countFrom(int from, QChar c) const;
     const std::vector<TextRun>& runs() const { return m_runs; }
-    // The runs of [from, to), cut at both ends.
-    std::vector<TextRun> runsBetween(int from, int to) const;
     // The whole lines of [from, to) as runs, cut at each line feed, without
     // the line end (a carriage return before the feed goes too). What follows
     // the last line feed is not a whole line: `end` says where it starts.

@@ -63,9 +63,18 @@ ControlPanelWeb::ControlPanelWeb(QWidget* parent)
 
     connect(copy, &QPushButton::clicked, this,
             [token] { QApplication::clipboard()->setText(token->text()); });
-    connect(openPage, &QPushButton::clicked, this, [port] {
-        if (port->value() > 0)
-            QDesktopServices::openUrl(QUrl(QStringLiteral("http://127.0.0.1:%1/").arg(port->value())));
+    // The page where it listens; an address of every interface is reached here
+    // through the loopback one.
+    connect(openPage, &QPushButton::clicked, this, [port, address] {
+        QHostAddress host(address->text().trimmed());
+        if (host.isNull() || host == QHostAddress::AnyIPv4) host = QHostAddress::LocalHost;
+        if (host == QHostAddress::AnyIPv6) host = QHostAddress::LocalHostIPv6;
+        QUrl page;
+        page.setScheme(QStringLiteral("http"));
+        page.setHost(host.toString());
+        page.setPort(port->value());
+        page.setPath(QStringLiteral("/"));
+        if (port->value() > 0) QDesktopServices::openUrl(page);
     });
 
     SettingsWrapper& settings = SettingsWrapper::instance();

@@ -89,9 +89,11 @@ void WebFront::close() {
 void WebFront::settingChanged(const QString& property) {
     if (property != u"WebPort" && property != u"WebAddress") return;
     const bool wasOn = m_port != 0;
+    // A new port setting overrides --web; a new address keeps the port in use.
+    if (property == u"WebPort") m_portGiven = 0;
     close();
     open();
-    if (!start() && wasOn && SettingsWrapper::instance().WebPort() <= 0)
+    if (!start(m_portGiven) && wasOn && SettingsWrapper::instance().WebPort() <= 0)
         WriteChat(0, Status::Information, QStringLiteral("The web page is closed."));
 }
 
@@ -116,6 +118,7 @@ WebFront::~WebFront() {
 
 bool WebFront::start(int port) {
     SettingsWrapper& settings = SettingsWrapper::instance();
+    m_portGiven = std::max(port, 0);
     if (port <= 0) port = settings.WebPort();
     if (port <= 0) return false;
     if (port > 65535) {

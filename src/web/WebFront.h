@@ -54,6 +54,7 @@ private:
     PageFeed* m_feed = nullptr;
     std::vector<WebPage*> m_pages;
     quint16 m_port = 0;
+    int m_portGiven = 0; // from the command line, 0 when the setting rules
     qint64 m_wrongTokens = 0;
     qint64 m_lastWrongTokenLine = -1;
     QElapsedTimer m_clock;
